@@ -1,0 +1,1 @@
+# Install rules; completed with the package files.
