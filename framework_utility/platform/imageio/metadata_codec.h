@@ -1,0 +1,48 @@
+#pragma once
+
+#include <framework_utility/platform/foundation/value.h>
+#include <framework_utility/platform/imageio/metadata_blocks.h>
+
+#include <cstddef>
+#include <span>
+#include <vector>
+
+namespace FrameworkUtility::detail {
+
+// Each block is read into a properties dictionary in the platform's shape, and a changed dictionary
+// is merged back into the block: entries that read the same as before keep their bytes, changed
+// ones are written, missing ones are removed, and what the library does not know stays as it was.
+// Every reader takes any bytes.
+
+/// Facts about the new pixels, which replace those about the old ones.
+struct PixelFacts {
+  std::size_t width = 0;
+  std::size_t height = 0;
+};
+
+/// Adds "{Exif}", "{TIFF}", "{GPS}", "{ExifAux}", "{MakerApple}", Orientation, DPIWidth and
+/// DPIHeight as present.
+void readExif(std::span<const std::byte> tiff, Dictionary& properties);
+/// The block for these properties; `tiff` may be empty. Empty when there is nothing to store.
+std::vector<std::byte> mergeExif(std::span<const std::byte> tiff, const Dictionary& properties,
+                                 const PixelFacts& pixels);
+
+/// Adds "{IPTC}" when the resources hold a record.
+void readImageResources(std::span<const std::byte> resources, Dictionary& properties);
+std::vector<std::byte> mergeImageResources(std::span<const std::byte> resources,
+                                           const Dictionary& properties);
+
+/// Adds entries of "{TIFF}", "{Exif}", "{GPS}" and "{IPTC}" that `properties` does not have yet.
+void readXmp(std::span<const std::byte> packet, Dictionary& properties);
+/// `before` is what the blocks read as before the change, `after` what the caller wants: a property
+/// of the packet whose entry differs between them is changed or removed in place.
+std::vector<std::byte> mergeXmp(std::span<const std::byte> packet, const Dictionary& before,
+                                const Dictionary& after, const PixelFacts& pixels);
+
+/// All blocks together. EXIF wins over XMP and XMP never replaces IPTC.
+void readMetadata(const MetadataBlocks& blocks, Dictionary& properties);
+/// `source` is null for properties that came from no file.
+MetadataBlocks mergeMetadata(const MetadataBlocks* source, const Dictionary& properties,
+                             const PixelFacts& pixels);
+
+}  // namespace FrameworkUtility::detail
