@@ -9,11 +9,16 @@
 # configure time: a header that belongs to no component below its own stops the configure, even
 # where an inline body would have linked.
 
-set(FRAMEWORK_UTILITY_COMPONENTS "" CACHE INTERNAL "")
+set_property(GLOBAL PROPERTY FRAMEWORK_UTILITY_COMPONENTS "")
 
 function(framework_utility_component name)
   cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "HEADERS;SOURCES;USES;THIRD_PARTY")
-  set(target framework_utility_${name})
+  if(arg_UNPARSED_ARGUMENTS)
+    message(FATAL_ERROR "${name}: what is ${arg_UNPARSED_ARGUMENTS}?")
+  endif()
+  if(arg_THIRD_PARTY AND NOT name MATCHES "^platform_")
+    message(FATAL_ERROR "${name} cannot use ${arg_THIRD_PARTY}: only platform/ stands on others.")
+  endif()
   set(reachable ${name})
   foreach(used IN LISTS arg_USES)
     if(NOT TARGET FrameworkUtility::${used})
@@ -23,11 +28,13 @@ function(framework_utility_component name)
     list(APPEND reachable ${below})
   endforeach()
   list(REMOVE_DUPLICATES reachable)
-  set_property(GLOBAL PROPERTY FRAMEWORK_UTILITY_REACHABLE_${name} ${reachable})
-  if(arg_THIRD_PARTY AND NOT name MATCHES "^platform_")
-    message(FATAL_ERROR "${name} cannot use ${arg_THIRD_PARTY}: only platform/ stands on others.")
-  endif()
 
+  set(headers ${arg_HEADERS})
+  list(TRANSFORM headers PREPEND ${CMAKE_CURRENT_SOURCE_DIR}/)
+  set_property(GLOBAL APPEND PROPERTY FRAMEWORK_UTILITY_COMPONENTS ${name})
+  set_property(GLOBAL APPEND PROPERTY FRAMEWORK_UTILITY_HEADERS ${headers})
+  set_property(GLOBAL PROPERTY FRAMEWORK_UTILITY_REACHABLE_${name} ${reachable})
+  set_property(GLOBAL PROPERTY FRAMEWORK_UTILITY_THIRD_PARTY_${name} ${arg_THIRD_PARTY})
   foreach(file IN LISTS arg_HEADERS arg_SOURCES)
     set_property(GLOBAL PROPERTY
       FRAMEWORK_UTILITY_OWNER_${CMAKE_CURRENT_SOURCE_DIR}/${file} ${name})
@@ -36,10 +43,10 @@ function(framework_utility_component name)
     framework_utility_check_includes(${CMAKE_CURRENT_SOURCE_DIR}/${file} ${name})
   endforeach()
 
+  set(target framework_utility_${name})
   add_library(${target} STATIC)
   add_library(FrameworkUtility::${name} ALIAS ${target})
-  set_target_properties(${target} PROPERTIES EXPORT_NAME ${name}
-    VERIFY_INTERFACE_HEADER_SETS ON)
+  set_target_properties(${target} PROPERTIES EXPORT_NAME ${name} VERIFY_INTERFACE_HEADER_SETS ON)
   target_sources(${target}
     PUBLIC FILE_SET HEADERS BASE_DIRS ${PROJECT_SOURCE_DIR} FILES ${arg_HEADERS}
     PRIVATE ${arg_SOURCES})
@@ -48,7 +55,6 @@ function(framework_utility_component name)
   target_link_libraries(${target}
     PUBLIC ${arg_USES}
     PRIVATE ${arg_THIRD_PARTY} $<BUILD_INTERFACE:framework_utility_build_flags>)
-  set(FRAMEWORK_UTILITY_COMPONENTS ${FRAMEWORK_UTILITY_COMPONENTS} ${name} CACHE INTERNAL "")
 endfunction()
 
 # Stops when `file` of `component` includes a header of the library that is not below it.

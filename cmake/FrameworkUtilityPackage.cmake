@@ -1,1 +1,88 @@
-# Install rules; completed with the package files.
+# FrameworkUtility::FrameworkUtility, all components together, and what is installed: libraries,
+# headers, a CMake package with components, a pkg-config file.
+#
+# Static by default: one library a component, and an app links what it asks for. Shared: one
+# object made of the same components, which then all stand for it.
+
+include(CMakePackageConfigHelpers)
+
+get_property(components GLOBAL PROPERTY FRAMEWORK_UTILITY_COMPONENTS)
+set(targets ${components})
+list(TRANSFORM targets PREPEND framework_utility_)
+
+if(BUILD_SHARED_LIBS)
+  get_property(headers GLOBAL PROPERTY FRAMEWORK_UTILITY_HEADERS)
+  set(version_script ${PROJECT_SOURCE_DIR}/cmake/exported_symbols.map)
+  add_library(FrameworkUtility SHARED)
+  target_sources(FrameworkUtility
+    PUBLIC FILE_SET HEADERS BASE_DIRS ${PROJECT_SOURCE_DIR} FILES ${headers})
+  target_compile_features(FrameworkUtility PUBLIC cxx_std_20)
+  set_target_properties(FrameworkUtility PROPERTIES
+    LINKER_LANGUAGE CXX VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR}
+    LINK_DEPENDS ${version_script})
+  target_link_options(FrameworkUtility PRIVATE
+    LINKER:--version-script=${version_script} LINKER:--no-undefined)
+  foreach(target IN LISTS targets)
+    target_link_libraries(FrameworkUtility PRIVATE
+      $<BUILD_INTERFACE:$<LINK_LIBRARY:WHOLE_ARCHIVE,${target}>>)
+  endforeach()
+  set(exported FrameworkUtility)
+  foreach(component IN LISTS components)
+    add_library(framework_utility_${component}_exported INTERFACE)
+    set_target_properties(framework_utility_${component}_exported PROPERTIES
+      EXPORT_NAME ${component})
+    target_link_libraries(framework_utility_${component}_exported INTERFACE FrameworkUtility)
+    list(APPEND exported framework_utility_${component}_exported)
+  endforeach()
+else()
+  add_library(FrameworkUtility INTERFACE)
+  target_link_libraries(FrameworkUtility INTERFACE ${targets})
+  set(exported FrameworkUtility ${targets})
+endif()
+add_library(FrameworkUtility::FrameworkUtility ALIAS FrameworkUtility)
+
+install(TARGETS ${exported} EXPORT FrameworkUtilityTargets FILE_SET HEADERS)
+
+set(package_folder ${CMAKE_INSTALL_LIBDIR}/cmake/FrameworkUtility)
+install(EXPORT FrameworkUtilityTargets NAMESPACE FrameworkUtility:: DESTINATION ${package_folder})
+
+# What a component of a static build needs found before it can be linked.
+set(FRAMEWORK_UTILITY_COMPONENT_NEEDS "")
+if(NOT BUILD_SHARED_LIBS)
+  foreach(component IN LISTS components)
+    get_property(reachable GLOBAL PROPERTY FRAMEWORK_UTILITY_REACHABLE_${component})
+    set(needs "")
+    foreach(below IN LISTS reachable)
+      get_property(third_party GLOBAL PROPERTY FRAMEWORK_UTILITY_THIRD_PARTY_${below})
+      list(APPEND needs ${third_party})
+    endforeach()
+    list(REMOVE_DUPLICATES needs)
+    string(APPEND FRAMEWORK_UTILITY_COMPONENT_NEEDS
+      "set(FrameworkUtility_${component}_NEEDS ${needs})\n")
+  endforeach()
+endif()
+configure_package_config_file(
+  ${PROJECT_SOURCE_DIR}/cmake/FrameworkUtilityConfig.cmake.in
+  ${PROJECT_BINARY_DIR}/FrameworkUtilityConfig.cmake
+  INSTALL_DESTINATION ${package_folder})
+write_basic_package_version_file(${PROJECT_BINARY_DIR}/FrameworkUtilityConfigVersion.cmake
+  COMPATIBILITY SameMinorVersion)  # before 1.0 a minor version may break
+install(FILES
+  ${PROJECT_BINARY_DIR}/FrameworkUtilityConfig.cmake
+  ${PROJECT_BINARY_DIR}/FrameworkUtilityConfigVersion.cmake
+  DESTINATION ${package_folder})
+
+if(BUILD_SHARED_LIBS)
+  set(PC_LIBS -lFrameworkUtility)
+  set(PC_REQUIRES "")
+else()
+  set(PC_LIBS ${targets})
+  list(REVERSE PC_LIBS)  # what uses before what is used
+  list(TRANSFORM PC_LIBS PREPEND -l)
+  list(JOIN PC_LIBS " " PC_LIBS)
+  set(PC_REQUIRES "libjpeg libpng lcms2 icu-i18n expat")
+endif()
+configure_file(${PROJECT_SOURCE_DIR}/cmake/FrameworkUtility.pc.in
+  ${PROJECT_BINARY_DIR}/FrameworkUtility.pc @ONLY)
+install(FILES ${PROJECT_BINARY_DIR}/FrameworkUtility.pc
+  DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)

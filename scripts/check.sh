@@ -1,0 +1,79 @@
+#!/bin/bash
+# check.sh [lint|sanitizers|package|compilers]: what a change must pass beside scripts/test.sh. All
+# of it without an argument; .ci/run calls it so.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+sources() { git ls-files -co --exclude-standard -- "$@"; }
+fail() { echo "check: $*" >&2; exit 1; }
+
+lint() {
+  echo '== format'
+  sources '*.cpp' '*.h' | xargs clang-format-14 --dry-run --Werror
+
+  echo '== layers: third-party and system headers stay inside platform/'
+  # Standard headers bear no slash and no extension; ours begin with framework_utility/.
+  local foreign
+  foreign=$(sources 'framework_utility/*.cpp' 'framework_utility/*.h' |
+    grep -v '^framework_utility/platform/' |
+    xargs grep -nE '^ *# *include' |
+    grep -vE '<framework_utility/[a-z0-9_/]+\.h>|<[a-z_]+>') || true
+  [ -z "$foreign" ] || fail $'only platform/ may include these:\n'"$foreign"
+
+  echo '== tests: every test, example, benchmark and fuzz target is built'
+  local file
+  for file in $(sources 'tests/*.cpp' 'examples/*.cpp' 'fuzz/*.cpp' 'bench/*.cpp'); do
+    case $file in tests/consumer/*) continue ;; esac
+    grep -q "\b$(basename "$file")\b" "$(dirname "$file")/CMakeLists.txt" ||
+      { case $file in
+          fuzz/*_fuzz.cpp) grep -qw "$(basename "$file" _fuzz.cpp)" fuzz/CMakeLists.txt ;;
+          *) false ;;
+        esac; } || fail "$file has no target"
+  done
+
+  echo '== headers: each public one compiles alone'
+  scripts/build.sh release all_verify_interface_header_sets
+
+  echo '== clang-tidy'
+  scripts/build.sh release
+  local runner=run-clang-tidy-14
+  $runner -quiet -p build/release "$PWD/(framework_utility|tools|examples)/.*\.cpp$" \
+    >build/clang-tidy.txt 2>&1 || { grep -E 'error:|warning:' build/clang-tidy.txt; fail clang-tidy; }
+}
+
+sanitizers() {
+  local preset
+  for preset in asan tsan; do
+    echo "== tests under $preset"
+    scripts/build.sh $preset
+    ctest --preset $preset --parallel "$(nproc)"
+  done
+}
+
+package() {
+  local shared
+  for shared in OFF ON; do
+    echo "== package: shared libraries $shared"
+    tests/consumer/run.sh $shared
+  done
+}
+
+compilers() {
+  # Own programs of the library's users may be of a later language level than the library.
+  echo '== headers as C++23, with both compilers'
+  local compiler
+  for compiler in g++ clang++-14; do
+    sources 'framework_utility/*.h' | sed 's/.*/#include <&>/' |
+      $compiler -std=c++2b -I. -Wall -Wextra -Wpedantic -Werror -fsyntax-only -x c++ -
+  done
+}
+
+if [ $# -gt 0 ]; then
+  "$@"
+else
+  scripts/setup.sh check
+  lint
+  compilers
+  package
+  sanitizers
+fi
+echo 'check: passed'

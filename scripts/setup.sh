@@ -1,0 +1,34 @@
+#!/bin/sh
+# setup.sh [build|check|bench]: installs what is missing of the Debian packages that building and
+# testing need (build, the default), that scripts/check.sh needs too, or that scripts/bench.sh
+# needs too. docs/dependencies.md says what each is for.
+set -eu
+
+build='g++ cmake ninja-build pkg-config libjpeg-dev libpng-dev liblcms2-dev libicu-dev
+  libexpat1-dev libcli11-dev libfmt-dev libgtest-dev libgmock-dev'
+check='git clang-14 clang-format-14 clang-tidy-14 libclang-rt-14-dev python3
+  libimage-exiftool-perl exiv2 libjpeg-turbo-progs pngcheck imagemagick'
+bench='libbenchmark-dev libexif-dev libexiv2-dev libvips-dev'
+
+case "${1:-build}" in
+  build) wanted=$build ;;
+  check) wanted="$build $check" ;;
+  bench) wanted="$build $bench" ;;
+  *) echo "usage: setup.sh [build|check|bench]" >&2; exit 2 ;;
+esac
+
+missing=''
+for package in $wanted; do
+  case "$(dpkg-query -W -f '${db:Status-Status}' "$package" 2>/dev/null || true)" in
+    installed) ;;
+    *) missing="$missing $package" ;;
+  esac
+done
+[ -n "$missing" ] || exit 0
+
+as_root=''
+[ "$(id -u)" -eq 0 ] || as_root=sudo
+echo "Installing$missing"
+$as_root apt-get update -qq
+# shellcheck disable=SC2086  # a list of words
+$as_root env DEBIAN_FRONTEND=noninteractive apt-get install -y -qq --no-install-recommends $missing
