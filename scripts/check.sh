@@ -1,5 +1,5 @@
 #!/bin/bash
-# check.sh [lint|sanitizers|package|compilers]: what a change must pass beside scripts/test.sh. All
+# check.sh [lint|compilers|agreement|package|sanitizers]: what a change must pass beside scripts/test.sh. All
 # of it without an argument; .ci/run calls it so.
 set -euo pipefail
 cd "$(dirname "$0")/.."
@@ -49,6 +49,13 @@ sanitizers() {
   done
 }
 
+agreement() {
+  echo '== agreement with independent readers and writers'
+  scripts/build.sh release kvtool demo
+  build/release/bin/demo build/demo >/dev/null
+  tests/agreement/agreement.py build/release/bin/kvtool build/demo/scene.jpg
+}
+
 package() {
   local shared
   for shared in OFF ON; do
@@ -73,6 +80,7 @@ else
   scripts/setup.sh check
   lint
   compilers
+  agreement
   package
   sanitizers
 fi
