@@ -1,0 +1,84 @@
+#include <framework_utility/platform/foundation/url.h>
+#include <framework_utility/platform/foundation/value.h>
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+
+namespace FrameworkUtility {
+namespace {
+
+TEST(URLTest, FileNamesComeBackUnchanged) {
+  for (const std::string name : {"a%20b.jpg", "100%.jpg", "a#b?.jpg", "a;b:c.jpg", "ü\u2028 .jpg",
+                                 "\xFF\xFE\x80.jpg", "\\", "[x]", "a\nb", "%2F", "..."}) {
+    const std::string path = "/tmp/" + name;
+    const URL url = URL::fileURLWithPath(path);
+    EXPECT_EQ(url.path(), path);
+    EXPECT_EQ(url.lastPathComponent(), name);
+    EXPECT_EQ(URL::fileURLWithPath("/tmp").appendingPathComponent(name), url);
+    const std::optional<URL> read = URL::withString(url.absoluteString());
+    ASSERT_TRUE(read) << url;
+    EXPECT_EQ(read->path(), path);
+    EXPECT_TRUE(read->isFileURL());
+  }
+}
+
+TEST(URLTest, RelativePathsStartAtTheWorkingDirectory) {
+  EXPECT_EQ(URL::fileURLWithPath("a b").path(), (std::filesystem::current_path() / "a b").string());
+  EXPECT_EQ(URL::fileURLWithPath("").path(), std::filesystem::current_path().string());
+}
+
+TEST(URLTest, PartsOfAFileAddress) {
+  const URL photo = URL::fileURLWithPath("/a/my photo.tar.gz");
+  EXPECT_EQ(photo.absoluteString(), "file:///a/my%20photo.tar.gz");
+  EXPECT_EQ(photo.pathExtension(), "gz");
+  EXPECT_EQ(photo.deletingPathExtension().path(), "/a/my photo.tar");
+  EXPECT_EQ(photo.deletingLastPathComponent().absoluteString(), "file:///a/");
+  EXPECT_EQ(photo.appendingPathExtension("z")->path(), "/a/my photo.tar.gz.z");
+  EXPECT_FALSE(photo.appendingPathExtension("a b"));
+
+  // A folder's address keeps the slash that its path loses.
+  const URL folder = URL::fileURLWithPath("/p.q/");
+  EXPECT_EQ(folder.path(), "/p.q");
+  EXPECT_EQ(folder.absoluteString(), "file:///p.q/");
+  EXPECT_EQ(folder.deletingPathExtension().absoluteString(), "file:///p/");
+  EXPECT_EQ(folder.appendingPathExtension("e")->absoluteString(), "file:///p.q.e/");
+
+  const URL root = URL::fileURLWithPath("/");
+  EXPECT_EQ(root.deletingLastPathComponent(), root);
+  EXPECT_FALSE(root.appendingPathExtension("e"));
+}
+
+TEST(URLTest, OtherAddresses) {
+  struct Case {
+    const char* text;
+    std::optional<std::string> path;
+    bool isFile;
+  };
+  const Case cases[] = {
+      {"https://host/a%20b/c.jpg?x=/y#z", "/a b/c.jpg", false},
+      {"https://host", std::nullopt, false},
+      {"https://host?/no", std::nullopt, false},
+      {"FILE://localhost/a", "/a", true},
+      {"mailto:a@b.c", std::nullopt, false},
+      {"photo.jpg", "photo.jpg", false},
+      {"1a:b", "1a:b", false},
+      {"#fragment", std::nullopt, false},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.text);
+    const std::optional<URL> url = URL::withString(c.text);
+    ASSERT_TRUE(url);
+    EXPECT_EQ(url->path(), c.path);
+    EXPECT_EQ(url->isFileURL(), c.isFile);
+  }
+  EXPECT_EQ(URL::withString("https://host?q")->appendingPathComponent("a b").absoluteString(),
+            "https://host/a%20b?q");
+  EXPECT_EQ(URL::withString("mailto:a@b.c")->appendingPathComponent("d").absoluteString(),
+            "mailto:a@b.c");
+  for (const char* text : {"", "a b", "100%.jpg", "%2", "%GG", "a\x01", "ü", "a#b#c", "<a>"})
+    EXPECT_FALSE(URL::withString(text)) << text;
+}
+
+}  // namespace
+}  // namespace FrameworkUtility
