@@ -1,0 +1,282 @@
+#include <framework_utility/geometry/math.h>
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstdint>
+#include <limits>
+#include <numbers>
+#include <random>
+#include <set>
+
+namespace FrameworkUtility {
+namespace {
+
+constexpr double pi = std::numbers::pi;
+constexpr double nan = std::numeric_limits<double>::quiet_NaN();
+constexpr double infinity = std::numeric_limits<double>::infinity();
+constexpr double largest = std::numeric_limits<double>::max();
+constexpr std::int64_t lowestInteger = std::numeric_limits<std::int64_t>::min();
+constexpr std::int64_t highestInteger = std::numeric_limits<std::int64_t>::max();
+
+/// The same numbers in each run.
+class Numbers {
+ public:
+  double between(double low, double high) {
+    return std::uniform_real_distribution(low, high)(bits_);
+  }
+  double whole(int low, int high) { return std::uniform_int_distribution(low, high)(bits_); }
+  Point point() { return {between(-2000, 2000), between(-2000, 2000)}; }
+  Size size() { return {between(0.01, 2000), between(0.01, 2000)}; }
+
+ private:
+  std::mt19937_64 bits_{20240517};
+};
+
+double stepwise(double value, double min, double max) {
+  while (value < min) value += max - min;
+  while (value > max) value -= max - min;
+  return value;
+}
+
+TEST(MathTest, ConvertsAngles) {
+  EXPECT_EQ(Math::degreesToRadians(180), pi);
+  EXPECT_EQ(Math::degreesToRadians(37), 37 * pi / 180);  // another order differs in the last bit
+  EXPECT_EQ(Math::radiansToDegrees(pi), 180);
+  EXPECT_EQ(Math::radiansToDegrees(1), 57.29577951308232);
+}
+
+TEST(MathTest, NormalizesDegrees) {
+  for (const auto& [degrees, normalized] : {std::pair{-30.0, 330.0},
+                                            {720, 0},
+                                            {360, 0},
+                                            {-360, 0},
+                                            {359.995, 0},
+                                            {359.98, 359.98},
+                                            {-0.005, 0},
+                                            {-1e-20, 0},
+                                            {0.005, 0.005},
+                                            {-1e20, 80}})
+    EXPECT_EQ(Math::normalizeDegreeAngle(degrees), normalized) << degrees;
+  EXPECT_FALSE(std::signbit(Math::normalizeDegreeAngle(-0.0)));
+  EXPECT_FALSE(std::signbit(Math::normalizeDegreeAngle(-720)));
+
+  Numbers numbers;
+  for (int i = 0; i < 1000; ++i) {
+    const double degrees = numbers.between(-1e6, 1e6);
+    const double expected = stepwise(degrees, 0, 360);
+    EXPECT_EQ(Math::normalizeDegreeAngle(degrees), expected > 359.99 ? 0 : expected) << degrees;
+  }
+}
+
+TEST(MathTest, NormalizesRadians) {
+  for (const auto& [radians, normalized] : {std::pair{3 * pi / 2, -pi / 2},
+                                            {-pi, -pi},
+                                            {pi, pi},
+                                            {3 * pi, pi},
+                                            {-3 * pi, -pi},
+                                            {1e-20, 1e-20},
+                                            {2 * pi, 0}})
+    EXPECT_EQ(Math::normalizeRadianAngle(radians), normalized) << radians;
+  EXPECT_FALSE(std::signbit(Math::normalizeRadianAngle(-0.0)));
+  EXPECT_FALSE(std::signbit(Math::normalizeRadianAngle(-2 * pi)));
+}
+
+TEST(MathTest, RadiansHaveTheBitsOfTheStepsAsLongAsTheseEnd) {
+  Numbers numbers;
+  for (int i = 0; i < 1000; ++i) {
+    const double near = numbers.between(-20'000, 20'000);
+    EXPECT_EQ(Math::normalizeRadianAngle(near), stepwise(near, -pi, pi)) << near;
+    const double far = std::pow(10, numbers.between(6, 308)) * (i % 2 ? 1 : -1);
+    EXPECT_EQ(Math::normalizeRadianAngle(far), std::remainder(far, 2 * pi)) << far;
+  }
+}
+
+TEST(MathTest, MovesValuesByWholePeriods) {
+  for (const auto& [value, normalized] :
+       {std::pair{10.0, 10.0}, {20, 20}, {20.5, 10.5}, {30, 20}, {9, 19}, {0, 10}, {-10, 10}})
+    EXPECT_EQ(Math::normalizeValue(value, 10, 20), normalized) << value;
+
+  // Far beyond what steps reach: 10^15 and the lines around it are whole numbers of periods.
+  Numbers numbers;
+  for (int i = 0; i < 1000; ++i) {
+    const double min = numbers.whole(-1000, 1000);
+    const double period = numbers.whole(1, 500);
+    const double value = numbers.whole(-1'000'000, 1'000'000) * 1e9;
+    const double moved = Math::normalizeValue(value, min, min + period);
+    EXPECT_TRUE(min <= moved && moved <= min + period) << value << ' ' << min << ' ' << period;
+    EXPECT_EQ(std::fmod(value - moved, period), 0) << value << ' ' << min << ' ' << period;
+  }
+}
+
+TEST(MathTest, NormalizingEndsForEveryInput) {
+  constexpr double two53 = 9007199254740992;  // from here on a step of 1 moves nothing
+  const double edges[] = {0,         1,         -1,        1e-320, -1e-320, 0.1,    1e16,
+                          two53 - 1, two53,     1e17,      -1e17,  1e300,   -1e300, largest,
+                          -largest,  two53 + 4, two53 * 2, pi,     -pi,     -two53, -two53 - 2000};
+  for (const double value : edges)
+    for (const double min : edges)
+      for (const double max : edges) {
+        SCOPED_TRACE(::testing::Message() << value << " in " << min << " to " << max);
+        const double moved = Math::normalizeValue(value, min, max);
+        if (min < max)
+          EXPECT_TRUE(min <= moved && moved <= max) << moved;
+        else
+          EXPECT_EQ(moved, value);
+      }
+  for (const double value : {nan, infinity, -infinity}) {
+    EXPECT_TRUE(std::isnan(Math::normalizeDegreeAngle(value)));
+    EXPECT_TRUE(std::isnan(Math::normalizeRadianAngle(value)));
+    EXPECT_TRUE(std::isnan(Math::normalizeValue(value, 0, 1)));
+    EXPECT_TRUE(std::isnan(Math::normalizeValue(2, value, 1)));
+    EXPECT_TRUE(std::isnan(Math::normalizeValue(-2, -1, value)));
+  }
+  EXPECT_EQ(Math::normalizeValue(5, 0, infinity), 5);
+}
+
+TEST(MathTest, LerpGoesOnBeyondTheRange) {
+  EXPECT_EQ(Math::lerp(15, 10, 20, 100, 0), 50);
+  EXPECT_EQ(Math::lerp(30, 10, 20, 100, 0), -100);
+  EXPECT_TRUE(std::isinf(Math::lerp(1, 0, 0, 0, 1)));
+}
+
+TEST(MathTest, AnglesOfLines) {
+  EXPECT_EQ(Math::angleRadiansOfLineMadeOfPointA({1, 1}, {1, 3}), pi / 2);
+  EXPECT_EQ(Math::angleDegreesOfLineMadeOfPointA({1, 1}, {0, 1}), 180);
+  // Measured from the y axis, so that a quarter turn clockwise on the screen counts backwards.
+  EXPECT_EQ(Math::angleBetweenPointA({1, 0}, {0, 1}, {0, 0}), -pi / 2);
+  EXPECT_EQ(Math::angleBetweenPointA({0, 1}, {1, 0}, {0, 0}), pi / 2);
+  EXPECT_EQ(Math::angleBetweenPointA({5, 7}, {5, 7}, {1, 2}), 0);
+
+  Numbers numbers;
+  for (int i = 0; i < 200; ++i) {
+    const Point center = numbers.point();
+    const Point a{center.x + numbers.between(1, 9), center.y + numbers.between(-9, 9)};
+    const double turn = numbers.between(-3.1, 3.1);
+    const Point b = Math::rotatePoint(a, center, turn);
+    EXPECT_NEAR(Math::angleBetweenPointA(a, b, center), -turn, 1e-9);
+    EXPECT_NEAR(Math::distanceBetweenPoint(center, a), Math::distanceBetweenPoint(center, b), 1e-9);
+  }
+}
+
+TEST(MathTest, PointsOnALine) {
+  EXPECT_EQ(Math::pointOnLineFrom({3, 4}, {3, 4}, 100), (Point{3, 4}));
+  EXPECT_EQ(Math::pointOnLineFrom({0, 0}, {4, 0}, 10), (Point{10, 0}));
+  EXPECT_EQ(Math::pointOnLineFrom({0, 0}, {4, 0}, -2), (Point{-2, 0}));
+  EXPECT_EQ(Math::centerPointOfLineFrom({largest, 0}, {largest, 3}), (Point{largest, 1.5}));
+  EXPECT_EQ(Math::distanceBetweenPoint({1, 1}, {-2, 5}), 5);
+}
+
+TEST(MathTest, IntersectsClosedSegments) {
+  struct Case {
+    const char* what;
+    Point p1, p2, p3, p4;
+    std::optional<Point> meet;
+  };
+  for (const Case& c :
+       {Case{"crossing", {0, 0}, {4, 4}, {0, 4}, {4, 0}, Point{2, 2}},
+        Case{"shared end", {0, 0}, {1, 2}, {1, 2}, {5, 0}, Point{1, 2}},
+        Case{"end on the other's middle", {0, 0}, {4, 0}, {2, 0}, {2, 9}, Point{2, 0}},
+        Case{"short of it", {0, 0}, {1, 1}, {0, 4}, {4, 0}, std::nullopt},
+        Case{"the other is short", {0, 0}, {4, 4}, {0, 4}, {1, 3}, std::nullopt},
+        Case{"parallel", {0, 0}, {4, 0}, {0, 1}, {4, 1}, std::nullopt},
+        Case{"overlapping", {0, 0}, {4, 0}, {2, 0}, {9, 0}, std::nullopt},
+        Case{"a point", {1, 1}, {1, 1}, {0, 0}, {2, 2}, std::nullopt},
+        Case{"not a number", {nan, 0}, {4, 4}, {0, 4}, {4, 0}, std::nullopt}})
+    EXPECT_EQ(Math::intersectionOfLineFrom(c.p1, c.p2, c.p3, c.p4), c.meet) << c.what;
+
+  // Segments made around a point meet there.
+  Numbers numbers;
+  for (int i = 0; i < 500; ++i) {
+    const Point a = numbers.point(), b = numbers.point();
+    const Point at = numbers.point();
+    const auto beyond = [&](Point from) {
+      return Math::pointOnLineFrom(from, at, Math::distanceBetweenPoint(from, at) * 1.5);
+    };
+    const auto meet = Math::intersectionOfLineFrom(a, beyond(a), b, beyond(b));
+    ASSERT_TRUE(meet);
+    EXPECT_NEAR(Math::distanceBetweenPoint(*meet, at), 0, 1e-6);
+  }
+}
+
+TEST(MathTest, FitsInsideAndOutside) {
+  Numbers numbers;
+  for (int i = 0; i < 500; ++i) {
+    const Size aspect = numbers.size();
+    const Rect bound(numbers.point(), numbers.size());
+    const double proportion = aspect.width / aspect.height;
+
+    const Size inside = Math::makeSizeWithAspectRatioInsideSize(aspect, bound.size);
+    EXPECT_NEAR(inside.width / inside.height, proportion, 1e-9 * proportion);
+    EXPECT_NEAR(std::max(inside.width / bound.width(), inside.height / bound.height()), 1, 1e-12);
+    const Rect insideRect = Math::makeRectWithAspectRatioInsideRect(aspect, bound);
+    EXPECT_EQ(insideRect.size, inside);
+    EXPECT_NEAR(insideRect.midX(), bound.midX(), 1e-9);
+    EXPECT_NEAR(insideRect.midY(), bound.midY(), 1e-9);
+
+    const Size outside = Math::makeSizeWithAspectRatioOutsideSize(aspect, bound.size);
+    EXPECT_NEAR(outside.width / outside.height, proportion, 1e-9 * proportion);
+    EXPECT_NEAR(std::min(outside.width / bound.width(), outside.height / bound.height()), 1, 1e-12);
+    const Rect outsideRect = Math::makeRectWithAspectRatioOutsideRect(aspect, bound);
+    EXPECT_EQ(outsideRect.size, outside);
+    EXPECT_NEAR(outsideRect.midX(), bound.width() / 2, 1e-9);  // the bound's origin is not added
+    EXPECT_NEAR(outsideRect.midY(), bound.height() / 2, 1e-9);
+  }
+}
+
+TEST(MathTest, FitsAtTheEdges) {
+  EXPECT_EQ(Math::makeSizeWithAspectRatioOutsideSize({1, 2}, {100, 100}), (Size{100, 200}));
+  EXPECT_EQ(Math::makeRectWithAspectRatioOutsideRect({1, 1}, Rect(10, 10, 100, 50)),
+            Rect(0, -25, 100, 100));
+  for (const Size& aspect : {Size{0, 5}, Size{5, 0}, Size{-1, 1}}) {
+    EXPECT_EQ(Math::makeSizeWithAspectRatioOutsideSize(aspect, {100, 100}), Size{});
+    EXPECT_EQ(Math::makeRectWithAspectRatioOutsideRect(aspect, Rect(1, 2, 100, 100)), Rect{});
+  }
+  EXPECT_EQ(Math::makeRectWithAspectRatioInsideRect({0, 5}, Rect(10, 10, 300, 200)),
+            Rect(160, 10, 0, 200));
+  EXPECT_EQ(Math::makeRectWithAspectRatioInsideRect({3, 2}, Rect(10, 20, 0, 0)),
+            Rect(10, 20, 0, 0));
+  const Rect none = Math::makeRectWithAspectRatioInsideRect({0, 0}, Rect(10, 10, 300, 200));
+  EXPECT_TRUE(std::isnan(none.origin.x) && std::isnan(none.size.height));
+}
+
+TEST(MathTest, RandomNumbersReachAllOfTheRangeButItsEnd) {
+  std::set<std::int64_t> seen;
+  for (int i = 0; i < 1000; ++i) seen.insert(Math::randomNumberWithMinimum(-2, 3));
+  EXPECT_EQ(seen, (std::set<std::int64_t>{-2, -1, 0, 1, 2}));
+  EXPECT_EQ(Math::randomNumberWithMinimum(3, 4), 3);
+  EXPECT_EQ(Math::randomNumberWithMinimum(lowestInteger, lowestInteger + 1), lowestInteger);
+  EXPECT_LT(Math::randomNumberWithMinimum(highestInteger - 0xFFFF'FFFF, highestInteger),
+            highestInteger);
+}
+
+TEST(MathTest, RandomFloatNumbersGoInHundredths) {
+  std::set<double> seen;
+  for (int i = 0; i < 2000; ++i) seen.insert(Math::randomFloatNumberWithMinimum(0.5, 0.55));
+  EXPECT_EQ(seen, (std::set{0.5, 0.51, 0.52, 0.53, 0.54}));
+  for (const auto& [min, max] : {std::pair{-1.0, 0.0}, {-5, 0.009}, {-infinity, 0}, {0, 0.0099}})
+    EXPECT_EQ(Math::randomFloatNumberWithMinimum(min, max), 0) << min << ' ' << max;
+}
+
+TEST(MathDeathTest, ImpossibleRandomRangesStop) {
+  for (const auto& [min, max] : {std::pair<std::int64_t, std::int64_t>{5, 5},
+                                 {5, 4},
+                                 {0, 0x1'0000'0000},
+                                 {lowestInteger, highestInteger},
+                                 {highestInteger, lowestInteger}})
+    EXPECT_DEATH(Math::randomNumberWithMinimum(min, max), "randomNumber") << min << ' ' << max;
+  for (const auto& [min, max] : {std::pair{0.5, 0.5},
+                                 {0.5, 0.509},
+                                 {2, 1},
+                                 {0, 42949673},
+                                 {-infinity, 1},
+                                 {nan, 1},
+                                 {0, nan},
+                                 {1e307, largest}})
+    EXPECT_DEATH(Math::randomFloatNumberWithMinimum(min, max), "randomFloatNumber")
+        << min << ' ' << max;
+}
+
+}  // namespace
+}  // namespace FrameworkUtility
