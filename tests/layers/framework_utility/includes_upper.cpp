@@ -1,0 +1,1 @@
+#include <framework_utility/upper.h>
