@@ -1,0 +1,61 @@
+#pragma once
+
+#include <framework_utility/platform/foundation/date.h>
+#include <framework_utility/platform/foundation/description.h>
+
+#include <chrono>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace FrameworkUtility {
+
+namespace detail {
+class ZoneRules;
+}
+
+/// The clock time of a place, past and future changes included. A cheap value.
+///
+/// Thread: any.
+class TimeZone {
+ public:
+  static TimeZone utc();
+  /// "Europe/Paris", "UTC", "GMT+5:30" (east of Greenwich); absent for a name that is not known.
+  /// Selector: timeZoneWithName:
+  static std::optional<TimeZone> withName(std::string_view name);
+
+  /// The user's: of `TZ`, else the system's; UTC when these name none. It follows a change of
+  /// either.
+  /// Selector: localTimeZone
+  static TimeZone current();
+
+  const std::string& name() const { return name_; }
+  /// How far the clock is ahead of Greenwich's at `date`.
+  /// Selector: secondsFromGMTForDate:
+  std::chrono::seconds secondsFromGMTForDate(Date date) const;
+
+  const std::string& description() const { return name_; }
+  friend bool operator==(const TimeZone& a, const TimeZone& b) { return a.name_ == b.name_; }
+
+ private:
+  TimeZone(std::string name, std::shared_ptr<const detail::ZoneRules> rules);
+
+  std::string name_;
+  std::shared_ptr<const detail::ZoneRules> rules_;  // null for UTC, which loads no data
+};
+
+/// Puts `zone` in the user's place while it lives. Make it before other threads run.
+class ScopedTimeZone {
+ public:
+  explicit ScopedTimeZone(TimeZone zone);
+  ScopedTimeZone(const ScopedTimeZone&) = delete;
+  ScopedTimeZone& operator=(const ScopedTimeZone&) = delete;
+  ~ScopedTimeZone();
+
+ private:
+  TimeZone zone_;
+  const TimeZone* previous_;
+};
+
+}  // namespace FrameworkUtility

@@ -1,0 +1,60 @@
+#include <framework_utility/platform/locale/locale.h>
+
+#include <gtest/gtest.h>
+
+#include <tests/support/scoped_environment.h>
+
+namespace FrameworkUtility {
+namespace {
+
+using testing::ScopedEnvironment;
+
+TEST(LocaleTest, TakesTheSpellingsOfSystems) {
+  struct Case {
+    const char *spelling, *identifier, *language;
+  };
+  for (const Case& c :
+       {Case{"de_DE", "de_DE", "de"}, Case{"de", "de", "de"}, Case{"ar-SA", "ar_SA", "ar"},
+        Case{"de_DE.UTF-8", "de_DE", "de"}, Case{"de_DE@euro", "de_DE", "de"},
+        Case{"en_us", "en_US", "en"}, Case{"sr_RS@latin", "sr_Latn_RS", "sr"},
+        Case{"sr_RS.UTF-8@cyrillic", "sr_Cyrl_RS", "sr"}, Case{"uz@latin", "uz_Latn", "uz"},
+        Case{"ckb_IQ", "ckb_IQ", "ckb"}, Case{"zh-Hant-TW", "zh_Hant_TW", "zh"},
+        Case{"th_TH@calendar=gregorian", "th_TH@calendar=gregorian", "th"}}) {
+    EXPECT_EQ(Locale(c.spelling).identifier(), c.identifier) << c.spelling;
+    EXPECT_EQ(Locale(c.spelling).languageCode(), c.language) << c.spelling;
+  }
+}
+
+TEST(LocaleTest, WhatIsNoIdentifierIsPlainEnglish) {
+  for (const char* spelling : {"C", "POSIX", "C.UTF-8", "", "a", "123", "../../etc", "english",
+                               "\xff\xfe", "@", ".", "@calendar=gregorian"})
+    EXPECT_EQ(Locale(spelling).identifier(), "en_US_POSIX") << spelling;
+  EXPECT_EQ(Locale(std::string(100'000, 'x')), Locale("C"));
+  EXPECT_EQ(Locale("en_" + std::string(200, 'X')), Locale("C"));
+}
+
+TEST(LocaleTest, TheUsersIsReadInTheOrderOfTheSystem) {
+  const ScopedEnvironment all("LC_ALL", nullptr), time("LC_TIME", nullptr),
+      numeric("LC_NUMERIC", nullptr), lang("LANG", nullptr);
+  const auto current = [] {
+    return Locale::current(LocaleCategory::dates).identifier() + ' ' +
+           Locale::current(LocaleCategory::numbers).identifier();
+  };
+  EXPECT_EQ(current(), "en_US_POSIX en_US_POSIX");
+  const ScopedEnvironment langSet("LANG", "fr_FR.UTF-8");
+  EXPECT_EQ(current(), "fr_FR fr_FR");
+  const ScopedEnvironment timeSet("LC_TIME", "de_DE.UTF-8");
+  EXPECT_EQ(current(), "de_DE fr_FR");
+  const ScopedEnvironment allEmpty("LC_ALL", "");
+  EXPECT_EQ(current(), "de_DE fr_FR");
+  const ScopedEnvironment allSet("LC_ALL", "C.UTF-8");
+  EXPECT_EQ(current(), "en_US_POSIX en_US_POSIX");
+  {
+    const ScopedLocale scoped(Locale("th_TH"));
+    EXPECT_EQ(current(), "th_TH th_TH");
+  }
+  EXPECT_EQ(current(), "en_US_POSIX en_US_POSIX");
+}
+
+}  // namespace
+}  // namespace FrameworkUtility
