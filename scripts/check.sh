@@ -19,8 +19,14 @@ lint() {
     grep -vE '<framework_utility/[a-z0-9_/]+\.h>|<[a-z_]+>') || true
   [ -z "$foreign" ] || fail $'only platform/ may include these:\n'"$foreign"
 
-  echo '== tests: every test, example, benchmark and fuzz target is built'
+  echo '== includes: a source names its own header first, so that the header needs no other'
   local file
+  for file in $(sources 'framework_utility/*.cpp'); do
+    [ ! -f "${file%.cpp}.h" ] || [ "$(grep -m1 '^#include' "$file")" = "#include <${file%.cpp}.h>" ] ||
+      fail "$file does not include its header first"
+  done
+
+  echo '== tests: every test, example, benchmark and fuzz target is built'
   for file in $(sources 'tests/*.cpp' 'examples/*.cpp' 'fuzz/*.cpp' 'bench/*.cpp'); do
     case $file in tests/consumer/* | tests/layers/*) continue ;; esac
     grep -q "\b$(basename "$file")\b" "$(dirname "$file")/CMakeLists.txt" ||

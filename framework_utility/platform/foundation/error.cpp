@@ -1,4 +1,5 @@
 #include <framework_utility/platform/foundation/error.h>
+
 #include <framework_utility/platform/foundation/value.h>
 
 #include <utility>

@@ -1,4 +1,5 @@
 #include <framework_utility/platform/foundation/number.h>
+
 #include <framework_utility/platform/foundation/number_text.h>
 #include <framework_utility/platform/foundation/stop.h>
 

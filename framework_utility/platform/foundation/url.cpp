@@ -1,5 +1,6 @@
-#include <framework_utility/platform/foundation/path.h>
 #include <framework_utility/platform/foundation/url.h>
+
+#include <framework_utility/platform/foundation/path.h>
 
 #include <algorithm>
 #include <cstddef>

@@ -1,5 +1,6 @@
-#include <framework_utility/platform/foundation/object.h>
 #include <framework_utility/platform/foundation/value.h>
+
+#include <framework_utility/platform/foundation/object.h>
 
 #include <algorithm>
 #include <chrono>
