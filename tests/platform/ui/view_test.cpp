@@ -1,0 +1,178 @@
+#include <framework_utility/platform/ui/scene.h>
+#include <framework_utility/platform/ui/view.h>
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <random>
+#include <vector>
+
+namespace FrameworkUtility {
+namespace {
+
+std::shared_ptr<UIView> addView(UIView& superview, const Rect& frame = {}) {
+  auto view = std::make_shared<UIView>(frame);
+  superview.addSubview(view);
+  return view;
+}
+
+TEST(ViewTest, StartsWithTheBoundsOfItsFrame) {
+  const UIView view(Rect(10, 20, 30, 40));
+  EXPECT_EQ(view.frame(), Rect(10, 20, 30, 40));
+  EXPECT_EQ(view.bounds(), Rect(0, 0, 30, 40));
+  EXPECT_FALSE(view.isHidden());
+  EXPECT_TRUE(view.isUserInteractionEnabled());
+  EXPECT_EQ(view.superview(), nullptr);
+  EXPECT_EQ(view.window(), nullptr);
+  EXPECT_EQ(view.className(), "UIView");
+  EXPECT_EQ(UIWindow().className(), "UIWindow");
+}
+
+TEST(ViewTest, OtherBoundsKeepTheCentre) {
+  UIView view(Rect(10, 20, 30, 40));
+  view.setBounds(Rect(0, 500, 30, 40));  // scrolled
+  EXPECT_EQ(view.frame(), Rect(10, 20, 30, 40));
+  view.setBounds(Rect(0, 500, 10, 60));
+  EXPECT_EQ(view.frame(), Rect(20, 10, 10, 60));
+}
+
+TEST(ViewTest, PointsAreInsideTheBounds) {
+  UIView view(Rect(10, 20, 30, 40));
+  view.setBounds(Rect(0, 500, 30, 40));
+  view.setHidden(true);  // which is for hit testing, not for the place
+  view.setUserInteractionEnabled(false);
+  EXPECT_TRUE(view.pointInside({0, 500}, nullptr));
+  EXPECT_TRUE(view.pointInside({29.9, 539.9}, nullptr));
+  EXPECT_FALSE(view.pointInside({30, 500}, nullptr));
+  EXPECT_FALSE(view.pointInside({0, 499}, nullptr));
+}
+
+TEST(ViewTest, AViewHasOnePlaceInOneTree) {
+  UIView first, second;
+  const auto a = addView(first), b = addView(first);
+  first.addSubview(a);  // comes to the front
+  EXPECT_EQ(first.subviews(), (std::vector{b, a}));
+  second.addSubview(a);
+  EXPECT_EQ(first.subviews(), std::vector{b});
+  EXPECT_EQ(second.subviews(), std::vector{a});
+  EXPECT_EQ(a->superview(), &second);
+  a->removeFromSuperview();
+  a->removeFromSuperview();
+  EXPECT_TRUE(second.subviews().empty());
+  EXPECT_EQ(a->superview(), nullptr);
+  second.addSubview(nullptr);
+  EXPECT_TRUE(second.subviews().empty());
+}
+
+TEST(ViewTest, WhatIsHeldOutlivesItsSuperview) {
+  auto top = std::make_unique<UIView>();
+  const auto middle = addView(*top);
+  const auto below = addView(*middle);
+  const std::weak_ptr<UIView> unheld = addView(*top);
+  top.reset();
+  EXPECT_EQ(middle->superview(), nullptr);
+  EXPECT_EQ(below->superview(), middle.get());
+  EXPECT_TRUE(unheld.expired());
+}
+
+TEST(ViewTest, FindsItsWindow) {
+  UIWindow window;
+  EXPECT_EQ(window.window(), &window);
+  const auto view = addView(*addView(window));
+  EXPECT_EQ(view->window(), &window);
+  view->removeFromSuperview();
+  EXPECT_EQ(view->window(), nullptr);
+}
+
+TEST(ViewTest, ConvertsPointsWithinATree) {
+  UIView top;
+  const auto left = addView(top, Rect(10, 20, 100, 100));
+  const auto inner = addView(*left, Rect(3, 4, 50, 50));
+  const auto right = addView(top, Rect(200, 0, 100, 100));
+  left->setBounds(Rect(0, 7, 100, 100));  // scrolled by 7
+  right->setBounds(Rect(1, 0, 100, 100));
+
+  EXPECT_EQ(inner->convertPointToCoordinateSpace({1, 1}, *left), (Point{4, 5}));
+  EXPECT_EQ(inner->convertPointToCoordinateSpace({1, 1}, top), (Point{14, 18}));
+  EXPECT_EQ(top.convertPointToCoordinateSpace({14, 18}, *inner), (Point{1, 1}));
+  EXPECT_EQ(inner->convertPointToCoordinateSpace({1, 1}, *right), (Point{-185, 18}));
+  EXPECT_EQ(right->convertPointToCoordinateSpace({-185, 18}, *inner), (Point{1, 1}));
+  EXPECT_EQ(inner->convertPointToCoordinateSpace({0.1, 0.3}, *inner), (Point{0.1, 0.3}));
+}
+
+TEST(ViewTest, WindowsMeetOnTheScreen) {
+  UIWindow main(Rect(0, 0, 800, 600)), second(Rect(800, 100, 400, 300));
+  const auto a = addView(main, Rect(10, 10, 5, 5));
+  const auto b = addView(*addView(second, Rect(20, 20, 90, 90)), Rect(1, 1, 5, 5));
+  EXPECT_EQ(a->convertPointToCoordinateSpace({2, 3}, *b), (Point{12 - 821, 13 - 121}));
+  EXPECT_EQ(b->convertPointToCoordinateSpace({0, 0}, main), (Point{821, 121}));
+}
+
+TEST(ViewTest, ConvertingThereAndBackComesToTheSamePoint) {
+  std::mt19937_64 bits(7);
+  const auto number = [&] { return std::uniform_int_distribution(-1000, 1000)(bits) * 0.25; };
+  UIWindow window(Rect(number(), number(), 10, 10));
+  std::vector<UIView*> views{&window};
+  for (int i = 0; i < 100; ++i) {
+    UIView& above = *views[bits() % views.size()];
+    const auto view = addView(above, Rect(number(), number(), 10, 10));
+    view->setBounds(Rect(number(), number(), 10, 10));
+    views.push_back(view.get());
+  }
+  for (int i = 0; i < 1000; ++i) {
+    const UIView &a = *views[bits() % views.size()], &b = *views[bits() % views.size()];
+    const Point point{number(), number()};
+    const Point there = a.convertPointToCoordinateSpace(point, b);
+    EXPECT_EQ(b.convertPointToCoordinateSpace(there, a), point);
+    // The way over the window is the same.
+    const Point inWindow = a.convertPointToCoordinateSpace(point, window);
+    EXPECT_EQ(window.convertPointToCoordinateSpace(inWindow, b), there);
+  }
+}
+
+TEST(ViewTest, DeepTreesAreBuiltConvertedAndTakenApart) {
+  constexpr int levels = 100'000;
+  const auto place = Rect(1, 0, 1, 1);
+  for (const bool downwards : {true, false}) {
+    auto top = std::make_shared<UIView>(place);
+    auto bottom = top;
+    for (int i = 1; i < levels; ++i) {
+      if (downwards) {
+        bottom = addView(*bottom, place);
+      } else {
+        auto above = std::make_shared<UIView>(place);
+        above->addSubview(top);
+        top = above;
+      }
+    }
+    EXPECT_EQ(bottom->window(), nullptr);
+    EXPECT_EQ(bottom->convertPointToCoordinateSpace({}, *top), (Point{levels - 1, 0}));
+    top.reset();
+    EXPECT_EQ(bottom->superview(), nullptr);
+  }
+}
+
+TEST(ViewDeathTest, AViewCannotBeAboveItself) {
+  const auto top = std::make_shared<UIView>();
+  const auto below = addView(*addView(*top));
+  EXPECT_DEATH(top->addSubview(top), "into itself");
+  EXPECT_DEATH(below->addSubview(top), "into itself");
+}
+
+TEST(SceneTest, AWindowKnowsItsScene) {
+  class Scene : public UIScene {
+   public:
+    std::string_view className() const override { return "Scene"; }
+    const UISceneSession* session() const override { return nullptr; }
+    const UISceneDelegate* delegate() const override { return nullptr; }
+  };
+  const Scene scene;
+  UIWindow window;
+  EXPECT_EQ(window.windowScene(), nullptr);
+  window.setWindowScene(&scene);
+  const auto view = addView(window);
+  EXPECT_EQ(view->window()->windowScene(), &scene);
+}
+
+}  // namespace
+}  // namespace FrameworkUtility
