@@ -25,7 +25,8 @@ class TimeZone {
   /// Selector: timeZoneWithName:
   static std::optional<TimeZone> withName(std::string_view name);
 
-  /// The user's: of `TZ`, else the system's; UTC when these name none. It follows a change of
+  /// The user's: what `TZ` holds, a name or an offset such as "JST-9", else the system's; UTC when
+  /// that is none, as is a rule spelt out ("CET-1CEST,M3.5.0,M10.5.0/3"). It follows a change of
   /// either.
   /// Selector: localTimeZone
   static TimeZone current();

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <random>
 #include <string>
+#include <thread>
 #include <vector>
 
 namespace FrameworkUtility {
@@ -134,6 +135,20 @@ TEST(DateFormatterTest, WhatItWritesItReads) {
       EXPECT_EQ(formatter.dateFromString(formatter.stringFromDate(date)), date) << locale;
     }
   }
+}
+
+TEST(DateFormatterTest, ThreadsMayShareOne) {
+  const DateFormatter thai = photoFormatter("th_TH", "Europe/Paris");
+  std::vector<std::thread> threads;
+  for (int i = 0; i < 4; ++i)
+    threads.emplace_back([&, i] {
+      const Date date = may17 + days(i);
+      for (int turn = 0; turn < 50; ++turn) {
+        EXPECT_EQ(thai.dateFromString(thai.stringFromDate(date)), date);
+        EXPECT_FALSE(DateFormatter(photoPattern).stringFromDate(date).empty());
+      }
+    });
+  for (std::thread& thread : threads) thread.join();
 }
 
 TEST(DateFormatterTest, OtherPatterns) {
