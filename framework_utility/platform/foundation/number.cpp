@@ -43,6 +43,16 @@ std::int64_t Number::integerValue() const {
   return static_cast<std::int64_t>(bits_);
 }
 
+std::uint64_t Number::unsignedIntegerValue() const {
+  if (kind_ == Kind::real) {
+    const double value = std::trunc(std::bit_cast<double>(bits_));
+    if (value >= 0 && value < twoTo64) return static_cast<std::uint64_t>(value);
+  } else if (kind_ == Kind::unsignedInteger || std::in_range<std::int64_t>(bits_)) {
+    return bits_;
+  }
+  stop("A number that is negative, not finite or too large was asked for its unsigned value.");
+}
+
 std::uint32_t Number::unsignedIntValue() const {
   if (kind_ != Kind::real) return static_cast<std::uint32_t>(bits_);
   const double value = std::bit_cast<double>(bits_);

@@ -27,8 +27,13 @@ const Dictionary::Entry* Dictionary::end() const { return entries_.data() + entr
 void Dictionary::reserve(std::size_t entries) { entries_.reserve(entries); }
 
 const Value* Dictionary::find(const KeyView& key) const {
-  for (const Entry& entry : entries_)
-    if (entry.key == key) return &entry.value;
+  if (const std::string_view* text = key.text()) {
+    for (const Entry& entry : entries_)
+      if (entry.key.text() == *text) return &entry.value;
+  } else {
+    for (const Entry& entry : entries_)
+      if (entry.key == key) return &entry.value;
+  }
   return nullptr;
 }
 
