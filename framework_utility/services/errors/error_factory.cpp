@@ -1,0 +1,52 @@
+#include <framework_utility/services/errors/error_factory.h>
+
+#include <framework_utility/platform/foundation/application.h>
+#include <framework_utility/platform/foundation/files.h>
+#include <framework_utility/platform/foundation/value.h>
+#include <framework_utility/platform/locale/byte_count_formatter.h>
+
+#include <utility>
+
+namespace FrameworkUtility {
+namespace {
+
+bool isDiskSpaceCode(std::int64_t code) { return code >= 5000 && code < 6000; }
+
+}  // namespace
+
+Error errorWithDomain(std::optional<std::string_view> domain, std::int64_t code,
+                      std::optional<std::string_view> description,
+                      const std::optional<Error>& underlyingError) {
+  Dictionary userInfo;
+  if (underlyingError) userInfo.set(Key::withConstant(NSUnderlyingErrorKey), *underlyingError);
+  if (isDiskSpaceCode(code))
+    userInfo.set(Key::withConstant(NSLocalizedDescriptionKey), diskSpaceReport(description));
+  else if (description)
+    userInfo.set(Key::withConstant(NSLocalizedDescriptionKey), *description);
+  return Error(domain.value_or(defaultErrorDomain), code, std::move(userInfo));
+}
+
+Error errorWithCode(const ErrorCode& code, std::optional<std::string_view> description,
+                    const std::optional<Error>& underlyingError) {
+  return errorWithDomain(code.domain, code.code, description.value_or(code.message),
+                         underlyingError);
+}
+
+std::string diskSpaceReport(std::optional<std::string_view> lead) {
+  const FileSystemAttributes volume =
+      FileManager::defaultManager()
+          .attributesOfFileSystemForPath(application().homeDirectory, nullptr)
+          .value_or(FileSystemAttributes{});
+  const ByteCountFormatter formatter;
+  std::string report;
+  if (lead) report.append(*lead).append(" ");
+  return report.append("(disk space used ")
+      .append(formatter.stringFromByteCount(volume.totalSize - volume.freeSize))
+      .append(", free ")
+      .append(formatter.stringFromByteCount(volume.freeSize))
+      .append(", total ")
+      .append(formatter.stringFromByteCount(volume.totalSize))
+      .append(")");
+}
+
+}  // namespace FrameworkUtility
