@@ -1,8 +1,7 @@
 #include <framework_utility/platform/locale/time_zone.h>
+#include <tests/support/scoped_environment.h>
 
 #include <gtest/gtest.h>
-
-#include <tests/support/scoped_environment.h>
 
 #include <string>
 

@@ -4,11 +4,10 @@
 #include <framework_utility/platform/foundation/files.h>
 #include <framework_utility/platform/foundation/value.h>
 #include <framework_utility/platform/locale/locale.h>
+#include <tests/support/is_error.h>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-
-#include <tests/support/is_error.h>
 
 #include <cstddef>
 #include <optional>
