@@ -16,18 +16,21 @@ namespace FrameworkUtility::detail {
 class ByteSource {
  public:
   explicit ByteSource(Data data);
-  /// Absent when the file cannot be opened or is none.
+  /// Reads the beginning of the file, which holds all that most callers want. Absent when the file
+  /// cannot be opened or read, or is none.
   static std::optional<ByteSource> open(const FileManager& files, std::string_view path);
 
-  std::uint64_t size() const;
+  std::uint64_t size() const { return size_; }
   /// The bytes from `offset` on, fewer than `count` at the end or where reading fails. Bytes in
-  /// memory are shared, not copied.
+  /// memory and those of the beginning are shared, not copied.
   Data bytes(std::uint64_t offset, std::size_t count) const;
 
  private:
-  Data data_;
+  ByteSource(Data beginning, std::shared_ptr<const FileReader> file, std::uint64_t size);
+
+  std::shared_ptr<const Data> beginning_;  // in memory, the whole
   std::shared_ptr<const FileReader> file_;
-  std::uint64_t size_ = 0;
+  std::uint64_t size_;
 };
 
 }  // namespace FrameworkUtility::detail
