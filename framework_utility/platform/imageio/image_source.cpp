@@ -1,0 +1,275 @@
+#include <framework_utility/platform/imageio/image_source.h>
+
+#include <framework_utility/platform/foundation/files.h>
+#include <framework_utility/platform/graphics/image_transform.h>
+#include <framework_utility/platform/imageio/byte_source.h>
+#include <framework_utility/platform/imageio/embedded_thumbnail.h>
+#include <framework_utility/platform/imageio/image_codec.h>
+#include <framework_utility/platform/imageio/metadata_codec.h>
+#include <framework_utility/platform/imageio/profile_description.h>
+#include <framework_utility/platform/imageio/property_keys.h>
+
+#include <algorithm>
+#include <cmath>
+#include <mutex>
+#include <utility>
+
+namespace FrameworkUtility {
+
+namespace {
+
+using detail::ByteSource;
+using detail::ImageCodec;
+using detail::ImageHeader;
+
+const ImageCodec* codecFor(const ByteSource& bytes) {
+  constexpr std::size_t enough = 64;
+  const Data beginning = bytes.bytes(0, enough);
+  for (const ImageCodec* codec : detail::imageCodecs()) {
+    if (codec->recognizes(beginning)) {
+      return codec;
+    }
+  }
+  return nullptr;
+}
+
+/// As the properties name it; null for one that they do not name.
+const char* colorModelName(CGColorSpaceModel model) {
+  switch (model) {
+    case CGColorSpaceModel::monochrome:
+      return "Gray";
+    case CGColorSpaceModel::rgb:
+    case CGColorSpaceModel::indexed:  // its table is of RGB; IsIndexed tells
+      return "RGB";
+    case CGColorSpaceModel::cmyk:
+      return "CMYK";
+    case CGColorSpaceModel::lab:
+      return "Lab";
+    case CGColorSpaceModel::unknown:
+      break;
+  }
+  return nullptr;
+}
+
+/// What the header says; a fact that it does not know, or that does not hold, is no entry.
+Dictionary propertiesOf(const ImageHeader& header) {
+  Dictionary properties;
+  if (const char* model = colorModelName(header.model)) {
+    properties.set(kCGImagePropertyColorModel, model);
+  }
+  properties.set(kCGImagePropertyDepth, header.bitsPerComponent);
+  properties.set(kCGImagePropertyPixelWidth, header.width);
+  properties.set(kCGImagePropertyPixelHeight, header.height);
+  if (header.hasAlpha) {
+    properties.set(kCGImagePropertyHasAlpha, true);
+  }
+  if (header.isIndexed) {
+    properties.set(kCGImagePropertyIsIndexed, true);
+  }
+  if (std::string name = detail::profileDescription(header.iccProfile); !name.empty()) {
+    properties.set(kCGImagePropertyProfileName, std::move(name));
+  }
+  for (const auto& [key, value] : header.formatProperties) {
+    properties.set(key, value);
+  }
+  detail::readMetadata(header.blocks, properties);
+  return properties;
+}
+
+/// The number of an orientation in the file, 1 for none of the eight.
+std::size_t orientationOf(const ImageHeader& header) {
+  Dictionary properties;
+  detail::readMetadata(header.blocks, properties);
+  const Number* number = properties.get<Number>(kCGImagePropertyOrientation);
+  const double orientation = number ? number->doubleValue() : 1;
+  return orientation >= 1 && orientation <= 8 ? static_cast<std::size_t>(orientation) : 1;
+}
+
+/// What no side of a thumbnail may exceed: at least 1, at most the image's larger side. Absent when
+/// no thumbnail is wanted.
+std::optional<std::size_t> sideLimit(const std::optional<double>& wanted,
+                                     const ImageHeader& header) {
+  const std::size_t largerSide = std::max(header.width, header.height);
+  if (!wanted || *wanted >= static_cast<double>(largerSide)) {
+    return largerSide;
+  }
+  if (!(*wanted > 0)) {
+    return std::nullopt;
+  }
+  return static_cast<std::size_t>(std::max(*wanted, 1.0));
+}
+
+/// Whether a thumbnail shows the whole image and no more. Many cameras pad theirs with black to
+/// 160 x 120.
+bool hasShapeOf(const ImageHeader& thumbnail, const ImageHeader& image) {
+  const double width = static_cast<double>(thumbnail.height) * static_cast<double>(image.width) /
+                       static_cast<double>(image.height);
+  return std::abs(width - static_cast<double>(thumbnail.width)) <= 1;
+}
+
+/// The thumbnail that the file keeps, where it is large enough and whole.
+std::optional<CGImage> embeddedThumbnail(const ImageHeader& image, std::size_t limit) {
+  const ByteSource bytes(Data::withBytesNoCopy(detail::embeddedThumbnail(image.blocks.exif),
+                                               std::make_shared<const Data>(image.blocks.exif)));
+  const ImageCodec* codec = codecFor(bytes);
+  if (!codec) {
+    return std::nullopt;
+  }
+  const ImageHeader header = codec->readHeader(bytes);
+  if (header.status != CGImageSourceStatus::complete ||
+      std::max(header.width, header.height) < limit || !hasShapeOf(header, image)) {
+    return std::nullopt;
+  }
+  return codec->decodeReduced(bytes, header, limit);
+}
+
+/// A copy that keeps nothing else of the file alive.
+Data compact(const Data& block) { return Data(std::span<const std::byte>(block)); }
+
+}  // namespace
+
+std::string_view description(CGImageSourceStatus status) {
+  switch (status) {
+    case CGImageSourceStatus::complete:
+      return "statusComplete";
+    case CGImageSourceStatus::incomplete:
+      return "statusIncomplete";
+    case CGImageSourceStatus::readingHeader:
+      return "statusReadingHeader";
+    case CGImageSourceStatus::unknownType:
+      return "statusUnknownType";
+    case CGImageSourceStatus::invalidData:
+      return "statusInvalidData";
+    case CGImageSourceStatus::unexpectedEOF:
+      return "statusUnexpectedEOF";
+  }
+  return "statusUnknown";
+}
+
+/// The bytes, and what was found in them when somebody first asked.
+struct CGImageSource::Contents {
+  explicit Contents(ByteSource source) : bytes(std::move(source)) {}
+
+  const ImageHeader& header() const {
+    std::call_once(once_, [this] {
+      codec_ = codecFor(bytes);
+      if (codec_) {
+        header_ = codec_->readHeader(bytes);
+      }
+    });
+    return header_;
+  }
+  /// Null when the bytes are no image.
+  const ImageCodec* codec() const {
+    header();
+    return codec_;
+  }
+  bool hasImageAt(std::size_t index) const {
+    return index == 0 && header().status == CGImageSourceStatus::complete;
+  }
+
+  const ByteSource bytes;
+
+ private:
+  mutable std::once_flag once_;
+  mutable const ImageCodec* codec_ = nullptr;
+  mutable ImageHeader header_;
+};
+
+CGImageSource::CGImageSource(std::shared_ptr<const Contents> contents)
+    : contents_(std::move(contents)) {}
+
+std::optional<CGImageSource> CGImageSource::createWithURL(const URL& url,
+                                                          const CGImageSourceOptions&) {
+  const std::optional<std::string> path = url.isFileURL() ? url.path() : std::nullopt;
+  std::optional<ByteSource> bytes =
+      path ? ByteSource::open(FileManager::defaultManager(), *path) : std::nullopt;
+  if (!bytes) {
+    return std::nullopt;
+  }
+  return CGImageSource(std::make_shared<const Contents>(*std::move(bytes)));
+}
+
+std::optional<CGImageSource> CGImageSource::createWithData(const Data& data,
+                                                           const CGImageSourceOptions&) {
+  return CGImageSource(std::make_shared<const Contents>(ByteSource(data)));
+}
+
+CGImageSourceStatus CGImageSource::status() const { return contents_->header().status; }
+
+std::optional<std::string> CGImageSource::type() const {
+  const ImageCodec* codec = contents_->codec();
+  return codec ? std::optional(std::string(codec->typeIdentifier())) : std::nullopt;
+}
+
+std::size_t CGImageSource::count() const { return contents_->hasImageAt(0) ? 1 : 0; }
+
+std::optional<Dictionary> CGImageSource::properties() const {
+  if (!contents_->codec()) {
+    return std::nullopt;
+  }
+  return Dictionary{{kCGImagePropertyFileSize, contents_->bytes.size()}};
+}
+
+std::optional<Dictionary> CGImageSource::propertiesAtIndex(std::size_t index) const {
+  if (!contents_->hasImageAt(index)) {
+    return std::nullopt;
+  }
+  return propertiesOf(contents_->header());
+}
+
+std::optional<Dictionary> CGImageSource::auxiliaryDataInfoAtIndex(std::size_t,
+                                                                  std::string_view) const {
+  return std::nullopt;  // none of the formats read here has such data
+}
+
+std::shared_ptr<const MetadataBlocks> CGImageSource::metadataBlocksAtIndex(
+    std::size_t index) const {
+  if (!contents_->hasImageAt(index)) {
+    return nullptr;
+  }
+  const MetadataBlocks& stored = contents_->header().blocks;
+  if (stored.exif.empty() && stored.xmp.empty() && stored.imageResources.empty() &&
+      stored.extendedXmp.empty()) {
+    return nullptr;
+  }
+  auto blocks = std::make_shared<MetadataBlocks>();
+  blocks->exif = compact(stored.exif);
+  blocks->xmp = compact(stored.xmp);
+  blocks->imageResources = compact(stored.imageResources);
+  std::transform(stored.extendedXmp.begin(), stored.extendedXmp.end(),
+                 std::back_inserter(blocks->extendedXmp), compact);
+  return blocks;
+}
+
+std::optional<CGImage> CGImageSource::imageAtIndex(std::size_t index) const {
+  if (!contents_->hasImageAt(index)) {
+    return std::nullopt;
+  }
+  return contents_->codec()->decode(contents_->bytes, contents_->header());
+}
+
+std::optional<CGImage> CGImageSource::thumbnailAtIndex(
+    std::size_t index, const CGImageSourceThumbnailOptions& options) const {
+  if (!contents_->hasImageAt(index)) {
+    return std::nullopt;
+  }
+  const ImageHeader& header = contents_->header();
+  const std::optional<std::size_t> limit = sideLimit(options.thumbnailMaxPixelSize, header);
+  if (!limit) {
+    return std::nullopt;
+  }
+  std::optional<CGImage> image;
+  if (!options.createThumbnailFromImageAlways) {
+    image = embeddedThumbnail(header, *limit);
+  }
+  if (!image) {
+    image = contents_->codec()->decodeReduced(contents_->bytes, header, *limit);
+  }
+  if (image && options.createThumbnailWithTransform) {
+    image = detail::uprightImage(*image, orientationOf(header));
+  }
+  return image;
+}
+
+}  // namespace FrameworkUtility

@@ -1,0 +1,20 @@
+#pragma once
+
+#include <framework_utility/platform/imageio/image_codec.h>
+
+#include <cstddef>
+#include <optional>
+
+namespace FrameworkUtility::detail {
+
+/// Grey, RGB with a skipped fourth byte, or CMYK, each of 8 bits a component, in the space of the
+/// file's profile where that fits them. Absent when pixels are damaged, cut off or too many (see
+/// `JpegReader`) and for 12 bits a component.
+std::optional<CGImage> decodeJpeg(const ByteSource& source, const ImageHeader& header);
+
+/// The same reduced so that no side exceeds `maxPixelSize`. Nothing of the full size is ever held,
+/// but for progressive files.
+std::optional<CGImage> decodeJpegReduced(const ByteSource& source, const ImageHeader& header,
+                                         std::size_t maxPixelSize);
+
+}  // namespace FrameworkUtility::detail

@@ -1,0 +1,71 @@
+// The operations of UIImage that read or write files; the rest stands beside its header.
+
+#include <framework_utility/platform/foundation/uniform_type.h>
+#include <framework_utility/platform/graphics/ui_image.h>
+#include <framework_utility/platform/imageio/image_destination.h>
+#include <framework_utility/platform/imageio/image_source.h>
+#include <framework_utility/platform/imageio/property_keys.h>
+
+#include <algorithm>
+#include <array>
+#include <cstdint>
+#include <iterator>
+
+namespace FrameworkUtility {
+
+namespace {
+
+/// By EXIF number less 1.
+constexpr std::array orientations = {UIImageOrientation::up,
+                                     UIImageOrientation::upMirrored,
+                                     UIImageOrientation::down,
+                                     UIImageOrientation::downMirrored,
+                                     UIImageOrientation::leftMirrored,
+                                     UIImageOrientation::right,
+                                     UIImageOrientation::rightMirrored,
+                                     UIImageOrientation::left};
+
+UIImageOrientation orientationIn(const Dictionary& properties) {
+  const Number* number = properties.get<Number>(kCGImagePropertyOrientation);
+  const double exif = number ? number->doubleValue() : 1;
+  return exif >= 1 && exif <= 8 ? orientations[static_cast<std::size_t>(exif) - 1]
+                                : UIImageOrientation::up;
+}
+
+std::int64_t exifNumber(UIImageOrientation orientation) {
+  const auto* found = std::find(orientations.begin(), orientations.end(), orientation);
+  return found == orientations.end() ? 1 : std::distance(orientations.begin(), found) + 1;
+}
+
+std::optional<UIImage> imageFrom(const std::optional<CGImageSource>& source) {
+  const std::optional<Dictionary> properties = source ? source->propertiesAtIndex(0) : std::nullopt;
+  const std::optional<CGImage> image = source ? source->imageAtIndex(0) : std::nullopt;
+  if (!properties || !image) {
+    return std::nullopt;
+  }
+  return UIImage(*image, 1, orientationIn(*properties));
+}
+
+}  // namespace
+
+std::optional<UIImage> UIImage::withContentsOfFile(std::string_view path) {
+  return imageFrom(CGImageSource::createWithURL(URL::fileURLWithPath(path)));
+}
+
+std::optional<UIImage> UIImage::withData(const Data& data) {
+  return imageFrom(CGImageSource::createWithData(data));
+}
+
+std::optional<Data> UIImageJPEGRepresentation(const UIImage& image, double quality) {
+  const std::unique_ptr<CGImageDestination> destination =
+      CGImageDestination::createInMemory(UTTypeJPEG.identifier(), 1);
+  if (!image.cgImage() || !destination) {
+    return std::nullopt;
+  }
+  destination->addImage(*image.cgImage(),
+                        {{kCGImageDestinationLossyCompressionQuality, quality},
+                         {kCGImagePropertyOrientation, exifNumber(image.imageOrientation())}});
+  return destination->finalize() ? destination->data() : std::nullopt;
+}
+
+}  // namespace FrameworkUtility
