@@ -6,7 +6,10 @@
 #include <framework_utility/platform/imageio/property_keys.h>
 
 #include <algorithm>
+#include <array>
+#include <bit>
 #include <cmath>
+#include <cstring>
 #include <optional>
 #include <span>
 
@@ -24,6 +27,17 @@ void layOnWhite(std::uint8_t* row, std::size_t pixels) {
       pixel[i] = static_cast<std::uint8_t>(std::min(pixel[i] + white, 255));
     }
   }
+}
+
+/// Whether every pixel of a row of red, green, blue, alpha is opaque.
+bool isOpaque(const std::uint8_t* row, std::size_t pixels) {
+  std::uint32_t all = ~0U;  // whole pixels, so that the loop becomes wide
+  for (std::size_t x = 0; x < pixels; ++x) {
+    std::uint32_t pixel;
+    std::memcpy(&pixel, row + 4 * x, sizeof pixel);
+    all &= pixel;
+  }
+  return std::bit_cast<std::array<std::uint8_t, 4>>(all)[3] == 255;
 }
 
 /// An image's rows in one of the forms that libjpeg takes.
@@ -46,8 +60,11 @@ class EncoderRows {
       rows.isInPlace_ = isBare;
     } else {
       rows.setForm(JCS_EXT_RGBX, 4);
-      rows.isInPlace_ = isPlain && model == CGColorSpaceModel::rgb &&
-                        layout.alphaInfo == CGImageAlphaInfo::noneSkipLast;
+      const bool isRgba = isPlain && model == CGColorSpaceModel::rgb;
+      rows.isInPlace_ = isRgba && layout.alphaInfo == CGImageAlphaInfo::noneSkipLast;
+      rows.isInPlaceWhereOpaque_ =
+          isRgba && (layout.alphaInfo == CGImageAlphaInfo::premultipliedLast ||
+                     layout.alphaInfo == CGImageAlphaInfo::last);
     }
     if (!rows.isInPlace_) {
       rows.converted_.resize(4 * image.width());
@@ -69,7 +86,7 @@ class EncoderRows {
     const std::size_t width = image_.width();
     const auto* stored = reinterpret_cast<const std::uint8_t*>(image_.pixels().data()) +
                          y * image_.layout().bytesPerRow;
-    if (isInPlace_) {
+    if (isInPlace_ || (isInPlaceWhereOpaque_ && isOpaque(stored, width))) {
       return stored;
     }
     std::uint8_t* row = converted_.data();
@@ -100,6 +117,7 @@ class EncoderRows {
   J_COLOR_SPACE colors_ = JCS_EXT_RGBX;
   int bytesPerPixel_ = 4;
   bool isInPlace_ = false;
+  bool isInPlaceWhereOpaque_ = false;
   std::optional<RGBARows> converter_;
   std::vector<std::uint8_t> converted_;
 };
