@@ -1,0 +1,91 @@
+#include <framework_utility/platform/imageio/exif_directories.h>
+#include <framework_utility/platform/imageio/exif_tags.h>
+#include <framework_utility/platform/imageio/exif_values.h>
+#include <framework_utility/platform/imageio/maker_note.h>
+#include <framework_utility/platform/imageio/metadata_codec.h>
+#include <framework_utility/platform/imageio/property_keys.h>
+#include <framework_utility/platform/imageio/tiff_structure.h>
+
+#include <bitset>
+#include <optional>
+#include <string_view>
+#include <utility>
+
+namespace FrameworkUtility::detail {
+namespace {
+
+class Reading {
+ public:
+  explicit Reading(const TiffReader& reader) : reader_(reader), at_(exifDirectories(reader)) {}
+
+  void addTo(Dictionary& properties) {
+    Dictionary image = directory(ExifDirectory::image, at_.image);
+    Dictionary exif = directory(ExifDirectory::exif, at_.exif);
+    Dictionary gps = directory(ExifDirectory::gps, at_.gps);
+    addTopLevel(image, properties);
+    add(kCGImagePropertyTIFFDictionary, std::move(image), properties);
+    add(kCGImagePropertyExifDictionary, std::move(exif), properties);
+    add("{ExifAux}", std::move(auxiliary_), properties);
+    add(kCGImagePropertyGPSDictionary, std::move(gps), properties);
+    if (makerNote_) add(kCGImagePropertyMakerAppleDictionary, std::move(*makerNote_), properties);
+  }
+
+ private:
+  Dictionary directory(ExifDirectory which, std::uint32_t offset) {
+    Dictionary values;
+    std::bitset<exifTagLimit> seen;
+    const ExifTag* const tags = exifTags(which).data();
+    const std::uint32_t count = offset == 0 ? 0 : reader_.entryCount(offset);
+    for (std::uint32_t i = 0; i < count; ++i) {
+      const TiffEntry entry = reader_.entry(offset, i);
+      if (which == ExifDirectory::exif && entry.tag == makerNoteTag && !makerNote_)
+        makerNote_ = readMakerNote(entry.value);
+      const ExifTag* tag = exifTag(which, entry.tag);
+      // Of records with the same tag the first one counts.
+      if (!tag || seen.test(static_cast<std::size_t>(tag - tags))) continue;
+      seen.set(static_cast<std::size_t>(tag - tags));
+      std::optional<Value> value = readExifValue(*tag, reader_, entry);
+      if (!value) continue;
+      if (!tag->auxiliaryKey.empty()) auxiliary_.set(tag->auxiliaryKey, *value);
+      values.set(tag->key, std::move(*value));
+    }
+    return values;
+  }
+
+  // Nothing says that a resolution without unit is one: it is the shape of a pixel.
+  static void addTopLevel(const Dictionary& image, Dictionary& properties) {
+    if (const Number* orientation = image.get<Number>(kCGImagePropertyTIFFOrientation))
+      properties.set(kCGImagePropertyOrientation, *orientation);
+    const Number* unit = image.get<Number>("ResolutionUnit");
+    const double inInches = !unit || *unit == 2 ? 1 : *unit == 3 ? 2.54 : 0;
+    if (inInches == 0) return;
+    for (const auto& [resolution, key] :
+         {std::pair{"XResolution", "DPIWidth"}, {"YResolution", "DPIHeight"}})
+      if (const Number* number = image.get<Number>(resolution))
+        properties.set(key, inInches == 1 ? *number : Number(number->doubleValue() * inInches));
+  }
+
+  static void add(std::string_view key, Dictionary&& values, Dictionary& properties) {
+    if (values.empty()) return;
+    Dictionary& present = properties.subdictionary(key);
+    if (present.empty()) {
+      present = std::move(values);
+      return;
+    }
+    for (const auto& [name, value] : values) present.set(name, value);
+  }
+
+  const TiffReader& reader_;
+  const ExifDirectories at_;
+  Dictionary auxiliary_;
+  std::optional<Dictionary> makerNote_;
+};
+
+}  // namespace
+
+void readExif(std::span<const std::byte> tiff, Dictionary& properties) {
+  if (const std::optional<TiffReader> reader = TiffReader::open(tiff))
+    Reading(*reader).addTo(properties);
+}
+
+}  // namespace FrameworkUtility::detail

@@ -1,0 +1,255 @@
+#include <framework_utility/platform/imageio/exif_directories.h>
+#include <framework_utility/platform/imageio/exif_pictures.h>
+#include <framework_utility/platform/imageio/exif_tags.h>
+#include <framework_utility/platform/imageio/exif_values.h>
+#include <framework_utility/platform/imageio/exif_wanted.h>
+#include <framework_utility/platform/imageio/maker_note.h>
+#include <framework_utility/platform/imageio/metadata_codec.h>
+#include <framework_utility/platform/imageio/tiff_layout.h>
+#include <framework_utility/platform/imageio/tiff_structure.h>
+
+#include <algorithm>
+#include <bitset>
+#include <optional>
+#include <string_view>
+#include <tuple>
+#include <utility>
+
+namespace FrameworkUtility::detail {
+namespace {
+
+// What a JPEG segment holds beside its length and "Exif\0\0".
+constexpr std::size_t segmentLimit = 65535 - 2 - 6;
+// A larger source is a whole TIFF file, of which nothing but the metadata is wanted.
+constexpr std::size_t inPlaceLimit = 1 << 20;
+// A directory counts its records in 16 bits.
+constexpr std::size_t recordLimit = 65535;
+
+constexpr std::uint16_t imageWidthTag = 0x0100;
+constexpr std::uint16_t imageLengthTag = 0x0101;
+
+constexpr std::string_view newHeader("MM\0\x2A\0\0\0\0", tiffHeaderSize);
+
+class Merge {
+ public:
+  // `reader` is null for a new block.
+  Merge(const TiffReader* reader, ExifWanted wanted, const PixelFacts& pixels)
+      : reader_(reader), wanted_(std::move(wanted)), pixels_(pixels) {
+    if (reader_) {
+      plan_.source = reader_->block();
+      plan_.order = reader_->order();
+      plan_.dropped = exifPictures(*reader_);
+      at_ = exifDirectories(*reader_);
+      holdsPixels_ = holdsPixels(*reader_);
+    }
+    const auto header =
+        reader_ ? plan_.source.first(tiffHeaderSize) : std::as_bytes(std::span(newHeader));
+    plan_.header.assign(header.begin(), header.end());
+    supply();
+  }
+
+  // Absent when there is nothing to store.
+  std::optional<TiffPlan> plan() && {
+    plan_.directories.resize(1);  // The image's, which the header leads to.
+    TiffDirectory image = directoryAt(at_.image);
+    image.next = 0;  // It led to the thumbnail.
+    TiffDirectory exif = directoryAt(at_.exif);
+    TiffDirectory gps = directoryAt(at_.gps);
+    mergeInterop(exif);
+    mergeMakerNote(exif);
+    merge(ExifDirectory::image, at_.image, wanted_.image, image);
+    merge(ExifDirectory::exif, at_.exif, wanted_.exif, exif);
+    merge(ExifDirectory::gps, at_.gps, wanted_.gps, gps);
+    addChild(exifPointerTag, std::move(exif), image);
+    addChild(gpsPointerTag, std::move(gps), image);
+    if (image.records.empty()) return std::nullopt;
+    finish(image);
+    plan_.directories.front() = std::move(image);
+    return std::move(plan_);
+  }
+
+ private:
+  // What a directory needs beside the caller's entries. It is not worth a directory.
+  void supply() {
+    if (at_.exif == 0) supply(wanted_.exif, 0x9000, "ExifVersion", Value(Array{2, 3, 2}));
+    if (at_.gps == 0) supply(wanted_.gps, 0x0000, "GPSVersion", Value(Array{2, 3, 0, 0}));
+    for (const auto& [tag, key, pixels] : {std::tuple{0xA002, "PixelXDimension", pixels_.width},
+                                           {0xA003, "PixelYDimension", pixels_.height}}) {
+      if (pixels == 0) continue;
+      supply(wanted_.exif, static_cast<std::uint16_t>(tag), key, pixels);
+      wanted_.exif.set(key, pixels);
+    }
+  }
+  void supply(Dictionary& wanted, std::uint16_t tag, std::string_view key, Value value) {
+    if (wanted.find(key)) return;
+    wanted.set(key, std::move(value));
+    supplied_.push_back(tag);
+  }
+
+  TiffDirectory directoryAt(std::uint32_t offset) const {
+    if (offset == 0) return {};
+    const std::uint64_t end = offset + tiffDirectorySize(reader_->entryCount(offset));
+    return {.place = {offset, std::min<std::uint64_t>(end, plan_.source.size())},
+            .records = {},
+            .next = reader_->nextDirectory(offset)};
+  }
+
+  template <class Visitor>
+  void forEachEntry(std::uint32_t offset, Visitor visit) const {
+    const std::uint32_t count = offset == 0 ? 0 : reader_->entryCount(offset);
+    for (std::uint32_t i = 0; i < count; ++i) {
+      const TiffEntry entry = reader_->entry(offset, i);
+      // An offset that leads outside must not come to lead into what is appended.
+      if (!entry.isMissing()) visit(entry);
+    }
+  }
+
+  void merge(ExifDirectory which, std::uint32_t offset, const Dictionary& wanted,
+             TiffDirectory& result) {
+    const ExifTag* const tags = exifTags(which).data();
+    std::bitset<exifTagLimit> seen;
+    std::bitset<exifTagLimit> kept;
+    forEachEntry(offset, [&](const TiffEntry& entry) {
+      if (isHandledElsewhere(which, entry.tag)) return;
+      if (which == ExifDirectory::image && mergeOldPixels(entry, result)) return;
+      const ExifTag* tag = exifTag(which, entry.tag);
+      if (!tag || tag->shape == ExifShape::layout) return result.keep(entry);
+      const auto index = static_cast<std::size_t>(tag - tags);
+      // Of records with the same tag the first one counts, and the others follow it.
+      if (!seen.test(index)) {
+        seen.set(index);
+        kept.set(index, mergeEntry(*tag, entry, wanted.find(tag->key), result));
+      } else if (kept.test(index)) {
+        result.keep(entry);
+      } else {
+        plan_.drop(entry);
+      }
+    });
+    for (const auto& [key, value] : wanted) {
+      const ExifTag* tag = exifTag(which, key);
+      if (!tag || seen.test(static_cast<std::size_t>(tag - tags))) continue;
+      if (std::optional<TiffValue> stored = exifValue(*tag, value, std::nullopt, plan_.order))
+        result.add(tag->tag, std::move(*stored));
+    }
+  }
+
+  // Whether the entry stays as it is.
+  bool mergeEntry(const ExifTag& tag, const TiffEntry& entry, const Value* wanted,
+                  TiffDirectory& result) {
+    const std::optional<Value> before = readExifValue(tag, *reader_, entry);
+    const bool keeps = wanted ? before == *wanted : !before;
+    std::optional<TiffValue> value;
+    if (!keeps && wanted) value = exifValue(tag, *wanted, entry.type, plan_.order);
+    if (keeps)
+      result.keep(entry);
+    else if (value)
+      result.replace(entry, std::move(*value));
+    else
+      plan_.drop(entry);
+    return keeps;
+  }
+
+  static bool isHandledElsewhere(ExifDirectory which, std::uint16_t tag) {
+    return which == ExifDirectory::image
+               ? tag == exifPointerTag || tag == gpsPointerTag
+               : which == ExifDirectory::exif && (tag == interopPointerTag || tag == makerNoteTag);
+  }
+
+  bool mergeOldPixels(const TiffEntry& entry, TiffDirectory& result) {
+    if (leadsToPixels(entry.tag) || (holdsPixels_ && describesPixels(entry.tag))) {
+      plan_.drop(entry);
+      return true;
+    }
+    if (entry.tag != imageWidthTag && entry.tag != imageLengthTag) return false;
+    const std::size_t size = entry.tag == imageWidthTag ? pixels_.width : pixels_.height;
+    if (size == 0) return false;
+    const ExifTag tag{entry.tag, {}, ExifShape::number, TiffType::unsignedLong};
+    const Value value(size);
+    mergeEntry(tag, entry, &value, result);
+    return true;
+  }
+
+  void mergeInterop(TiffDirectory& exif) {
+    TiffDirectory interop = directoryAt(at_.interop);
+    forEachEntry(at_.interop, [&](const TiffEntry& entry) { interop.keep(entry); });
+    addChild(interopPointerTag, std::move(interop), exif);
+  }
+
+  void mergeMakerNote(TiffDirectory& exif) {
+    bool isFirst = true;
+    forEachEntry(at_.exif, [&](const TiffEntry& entry) {
+      if (entry.tag != makerNoteTag) return;
+      if (!isFirst) return exif.keep(entry);
+      isFirst = false;
+      const std::optional<Dictionary> before = readMakerNote(entry.value);
+      if (before ? *before == wanted_.makerNote : wanted_.makerNote.empty()) {
+        exif.keep(entry);
+        // Other makers' notes refer to themselves by offsets from the start of the block.
+        exif.records.back().pinned = !before && entry.offset + entry.value.size() <= segmentLimit;
+      } else if (TiffValue note = makerNote(entry.value); !note.bytes.empty()) {
+        exif.replace(entry, std::move(note));
+      } else {
+        plan_.drop(entry);
+      }
+    });
+    if (!isFirst) return;
+    if (TiffValue note = makerNote({}); !note.bytes.empty())
+      exif.add(makerNoteTag, std::move(note));
+  }
+  TiffValue makerNote(std::span<const std::byte> source) const {
+    std::vector<std::byte> note = detail::mergeMakerNote(source, wanted_.makerNote);
+    const auto size = static_cast<std::uint32_t>(note.size());
+    return {TiffType::undefined, size, std::move(note)};
+  }
+
+  // Adds the directory below `parent`, unless nothing is in it that anybody asked for.
+  void addChild(std::uint16_t tag, TiffDirectory&& child, TiffDirectory& parent) {
+    const bool isWanted =
+        std::any_of(child.records.begin(), child.records.end(), [&](const TiffRecord& record) {
+          return std::find(supplied_.begin(), supplied_.end(), record.tag) == supplied_.end();
+        });
+    if (!isWanted) {
+      plan_.dropped.push_back(child.place);
+      for (const TiffRecord& record : child.records) plan_.dropped.push_back(record.place);
+      return;
+    }
+    finish(child);
+    parent.add(tag, {TiffType::unsignedLong, 1, {}});
+    parent.records.back().child = plan_.directories.size();
+    plan_.directories.push_back(std::move(child));
+  }
+
+  static void finish(TiffDirectory& directory) {
+    directory.sortRecords();
+    if (directory.records.size() > recordLimit) directory.records.resize(recordLimit);
+  }
+
+  const TiffReader* reader_;
+  ExifWanted wanted_;
+  const PixelFacts pixels_;
+  ExifDirectories at_;
+  bool holdsPixels_ = false;
+  std::vector<std::uint16_t> supplied_;  // Tags.
+  TiffPlan plan_;
+};
+
+}  // namespace
+
+std::vector<std::byte> mergeExif(std::span<const std::byte> tiff, const Dictionary& properties,
+                                 const PixelFacts& pixels) {
+  const std::optional<TiffReader> reader = TiffReader::open(tiff);
+  Dictionary before;
+  readExif(tiff, before);
+  Merge merge(reader ? &*reader : nullptr, exifWanted(before, properties), pixels);
+  std::optional<TiffPlan> plan = std::move(merge).plan();
+  if (!plan) return {};
+  std::vector<std::byte> inPlace;
+  if (tiff.size() <= inPlaceLimit) {
+    inPlace = layOutTiff(*plan, TiffPlacement::inPlace);
+    if (inPlace.size() <= segmentLimit) return inPlace;
+  }
+  std::vector<std::byte> compact = layOutTiff(std::move(*plan), TiffPlacement::compact);
+  return inPlace.empty() || compact.size() <= segmentLimit ? compact : inPlace;
+}
+
+}  // namespace FrameworkUtility::detail

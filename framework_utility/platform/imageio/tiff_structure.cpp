@@ -1,0 +1,138 @@
+#include <framework_utility/platform/imageio/tiff_structure.h>
+
+#include <algorithm>
+#include <cmath>
+
+namespace FrameworkUtility::detail {
+namespace {
+
+// Compilers make one load, and a byte swap where needed, of each.
+template <class T>
+T load(const std::byte* bytes, std::endian order) {
+  T number = 0;
+  if (order == std::endian::big)
+    for (std::size_t i = 0; i < sizeof(T); ++i)
+      number = static_cast<T>(number << 8 | std::to_integer<T>(bytes[i]));
+  else
+    for (std::size_t i = sizeof(T); i > 0; --i)
+      number = static_cast<T>(number << 8 | std::to_integer<T>(bytes[i - 1]));
+  return number;
+}
+
+std::optional<Number> finite(double number) {
+  if (!std::isfinite(number)) return std::nullopt;
+  return Number(number);
+}
+
+std::optional<Number> ratio(std::int64_t numerator, std::int64_t denominator) {
+  if (denominator == 0) return std::nullopt;
+  if (numerator % denominator == 0) return Number(numerator / denominator);
+  return Number(static_cast<double>(numerator) / static_cast<double>(denominator));
+}
+
+}  // namespace
+
+std::optional<TiffReader> TiffReader::open(std::span<const std::byte> block) {
+  if (block.size() < tiffHeaderSize || block[0] != block[1]) return std::nullopt;
+  if (block[0] != std::byte{'M'} && block[0] != std::byte{'I'}) return std::nullopt;
+  // Nothing lies further than an offset reaches, so the arithmetic on offsets cannot wrap.
+  const TiffReader reader(block.first(std::min<std::size_t>(block.size(), UINT32_MAX)),
+                          block[0] == std::byte{'M'} ? std::endian::big : std::endian::little);
+  if (reader.u16(block.data() + 2) != 42) return std::nullopt;
+  return reader;
+}
+
+std::uint32_t TiffReader::entryCount(std::uint32_t directory) const {
+  const std::uint64_t begin = std::uint64_t{directory} + 2;
+  if (begin > block_.size()) return 0;
+  const std::uint64_t room = (block_.size() - begin) / tiffRecordSize;
+  return static_cast<std::uint32_t>(std::min<std::uint64_t>(u16(block_.data() + directory), room));
+}
+
+TiffEntry TiffReader::entry(std::uint32_t directory, std::uint32_t index) const {
+  const std::uint32_t at = directory + 2 + tiffRecordSize * index;
+  const std::byte* record = block_.data() + at;
+  TiffEntry entry{.tag = u16(record),
+                  .type = static_cast<TiffType>(u16(record + 2)),
+                  .count = u32(record + 4),
+                  .offset = at + 8,
+                  .value = {},
+                  .field = block_.subspan(at + 8, tiffInlineSize)};
+  const std::uint32_t unit = tiffTypeSize(entry.type);
+  const std::uint64_t size = unit == 0 ? tiffInlineSize : std::uint64_t{unit} * entry.count;
+  if (size > tiffInlineSize) entry.offset = u32(record + 8);
+  if (entry.offset + size <= block_.size())
+    entry.value = block_.subspan(entry.offset, static_cast<std::size_t>(size));
+  return entry;
+}
+
+std::uint32_t TiffReader::nextDirectory(std::uint32_t directory) const {
+  const std::uint64_t records = directory + std::uint64_t{2};
+  if (records > block_.size()) return 0;
+  const std::uint64_t at = records + std::uint64_t{tiffRecordSize} * u16(block_.data() + directory);
+  return at + 4 <= block_.size() ? u32(block_.data() + at) : 0;
+}
+
+std::optional<Number> TiffReader::number(const TiffEntry& entry, std::uint32_t index) const {
+  const std::uint32_t unit = tiffTypeSize(entry.type);
+  if (unit == 0 || index >= entry.value.size() / unit) return std::nullopt;
+  const std::byte* at = entry.value.data() + std::size_t{unit} * index;
+  switch (entry.type) {
+    case TiffType::unsignedByte:
+    case TiffType::undefined:
+      return Number(std::to_integer<std::int64_t>(*at));
+    case TiffType::signedByte:
+      return Number(static_cast<std::int8_t>(*at));
+    case TiffType::unsignedShort:
+      return Number(u16(at));
+    case TiffType::signedShort:
+      return Number(static_cast<std::int16_t>(u16(at)));
+    case TiffType::unsignedLong:
+    case TiffType::directory:
+      return Number(u32(at));
+    case TiffType::signedLong:
+      return Number(static_cast<std::int32_t>(u32(at)));
+    case TiffType::unsignedRational:
+      return ratio(u32(at), u32(at + 4));
+    case TiffType::signedRational:
+      return ratio(static_cast<std::int32_t>(u32(at)), static_cast<std::int32_t>(u32(at + 4)));
+    case TiffType::singleFloat:
+      return finite(std::bit_cast<float>(u32(at)));
+    case TiffType::doubleFloat:
+      return finite(std::bit_cast<double>(load<std::uint64_t>(at, order_)));
+    case TiffType::ascii:
+      break;
+  }
+  return std::nullopt;
+}
+
+std::optional<std::uint32_t> TiffReader::unsignedInteger(const TiffEntry& entry,
+                                                         std::uint32_t index) const {
+  const std::optional<Number> value = number(entry, index);
+  if (!value || value->kind() == Number::Kind::real) return std::nullopt;
+  const std::int64_t integer = value->integerValue();
+  if (integer < 0 || integer > UINT32_MAX) return std::nullopt;
+  return static_cast<std::uint32_t>(integer);
+}
+
+std::uint16_t TiffReader::u16(const std::byte* bytes) const {
+  return load<std::uint16_t>(bytes, order_);
+}
+
+std::uint32_t TiffReader::u32(const std::byte* bytes) const {
+  return load<std::uint32_t>(bytes, order_);
+}
+
+void storeTiffInteger(std::byte* bytes, std::uint64_t number, std::size_t size, std::endian order) {
+  for (std::size_t i = 0; i < size; ++i)
+    bytes[order == std::endian::big ? size - 1 - i : i] =
+        static_cast<std::byte>(number >> (8 * i) & 0xFF);
+}
+
+void appendTiffInteger(std::vector<std::byte>& bytes, std::uint64_t number, std::size_t size,
+                       std::endian order) {
+  bytes.resize(bytes.size() + size);
+  storeTiffInteger(bytes.data() + bytes.size() - size, number, size, order);
+}
+
+}  // namespace FrameworkUtility::detail

@@ -1,0 +1,110 @@
+#pragma once
+
+#include <framework_utility/platform/foundation/number.h>
+
+#include <bit>
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <vector>
+
+namespace FrameworkUtility::detail {
+
+// The structure of TIFF 6.0, which EXIF shares: a header, and directories of twelve-byte records
+// whose values stand in the record when they have at most four bytes, else anywhere in the block.
+
+/// The field types of TIFF 6.0, and that of its supplement 1 for an offset of a directory.
+enum class TiffType : std::uint16_t {
+  unsignedByte = 1,
+  ascii,
+  unsignedShort,
+  unsignedLong,
+  unsignedRational,
+  signedByte,
+  undefined,
+  signedShort,
+  signedLong,
+  signedRational,
+  singleFloat,
+  doubleFloat,
+  directory,
+};
+
+/// Bytes of one value; 0 for a type that is none of these.
+constexpr std::uint32_t tiffTypeSize(TiffType type) {
+  constexpr std::uint8_t sizes[] = {0, 1, 1, 2, 4, 8, 1, 1, 2, 4, 8, 4, 8, 4};
+  const auto index = static_cast<std::size_t>(type);
+  return index < std::size(sizes) ? sizes[index] : 0;
+}
+
+inline constexpr std::uint32_t tiffHeaderSize = 8;
+inline constexpr std::uint32_t tiffRecordSize = 12;
+inline constexpr std::uint32_t tiffInlineSize = 4;
+
+/// Bytes of a directory with `count` records: their number, the records, the next one's offset.
+constexpr std::uint64_t tiffDirectorySize(std::uint64_t count) {
+  return 2 + tiffRecordSize * count + 4;
+}
+
+/// One record of a directory. A value that lies outside the block is empty; of an unknown type the
+/// value is the record's own four bytes, whatever they mean.
+struct TiffEntry {
+  std::uint16_t tag = 0;
+  TiffType type = TiffType::undefined;
+  std::uint32_t count = 0;
+  std::uint32_t offset = 0;  ///< Where the value stands in the block.
+  std::span<const std::byte> value;
+  std::span<const std::byte> field;  ///< The record's last four bytes, as stored.
+
+  bool isMissing() const { return value.empty() && count != 0; }
+};
+
+/// A value that is to be stored.
+struct TiffValue {
+  TiffType type = TiffType::undefined;
+  std::uint32_t count = 0;
+  std::vector<std::byte> bytes;
+};
+
+/// Looks at bytes of a TIFF structure without ever leaving them; keeps no copy. Offsets may be any
+/// number: what lies outside reads as absent.
+class TiffReader {
+ public:
+  /// A block that begins with a TIFF header; absent when it does not.
+  static std::optional<TiffReader> open(std::span<const std::byte> block);
+  /// Bytes without a header that offsets count from.
+  TiffReader(std::span<const std::byte> block, std::endian order) : block_(block), order_(order) {}
+
+  std::span<const std::byte> block() const { return block_; }
+  std::endian order() const { return order_; }
+  std::uint32_t firstDirectory() const { return u32(block_.data() + 4); }
+
+  /// How many records of the directory at `directory` lie inside the block.
+  std::uint32_t entryCount(std::uint32_t directory) const;
+  /// `index` is less than `entryCount`.
+  TiffEntry entry(std::uint32_t directory, std::uint32_t index) const;
+  /// 0 at the end of the chain, or where its offset is cut off.
+  std::uint32_t nextDirectory(std::uint32_t directory) const;
+
+  /// A rational becomes a double, or an integer when it is one. Absent past the end, for text, for
+  /// a denominator of 0 and for what is not finite.
+  std::optional<Number> number(const TiffEntry& entry, std::uint32_t index = 0) const;
+  /// An unsigned integer of any width, such as an offset.
+  std::optional<std::uint32_t> unsignedInteger(const TiffEntry& entry,
+                                               std::uint32_t index = 0) const;
+
+  std::uint16_t u16(const std::byte* bytes) const;
+  std::uint32_t u32(const std::byte* bytes) const;
+
+ private:
+  std::span<const std::byte> block_;
+  std::endian order_;
+};
+
+/// Stores the low `size` (1, 2, 4 or 8) bytes of `number` at `bytes`.
+void storeTiffInteger(std::byte* bytes, std::uint64_t number, std::size_t size, std::endian order);
+void appendTiffInteger(std::vector<std::byte>& bytes, std::uint64_t number, std::size_t size,
+                       std::endian order);
+
+}  // namespace FrameworkUtility::detail
