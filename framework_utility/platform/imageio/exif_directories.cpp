@@ -20,7 +20,8 @@ std::uint32_t pointer(const TiffReader& reader, std::uint32_t directory, std::ui
 ExifDirectories exifDirectories(const TiffReader& reader) {
   const auto unless = [](bool refused, std::uint32_t offset) { return refused ? 0 : offset; };
   ExifDirectories at;
-  at.image = reader.firstDirectory();
+  at.image = reader.entryCount(reader.firstDirectory()) > 0 ? reader.firstDirectory() : 0;
+  if (at.image == 0) return at;
   at.exif = pointer(reader, at.image, exifPointerTag);
   at.exif = unless(at.exif == at.image, at.exif);
   at.gps = pointer(reader, at.image, gpsPointerTag);

@@ -38,7 +38,8 @@ class Reading {
     const std::uint32_t count = offset == 0 ? 0 : reader_.entryCount(offset);
     for (std::uint32_t i = 0; i < count; ++i) {
       const TiffEntry entry = reader_.entry(offset, i);
-      if (which == ExifDirectory::exif && entry.tag == makerNoteTag && !makerNote_)
+      if (which == ExifDirectory::exif && entry.tag == makerNoteTag &&
+          !std::exchange(sawNote_, true))
         makerNote_ = readMakerNote(entry.value);
       const ExifTag* tag = exifTag(which, entry.tag);
       // Of records with the same tag the first one counts.
@@ -79,6 +80,7 @@ class Reading {
   const ExifDirectories at_;
   Dictionary auxiliary_;
   std::optional<Dictionary> makerNote_;
+  bool sawNote_ = false;  // The first record counts here too.
 };
 
 }  // namespace

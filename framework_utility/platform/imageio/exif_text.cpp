@@ -70,38 +70,41 @@ bool isUtf8(std::string_view text) {
   return true;
 }
 
+constexpr char32_t byteOrderMark = 0xFEFF;
+
+char32_t utf16Unit(std::span<const std::byte> bytes, std::size_t index, std::endian order) {
+  return TiffReader(bytes, order).u16(bytes.data() + 2 * index);
+}
+
+std::endian opposite(std::endian order) {
+  return order == std::endian::big ? std::endian::little : std::endian::big;
+}
+
 // Some programs write UTF-16 in their machine's order instead of the block's. Where no mark tells,
-// the order is that in which more of the units lie in the first 256 characters.
+// it is taken for the other order when most of it is Latin in that one.
 std::endian utf16Order(std::span<const std::byte> bytes, std::endian blockOrder) {
-  std::size_t bigEndian = 0, littleEndian = 0;
-  for (std::size_t i = 0; i + 1 < bytes.size(); i += 2) {
-    if (bytes[i] == bytes[i + 1]) continue;
-    bigEndian += bytes[i] == std::byte{0};
-    littleEndian += bytes[i + 1] == std::byte{0};
+  const std::size_t count = bytes.size() / 2;
+  std::size_t latinInOther = 0;
+  for (std::size_t i = 0; i < count; ++i) {
+    const char32_t unit = utf16Unit(bytes, i, opposite(blockOrder));
+    if (i == 0 && unit == byteOrderMark) return opposite(blockOrder);
+    if (i == 0 && utf16Unit(bytes, i, blockOrder) == byteOrderMark) return blockOrder;
+    latinInOther += unit >= 0x20 && unit < 0x100;
   }
-  if (bigEndian == littleEndian) return blockOrder;
-  return bigEndian > littleEndian ? std::endian::big : std::endian::little;
+  return 2 * latinInOther > count ? opposite(blockOrder) : blockOrder;
 }
 
 std::string readUtf16(std::span<const std::byte> bytes, std::endian blockOrder) {
-  const auto unit = [&](std::size_t i, std::endian order) {
-    return static_cast<char32_t>(TiffReader(bytes, order).u16(bytes.data() + 2 * i));
-  };
+  const std::endian order = utf16Order(bytes, blockOrder);
   const std::size_t count = bytes.size() / 2;
-  std::size_t i = 0;
-  std::endian order = blockOrder;
-  if (count > 0 && (unit(0, std::endian::big) == 0xFEFF || unit(0, std::endian::big) == 0xFFFE)) {
-    order = unit(0, std::endian::big) == 0xFEFF ? std::endian::big : std::endian::little;
-    i = 1;
-  } else {
-    order = utf16Order(bytes, blockOrder);
-  }
   std::string text;
-  for (; i < count && unit(i, order) != 0; ++i) {
-    const char32_t first = unit(i, order);
+  for (std::size_t i = 0; i < count; ++i) {
+    const char32_t first = utf16Unit(bytes, i, order);
+    if (first == 0) break;
+    if (first == byteOrderMark && i == 0) continue;
     if (first < 0xD800 || first >= 0xE000) {
       appendUtf8(text, first);
-    } else if (const char32_t second = i + 1 < count ? unit(i + 1, order) : 0;
+    } else if (const char32_t second = i + 1 < count ? utf16Unit(bytes, i + 1, order) : 0;
                first < 0xDC00 && second >= 0xDC00 && second < 0xE000) {
       appendUtf8(text, 0x10000 + ((first - 0xD800) << 10) + (second - 0xDC00));
       ++i;
@@ -154,14 +157,18 @@ std::optional<std::string> readExifComment(std::span<const std::byte> bytes, std
 std::vector<std::byte> exifComment(std::string_view text, std::endian order) {
   text = text.substr(0, text.find('\0'));
   if (isAscii(text)) return bytes(std::string(asciiPrefix).append(text));
-  std::vector<std::byte> stored = bytes(unicodePrefix);
+  std::vector<std::byte> units;
   while (!text.empty()) {
     const std::optional<char32_t> character = takeUtf8(text);
     if (!character) text.remove_prefix(1);
     const char32_t c = character.value_or(replacement);
-    if (c >= 0x10000) appendTiffInteger(stored, 0xD800 + ((c - 0x10000) >> 10), 2, order);
-    appendTiffInteger(stored, c >= 0x10000 ? 0xDC00 + ((c - 0x10000) & 0x3FF) : c, 2, order);
+    if (c >= 0x10000) appendTiffInteger(units, 0xD800 + ((c - 0x10000) >> 10), 2, order);
+    appendTiffInteger(units, c >= 0x10000 ? 0xDC00 + ((c - 0x10000) & 0x3FF) : c, 2, order);
   }
+  std::vector<std::byte> stored = bytes(unicodePrefix);
+  // A mark only where the order would be mistaken: it is no part of the standard's text.
+  if (utf16Order(units, order) != order) appendTiffInteger(stored, byteOrderMark, 2, order);
+  stored.insert(stored.end(), units.begin(), units.end());
   return stored;
 }
 

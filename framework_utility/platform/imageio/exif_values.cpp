@@ -68,26 +68,25 @@ std::optional<Rational> fraction(const TiffReader& reader, const TiffEntry& entr
 }
 
 // One division of whole numbers, which are exact for all that devices write, so that a coordinate
-// of ten decimals comes back as the same double. Minutes and seconds that are missing or unknown
+// of nine decimals comes back as the same double. Minutes and seconds that are missing or unknown
 // (0/0) count as 0.
 std::optional<Value> readDegrees(const TiffReader& reader, const TiffEntry& entry) {
-  std::array<long double, 3> numerators{};
-  std::array<long double, 3> denominators{1, 1, 1};
+  std::array<double, 3> numerators{};
+  std::array<double, 3> denominators{1, 1, 1};
   for (std::uint32_t i = 0; i < 3; ++i) {
     const std::optional<Rational> part = fraction(reader, entry, i);
     if (part && part->denominator != 0) {
-      numerators[i] = static_cast<long double>(part->numerator);
-      denominators[i] = static_cast<long double>(part->denominator);
+      numerators[i] = static_cast<double>(part->numerator);
+      denominators[i] = static_cast<double>(part->denominator);
     } else if (i == 0) {
       return std::nullopt;
     }
   }
   const auto& [degrees, minutes, seconds] = numerators;
   const auto& [perDegree, perMinute, perSecond] = denominators;
-  const auto value =
-      static_cast<double>((degrees * 3600 * perMinute * perSecond +
-                           minutes * 60 * perDegree * perSecond + seconds * perDegree * perMinute) /
-                          (3600 * perDegree * perMinute * perSecond));
+  const double value = (degrees * 3600 * perMinute * perSecond +
+                        minutes * 60 * perDegree * perSecond + seconds * perDegree * perMinute) /
+                       (3600 * perDegree * perMinute * perSecond);
   if (value == std::floor(value) && value < 1e15) return Value(static_cast<std::int64_t>(value));
   return Value(value);
 }

@@ -97,45 +97,51 @@ class Merge {
   template <class Visitor>
   void forEachEntry(std::uint32_t offset, Visitor visit) const {
     const std::uint32_t count = offset == 0 ? 0 : reader_->entryCount(offset);
-    for (std::uint32_t i = 0; i < count; ++i) {
-      const TiffEntry entry = reader_->entry(offset, i);
-      // An offset that leads outside must not come to lead into what is appended.
-      if (!entry.isMissing()) visit(entry);
-    }
+    for (std::uint32_t i = 0; i < count; ++i) visit(reader_->entry(offset, i));
   }
 
   void merge(ExifDirectory which, std::uint32_t offset, const Dictionary& wanted,
              TiffDirectory& result) {
     const ExifTag* const tags = exifTags(which).data();
-    std::bitset<exifTagLimit> seen;
-    std::bitset<exifTagLimit> kept;
+    std::bitset<exifTagLimit> seen, kept, stored;
     forEachEntry(offset, [&](const TiffEntry& entry) {
       if (isHandledElsewhere(which, entry.tag)) return;
-      if (which == ExifDirectory::image && mergeOldPixels(entry, result)) return;
       const ExifTag* tag = exifTag(which, entry.tag);
-      if (!tag || tag->shape == ExifShape::layout) return result.keep(entry);
-      const auto index = static_cast<std::size_t>(tag - tags);
+      if (which == ExifDirectory::image && mergeOldPixels(entry, result)) return;
+      if (!tag) return keep(entry, result);
       // Of records with the same tag the first one counts, and the others follow it.
+      const auto index = static_cast<std::size_t>(tag - tags);
       if (!seen.test(index)) {
         seen.set(index);
+        stored.set(index, !entry.isMissing());
         kept.set(index, mergeEntry(*tag, entry, wanted.find(tag->key), result));
       } else if (kept.test(index)) {
-        result.keep(entry);
+        keep(entry, result);
       } else {
         plan_.drop(entry);
       }
     });
     for (const auto& [key, value] : wanted) {
       const ExifTag* tag = exifTag(which, key);
-      if (!tag || seen.test(static_cast<std::size_t>(tag - tags))) continue;
-      if (std::optional<TiffValue> stored = exifValue(*tag, value, std::nullopt, plan_.order))
-        result.add(tag->tag, std::move(*stored));
+      if (!tag || stored.test(static_cast<std::size_t>(tag - tags))) continue;
+      if (std::optional<TiffValue> added = exifValue(*tag, value, std::nullopt, plan_.order))
+        result.add(tag->tag, std::move(*added));
     }
+  }
+
+  // A value outside the block is dropped: it must not come to lie in what is appended.
+  static void keep(const TiffEntry& entry, TiffDirectory& result) {
+    if (!entry.isMissing()) result.keep(entry);
   }
 
   // Whether the entry stays as it is.
   bool mergeEntry(const ExifTag& tag, const TiffEntry& entry, const Value* wanted,
                   TiffDirectory& result) {
+    if (entry.isMissing()) return false;
+    if (tag.shape == ExifShape::layout) {
+      result.keep(entry);
+      return true;
+    }
     const std::optional<Value> before = readExifValue(tag, *reader_, entry);
     const bool keeps = wanted ? before == *wanted : !before;
     std::optional<TiffValue> value;
@@ -171,30 +177,34 @@ class Merge {
 
   void mergeInterop(TiffDirectory& exif) {
     TiffDirectory interop = directoryAt(at_.interop);
-    forEachEntry(at_.interop, [&](const TiffEntry& entry) { interop.keep(entry); });
+    forEachEntry(at_.interop, [&](const TiffEntry& entry) { keep(entry, interop); });
     addChild(interopPointerTag, std::move(interop), exif);
   }
 
   void mergeMakerNote(TiffDirectory& exif) {
-    bool isFirst = true;
+    std::optional<TiffEntry> source;
     forEachEntry(at_.exif, [&](const TiffEntry& entry) {
       if (entry.tag != makerNoteTag) return;
-      if (!isFirst) return exif.keep(entry);
-      isFirst = false;
-      const std::optional<Dictionary> before = readMakerNote(entry.value);
-      if (before ? *before == wanted_.makerNote : wanted_.makerNote.empty()) {
-        exif.keep(entry);
-        // Other makers' notes refer to themselves by offsets from the start of the block.
-        exif.records.back().pinned = !before && entry.offset + entry.value.size() <= segmentLimit;
-      } else if (TiffValue note = makerNote(entry.value); !note.bytes.empty()) {
-        exif.replace(entry, std::move(note));
-      } else {
+      if (source)
         plan_.drop(entry);
-      }
+      else
+        source = entry;
     });
-    if (!isFirst) return;
-    if (TiffValue note = makerNote({}); !note.bytes.empty())
-      exif.add(makerNoteTag, std::move(note));
+    if (!source || source->isMissing()) {
+      if (TiffValue note = makerNote({}); !note.bytes.empty())
+        exif.add(makerNoteTag, std::move(note));
+      return;
+    }
+    const std::optional<Dictionary> before = readMakerNote(source->value);
+    if (before ? *before == wanted_.makerNote : wanted_.makerNote.empty()) {
+      exif.keep(*source);
+      // Other makers' notes refer to themselves by offsets from the start of the block.
+      exif.records.back().pinned = !before && source->offset + source->value.size() <= segmentLimit;
+    } else if (TiffValue note = makerNote(source->value); !note.bytes.empty()) {
+      exif.replace(*source, std::move(note));
+    } else {
+      plan_.drop(*source);
+    }
   }
   TiffValue makerNote(std::span<const std::byte> source) const {
     std::vector<std::byte> note = detail::mergeMakerNote(source, wanted_.makerNote);
@@ -237,7 +247,8 @@ class Merge {
 
 std::vector<std::byte> mergeExif(std::span<const std::byte> tiff, const Dictionary& properties,
                                  const PixelFacts& pixels) {
-  const std::optional<TiffReader> reader = TiffReader::open(tiff);
+  std::optional<TiffReader> reader = TiffReader::open(tiff);
+  if (reader && exifDirectories(*reader).image == 0) reader.reset();
   Dictionary before;
   readExif(tiff, before);
   Merge merge(reader ? &*reader : nullptr, exifWanted(before, properties), pixels);
