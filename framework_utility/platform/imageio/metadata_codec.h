@@ -29,19 +29,23 @@ std::vector<std::byte> mergeExif(std::span<const std::byte> tiff, const Dictiona
 
 /// Adds "{IPTC}" when the resources hold a record.
 void readImageResources(std::span<const std::byte> resources, Dictionary& properties);
+/// Drops the old picture's thumbnails and profile, and the record's digest when the record changes.
 std::vector<std::byte> mergeImageResources(std::span<const std::byte> resources,
                                            const Dictionary& properties);
 
-/// Adds entries of "{TIFF}", "{Exif}", "{GPS}" and "{IPTC}" that `properties` does not have yet.
+/// Adds entries of "{TIFF}", "{Exif}", "{GPS}", "{ExifAux}" and "{IPTC}" that `properties` does not
+/// have yet. UTF-8 and UTF-16 packets; nothing comes of one that cannot be parsed.
 void readXmp(std::span<const std::byte> packet, Dictionary& properties);
 /// `before` is what the blocks read as before the change, `after` what the caller wants: a property
-/// of the packet whose entry differs between them is changed or removed in place.
+/// of the packet whose entry differs between them is changed or removed in place. The old picture's
+/// thumbnails go. A packet that cannot be parsed stays as it is.
 std::vector<std::byte> mergeXmp(std::span<const std::byte> packet, const Dictionary& before,
                                 const Dictionary& after, const PixelFacts& pixels);
 
 /// All blocks together. EXIF wins over XMP and XMP never replaces IPTC.
 void readMetadata(const MetadataBlocks& blocks, Dictionary& properties);
-/// `source` is null for properties that came from no file.
+/// `source` is null for properties that came from no file. What XMP alone says, and still says, is
+/// not copied into EXIF or IPTC.
 MetadataBlocks mergeMetadata(const MetadataBlocks* source, const Dictionary& properties,
                              const PixelFacts& pixels);
 
