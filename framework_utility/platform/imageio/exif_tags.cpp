@@ -195,7 +195,7 @@ const ExifTag* exifTag(ExifDirectory directory, std::uint16_t tag) {
 }
 
 const ExifTag* exifTag(ExifDirectory directory, const Key& key) {
-  const std::string* text = key.text();
+  const std::optional<std::string_view> text = key.text();
   if (!text) return nullptr;
   for (const ExifTag& tag : exifTags(directory))
     if (tag.key == *text) return &tag;

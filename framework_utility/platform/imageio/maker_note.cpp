@@ -74,7 +74,7 @@ std::optional<TiffValue> noteValue(const Value& value, std::optional<TiffType> s
 
 // "17" -> 17; absent for what is no such key.
 std::optional<std::uint16_t> tagOf(const Key& key) {
-  const std::string* text = key.text();
+  const std::optional<std::string_view> text = key.text();
   if (!text) return std::nullopt;
   std::uint16_t tag = 0;
   const auto [end, error] = std::from_chars(text->data(), text->data() + text->size(), tag);
