@@ -31,9 +31,16 @@ CGColorSpace CGColorSpace::createDeviceGray() {
   return space;
 }
 
+CGColorSpace CGColorSpace::createDeviceCMYK() {
+  static const CGColorSpace space(std::make_shared<const Contents>(
+      Contents{CGColorSpaceModel::cmyk, 4, std::string(kCGColorSpaceGenericCMYK), {}, {}}));
+  return space;
+}
+
 std::optional<CGColorSpace> CGColorSpace::createWithName(std::string_view name) {
   if (name == kCGColorSpaceSRGB) return createDeviceRGB();
   if (name == kCGColorSpaceGenericGray) return createDeviceGray();
+  if (name == kCGColorSpaceGenericCMYK) return createDeviceCMYK();
   if (name == kCGColorSpaceDisplayP3) {
     static const CGColorSpace space(std::make_shared<const Contents>(
         Contents{CGColorSpaceModel::rgb, 3, std::string(name), detail::displayP3ProfileName,
@@ -61,7 +68,10 @@ std::optional<std::string> CGColorSpace::profileName() const {
   return contents_->profileName;
 }
 
-std::optional<Data> CGColorSpace::iccData() const { return contents_->profile; }
+std::optional<Data> CGColorSpace::iccData() const {
+  if (contents_->profile.empty()) return std::nullopt;
+  return contents_->profile;
+}
 
 bool operator==(const CGColorSpace& a, const CGColorSpace& b) {
   return a.contents_ == b.contents_ || a.contents_->profile == b.contents_->profile;

@@ -8,6 +8,7 @@
 
 #include <cmath>
 #include <limits>
+#include <type_traits>
 
 namespace FrameworkUtility {
 namespace {
@@ -30,7 +31,7 @@ TEST(CGImageTest, TakesLayoutsThatAgreeWithThemselvesAndTheSpace) {
     CGImageLayout layout;
   };
   const auto changed = [](CGImageLayout layout, auto member, auto value) {
-    layout.*member = value;
+    layout.*member = static_cast<std::remove_reference_t<decltype(layout.*member)>>(value);
     return layout;
   };
   const CGImageLayout rgba = layoutOf(2, 3, 4, last);

@@ -65,6 +65,10 @@ TEST(ColorSpaceTest, DeviceSpacesAreTheNamedOnes) {
   EXPECT_EQ(CGColorSpace::createDeviceRGB(), CGColorSpace::createWithName(kCGColorSpaceSRGB));
   EXPECT_EQ(CGColorSpace::createDeviceGray(),
             CGColorSpace::createWithName(kCGColorSpaceGenericGray));
+  const CGColorSpace cmyk = CGColorSpace::createDeviceCMYK();
+  EXPECT_EQ(cmyk, CGColorSpace::createWithName(kCGColorSpaceGenericCMYK));
+  EXPECT_EQ(cmyk.iccData(), std::nullopt);
+  EXPECT_EQ(cmyk.profileName(), std::nullopt);
   EXPECT_NE(CGColorSpace::createDeviceRGB(), CGColorSpace::createWithName(kCGColorSpaceDisplayP3));
 }
 

@@ -42,30 +42,11 @@ std::array<double, 4> expectedPixel(std::vector<double> components, CGImageAlpha
   return pixel;
 }
 
-/// A minimal CMYK profile, whose table is never looked at.
-CGColorSpace cmykSpace() {
-  std::vector<std::uint8_t> bytes(152);
-  const auto text = [&](std::size_t offset, const char* four) {
-    for (std::size_t i = 0; i < 4; ++i) bytes[offset + i] = static_cast<std::uint8_t>(four[i]);
-  };
-  bytes[3] = 152;
-  bytes[8] = 4;
-  text(12, "prtr");
-  text(16, "CMYK");
-  text(20, "Lab ");
-  text(36, "acsp");
-  bytes[131] = 1;  // one tag
-  text(132, "A2B0");
-  bytes[139] = 144;
-  bytes[143] = 8;
-  return CGColorSpace::createWithICCData(dataOf(bytes)).value();
-}
-
 TEST(RGBARowsTest, ReadsEveryLayout) {
   using Order = CGImageByteOrder;
   const CGColorSpace gray = CGColorSpace::createDeviceGray();
   const CGColorSpace rgb = CGColorSpace::createDeviceRGB();
-  const CGColorSpace cmyk = cmykSpace();
+  const CGColorSpace cmyk = CGColorSpace::createDeviceCMYK();
   constexpr std::size_t width = 37;
   constexpr std::size_t height = 3;
   int layouts = 0;
