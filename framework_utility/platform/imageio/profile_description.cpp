@@ -1,11 +1,9 @@
 #include <framework_utility/platform/imageio/profile_description.h>
 
-#include <framework_utility/platform/imageio/text_encoding.h>
+#include <framework_utility/platform/foundation/utf16.h>
 
 #include <algorithm>
-#include <bit>
 #include <cstdint>
-#include <string_view>
 
 namespace FrameworkUtility::detail {
 
@@ -57,17 +55,26 @@ Bytes findTag(Bytes profile, std::uint32_t name) {
   return {};
 }
 
-std::string untilNul(std::string text) {
-  text.resize(std::min(text.find('\0'), text.size()));
+/// Units of `size` bytes, big-endian, up to a NUL. Units of one byte are Latin letters.
+std::string textOf(Bytes bytes, std::size_t size) {
+  std::u16string units;
+  for (std::size_t i = 0; i + size <= bytes.size(); i += size) {
+    char16_t unit = 0;
+    for (const std::byte byte : bytes.subspan(i, size)) {
+      unit = static_cast<char16_t>(unit << 8 | std::to_integer<char16_t>(byte));
+    }
+    if (unit == 0) {
+      break;
+    }
+    units += unit;
+  }
+  std::string text;
+  appendUtf8(text, units);
   return text;
 }
 
 /// Version 2: a type, four bytes, the number of ASCII characters and they.
-std::string readText(Bytes tag) {
-  const Bytes ascii = part(tag, 12, u32(tag, 8));
-  const std::string_view text(reinterpret_cast<const char*>(ascii.data()), ascii.size());
-  return untilNul(isValidUtf8(text) ? std::string(text) : utf8FromLatin1(text));
-}
+std::string readText(Bytes tag) { return textOf(part(tag, 12, u32(tag, 8)), 1); }
 
 /// Version 4: a type, four bytes, the number of records and their size; in each language, country,
 /// and the size and offset of its UTF-16.
@@ -85,8 +92,7 @@ std::string readLocalizedText(Bytes tag) {
       break;
     }
   }
-  const Bytes text = part(tag, u32(tag, record + 8), u32(tag, record + 4));
-  return untilNul(utf8FromUtf16(text, std::endian::big).value_or(std::string()));
+  return textOf(part(tag, u32(tag, record + 8), u32(tag, record + 4)), 2);
 }
 
 }  // namespace

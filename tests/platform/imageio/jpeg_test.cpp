@@ -256,10 +256,11 @@ TEST(JpegEncode, LaysTransparentPixelsOnWhite) {
   } cases[] = {{CGImageAlphaInfo::premultipliedLast, {100, 0, 0, 128}},
                {CGImageAlphaInfo::last, {200, 0, 0, 128}},
                {CGImageAlphaInfo::premultipliedFirst, {128, 100, 0, 0}}};
-  for (const auto& [alphaInfo, pixel] : cases) {
-    const auto image = decode(encode(makeImage(16, 16, CGColorSpace::createDeviceRGB(), alphaInfo,
-                                               [&](std::size_t, std::size_t) { return pixel; }),
-                                     atQuality(1)));
+  for (const auto& sample : cases) {
+    const auto image =
+        decode(encode(makeImage(16, 16, CGColorSpace::createDeviceRGB(), sample.alphaInfo,
+                                [&](std::size_t, std::size_t) { return sample.pixel; }),
+                      atQuality(1)));
     ASSERT_TRUE(image);
     EXPECT_NEAR(pixelOf(*image, 8, 8)[0], 227, 2);
     EXPECT_NEAR(pixelOf(*image, 8, 8)[1], 127, 2);
