@@ -56,6 +56,11 @@ int NewItem::putInPlace(Existing existing) {
   return 0;
 }
 
+bool isTemporaryName(std::string_view name) {
+  constexpr std::size_t identifierSize = 36;
+  return name.size() == 1 + identifierSize && name.starts_with('.');
+}
+
 int renameKeeping(int fromFolder, const std::string& from, int toFolder, const std::string& to) {
   if (renameat2(fromFolder, from.c_str(), toFolder, to.c_str(), RENAME_NOREPLACE) == 0) return 0;
   if (errno != EINVAL && errno != ENOSYS) return errno;

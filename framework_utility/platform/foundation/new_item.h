@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <span>
 #include <string>
+#include <string_view>
 
 namespace FrameworkUtility::detail {
 
@@ -37,6 +38,9 @@ class NewItem {
   std::string temporaryName_;
   bool isInPlace_ = false;
 };
+
+/// Whether an item that was never put in place has such a name.
+bool isTemporaryName(std::string_view name);
 
 /// Renames within or between folders; a name that is taken is EEXIST. Answers 0 or an error number.
 int renameKeeping(int fromFolder, const std::string& from, int toFolder, const std::string& to);

@@ -2,6 +2,7 @@
 
 #include <framework_utility/platform/foundation/data.h>
 #include <framework_utility/platform/foundation/error.h>
+#include <framework_utility/platform/foundation/file_error.h>
 #include <framework_utility/platform/foundation/object.h>
 #include <framework_utility/platform/foundation/value.h>
 
@@ -19,7 +20,7 @@ namespace FrameworkUtility {
 // by `PropertyListUID`.
 
 struct PropertyListError {
-  static constexpr std::string_view domain = "NSCocoaErrorDomain";
+  static constexpr std::string_view domain = NSCocoaErrorDomain;
   /// The bytes are no property list, or one past the limits.
   static constexpr ErrorCode readCorrupt{
       domain, 3840, "The data couldn’t be read because it isn’t in the correct format."};
