@@ -6,6 +6,7 @@
 #include <framework_utility/platform/imageio/property_keys.h>
 #include <framework_utility/platform/imageio/tiff_structure.h>
 
+#include <algorithm>
 #include <bitset>
 #include <optional>
 #include <string_view>
@@ -36,6 +37,7 @@ class Reading {
     std::bitset<exifTagLimit> seen;
     const ExifTag* const tags = exifTags(which).data();
     const std::uint32_t count = offset == 0 ? 0 : reader_.entryCount(offset);
+    values.reserve(std::min<std::size_t>(count, exifTags(which).size()));
     for (std::uint32_t i = 0; i < count; ++i) {
       const TiffEntry entry = reader_.entry(offset, i);
       if (which == ExifDirectory::exif && entry.tag == makerNoteTag &&
@@ -47,8 +49,9 @@ class Reading {
       seen.set(static_cast<std::size_t>(tag - tags));
       std::optional<Value> value = readExifValue(*tag, reader_, entry);
       if (!value) continue;
-      if (!tag->auxiliaryKey.empty()) auxiliary_.set(tag->auxiliaryKey, *value);
-      values.set(tag->key, std::move(*value));
+      if (!tag->auxiliaryKey.empty())
+        auxiliary_.append(Key::withConstant(tag->auxiliaryKey), *value);
+      values.append(Key::withConstant(tag->key), std::move(*value));
     }
     return values;
   }
@@ -56,19 +59,21 @@ class Reading {
   // Nothing says that a resolution without unit is one: it is the shape of a pixel.
   static void addTopLevel(const Dictionary& image, Dictionary& properties) {
     if (const Number* orientation = image.get<Number>(kCGImagePropertyTIFFOrientation))
-      properties.set(kCGImagePropertyOrientation, *orientation);
+      properties.set(Key::withConstant(kCGImagePropertyOrientation), *orientation);
     const Number* unit = image.get<Number>("ResolutionUnit");
     const double inInches = !unit || *unit == 2 ? 1 : *unit == 3 ? 2.54 : 0;
     if (inInches == 0) return;
     for (const auto& [resolution, key] :
-         {std::pair{"XResolution", "DPIWidth"}, {"YResolution", "DPIHeight"}})
+         {std::pair<std::string_view, std::string_view>{"XResolution", "DPIWidth"},
+          {"YResolution", "DPIHeight"}})
       if (const Number* number = image.get<Number>(resolution))
-        properties.set(key, inInches == 1 ? *number : Number(number->doubleValue() * inInches));
+        properties.set(Key::withConstant(key),
+                       inInches == 1 ? *number : Number(number->doubleValue() * inInches));
   }
 
   static void add(std::string_view key, Dictionary&& values, Dictionary& properties) {
     if (values.empty()) return;
-    Dictionary& present = properties.subdictionary(key);
+    Dictionary& present = properties.subdictionary(Key::withConstant(key));
     if (present.empty()) {
       present = std::move(values);
       return;

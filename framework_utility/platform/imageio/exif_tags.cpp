@@ -1,6 +1,7 @@
 #include <framework_utility/platform/imageio/exif_tags.h>
 
 #include <array>
+#include <optional>
 
 namespace FrameworkUtility::detail {
 namespace {
@@ -196,9 +197,8 @@ const ExifTag* exifTag(ExifDirectory directory, std::uint16_t tag) {
 
 const ExifTag* exifTag(ExifDirectory directory, const Key& key) {
   const std::optional<std::string_view> text = key.text();
-  if (!text) return nullptr;
   for (const ExifTag& tag : exifTags(directory))
-    if (tag.key == *text) return &tag;
+    if (text == tag.key) return &tag;
   return nullptr;
 }
 

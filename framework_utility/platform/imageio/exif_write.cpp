@@ -12,7 +12,6 @@
 #include <bitset>
 #include <optional>
 #include <string_view>
-#include <tuple>
 #include <utility>
 
 namespace FrameworkUtility::detail {
@@ -27,6 +26,8 @@ constexpr std::size_t recordLimit = 65535;
 
 constexpr std::uint16_t imageWidthTag = 0x0100;
 constexpr std::uint16_t imageLengthTag = 0x0101;
+constexpr std::uint16_t pixelXDimensionTag = 0xA002;
+constexpr std::uint16_t pixelYDimensionTag = 0xA003;
 
 constexpr std::string_view newHeader("MM\0\x2A\0\0\0\0", tiffHeaderSize);
 
@@ -60,8 +61,8 @@ class Merge {
     merge(ExifDirectory::image, at_.image, wanted_.image, image);
     merge(ExifDirectory::exif, at_.exif, wanted_.exif, exif);
     merge(ExifDirectory::gps, at_.gps, wanted_.gps, gps);
-    addChild(exifPointerTag, std::move(exif), image);
-    addChild(gpsPointerTag, std::move(gps), image);
+    addUnlessIdle(ExifDirectory::exif, std::move(exif), image);
+    addUnlessIdle(ExifDirectory::gps, std::move(gps), image);
     if (image.records.empty()) return std::nullopt;
     finish(image);
     plan_.directories.front() = std::move(image);
@@ -71,19 +72,18 @@ class Merge {
  private:
   // What a directory needs beside the caller's entries. It is not worth a directory.
   void supply() {
-    if (at_.exif == 0) supply(wanted_.exif, 0x9000, "ExifVersion", Value(Array{2, 3, 2}));
-    if (at_.gps == 0) supply(wanted_.gps, 0x0000, "GPSVersion", Value(Array{2, 3, 0, 0}));
-    for (const auto& [tag, key, pixels] : {std::tuple{0xA002, "PixelXDimension", pixels_.width},
-                                           {0xA003, "PixelYDimension", pixels_.height}}) {
-      if (pixels == 0) continue;
-      supply(wanted_.exif, static_cast<std::uint16_t>(tag), key, pixels);
-      wanted_.exif.set(key, pixels);
-    }
+    if (at_.exif == 0) supply(ExifDirectory::exif, 0x9000, Value(Array{2, 3, 2}));
+    if (at_.gps == 0) supply(ExifDirectory::gps, 0x0000, Value(Array{2, 3, 0, 0}));
+    if (pixels_.width != 0) supply(ExifDirectory::exif, pixelXDimensionTag, pixels_.width);
+    if (pixels_.height != 0) supply(ExifDirectory::exif, pixelYDimensionTag, pixels_.height);
   }
-  void supply(Dictionary& wanted, std::uint16_t tag, std::string_view key, Value value) {
-    if (wanted.find(key)) return;
-    wanted.set(key, std::move(value));
-    supplied_.push_back(tag);
+  void supply(ExifDirectory which, std::uint16_t tag, Value value) {
+    Dictionary& wanted = which == ExifDirectory::exif ? wanted_.exif : wanted_.gps;
+    const std::string_view key = exifTag(which, tag)->key;
+    const bool isAsked = wanted.find(key) != nullptr;
+    if (!isAsked) supplied_.emplace_back(which, tag);
+    if (!isAsked || tag == pixelXDimensionTag || tag == pixelYDimensionTag)
+      wanted.set(Key::withConstant(key), std::move(value));
   }
 
   TiffDirectory directoryAt(std::uint32_t offset) const {
@@ -178,7 +178,7 @@ class Merge {
   void mergeInterop(TiffDirectory& exif) {
     TiffDirectory interop = directoryAt(at_.interop);
     forEachEntry(at_.interop, [&](const TiffEntry& entry) { keep(entry, interop); });
-    addChild(interopPointerTag, std::move(interop), exif);
+    if (!interop.records.empty()) addChild(interopPointerTag, std::move(interop), exif);
   }
 
   void mergeMakerNote(TiffDirectory& exif) {
@@ -212,17 +212,22 @@ class Merge {
     return {TiffType::undefined, size, std::move(note)};
   }
 
-  // Adds the directory below `parent`, unless nothing is in it that anybody asked for.
-  void addChild(std::uint16_t tag, TiffDirectory&& child, TiffDirectory& parent) {
-    const bool isWanted =
-        std::any_of(child.records.begin(), child.records.end(), [&](const TiffRecord& record) {
-          return std::find(supplied_.begin(), supplied_.end(), record.tag) == supplied_.end();
-        });
-    if (!isWanted) {
+  // Without records that somebody asked for, a directory goes.
+  void addUnlessIdle(ExifDirectory which, TiffDirectory&& child, TiffDirectory& image) {
+    const auto isSupplied = [&](const TiffRecord& record) {
+      return std::find(supplied_.begin(), supplied_.end(), std::pair(which, record.tag)) !=
+             supplied_.end();
+    };
+    if (std::all_of(child.records.begin(), child.records.end(), isSupplied)) {
       plan_.dropped.push_back(child.place);
       for (const TiffRecord& record : child.records) plan_.dropped.push_back(record.place);
       return;
     }
+    addChild(which == ExifDirectory::exif ? exifPointerTag : gpsPointerTag, std::move(child),
+             image);
+  }
+
+  void addChild(std::uint16_t tag, TiffDirectory&& child, TiffDirectory& parent) {
     finish(child);
     parent.add(tag, {TiffType::unsignedLong, 1, {}});
     parent.records.back().child = plan_.directories.size();
@@ -239,7 +244,7 @@ class Merge {
   const PixelFacts pixels_;
   ExifDirectories at_;
   bool holdsPixels_ = false;
-  std::vector<std::uint16_t> supplied_;  // Tags.
+  std::vector<std::pair<ExifDirectory, std::uint16_t>> supplied_;  // What nobody asked for.
   TiffPlan plan_;
 };
 

@@ -1,5 +1,6 @@
 #include <framework_utility/platform/imageio/maker_note.h>
 
+#include <framework_utility/platform/foundation/property_list.h>
 #include <framework_utility/platform/imageio/exif_text.h>
 #include <framework_utility/platform/imageio/exif_values.h>
 #include <framework_utility/platform/imageio/tiff_layout.h>
@@ -44,7 +45,10 @@ std::optional<TiffReader> openNote(std::span<const std::byte> note) {
 std::optional<Value> readEntry(const TiffReader& note, const TiffEntry& entry) {
   if (entry.isMissing()) return std::nullopt;
   if (entry.type == TiffType::ascii) return Value(readExifText(entry.value));
-  if (entry.type == TiffType::undefined) return Value(Data(entry.value));
+  if (entry.type == TiffType::undefined) {
+    if (std::optional<Value> list = propertyListWithData(entry.value)) return list;
+    return Value(Data(entry.value));
+  }
   if (entry.count == 1) return note.number(entry);
   if (std::optional<Array> numbers = readTiffNumbers(note, entry))
     return Value(std::move(*numbers));
@@ -53,6 +57,7 @@ std::optional<Value> readEntry(const TiffReader& note, const TiffEntry& entry) {
 
 std::optional<TiffValue> noteNumbers(std::span<const Value> numbers,
                                      std::optional<TiffType> storedType, std::endian order) {
+  if (storedType == TiffType::undefined) storedType.reset();  // Those are bytes, no numbers.
   for (const TiffType type :
        {storedType.value_or(TiffType::signedLong), TiffType::signedLong, TiffType::signedRational})
     if (std::optional<TiffValue> stored = tiffNumbers(numbers, type, order)) return stored;
@@ -68,6 +73,11 @@ std::optional<TiffValue> noteValue(const Value& value, std::optional<TiffType> s
     return withBytes(TiffType::ascii, exifText(*text));
   if (const Data* data = value.as<Data>())
     return withBytes(TiffType::undefined, {data->begin(), data->end()});
+  if (value.as<Dictionary>()) {
+    const std::optional<Data> list = dataWithPropertyList(value);
+    if (!list) return std::nullopt;
+    return withBytes(TiffType::undefined, {list->begin(), list->end()});
+  }
   if (const Array* array = value.as<Array>()) return noteNumbers(*array, storedType, order);
   return noteNumbers(std::span(&value, 1), storedType, order);
 }
@@ -95,7 +105,7 @@ std::optional<Dictionary> readMakerNote(std::span<const std::byte> note) {
   for (std::uint32_t i = 0; i < count; ++i) {
     const TiffEntry entry = reader->entry(directoryOffset, i);
     if (std::optional<Value> value = readEntry(*reader, entry))
-      entries.set(std::to_string(entry.tag), std::move(*value));
+      entries.append(std::to_string(entry.tag), std::move(*value));
   }
   return entries;
 }

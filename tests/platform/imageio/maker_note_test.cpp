@@ -103,6 +103,7 @@ TEST(MakerNoteTest, ANewNoteHoldsEveryKindOfValue) {
   const Dictionary entries{{"1", 5},
                            {"8", Value(Array{-0.5, 1, 0})},
                            {"17", "an identifier"},
+                           {"3", Dictionary{{"value", 12}, {"timescale", 1000000000}}},
                            {"33", 1.25},
                            {"45", Data(bytesOf("bytes"))}};
   Dictionary given = entries;
