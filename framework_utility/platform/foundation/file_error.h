@@ -18,7 +18,6 @@ inline constexpr std::int64_t NSFileReadUnknownError = 256;
 inline constexpr std::int64_t NSFileReadNoPermissionError = 257;
 inline constexpr std::int64_t NSFileReadInvalidFileNameError = 258;
 inline constexpr std::int64_t NSFileReadNoSuchFileError = 260;
-inline constexpr std::int64_t NSFileReadTooLargeError = 263;
 inline constexpr std::int64_t NSFileWriteUnknownError = 512;
 inline constexpr std::int64_t NSFileWriteNoPermissionError = 513;
 inline constexpr std::int64_t NSFileWriteInvalidFileNameError = 514;

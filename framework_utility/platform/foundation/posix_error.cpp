@@ -23,9 +23,6 @@ std::int64_t codeOf(const PosixFailure& failure) {
     case ENAMETOOLONG:
     case EILSEQ:
       return reading ? NSFileReadInvalidFileNameError : NSFileWriteInvalidFileNameError;
-    case EFBIG:
-    case EOVERFLOW:
-      return reading ? NSFileReadTooLargeError : NSFileWriteUnknownError;
     case EEXIST:
       return reading ? NSFileReadUnknownError : NSFileWriteFileExistsError;
     case ENOSPC:

@@ -37,29 +37,37 @@ int removeItem(int at, const std::string& name, ClosedFolders closed) {
   DirectoryCursor cursor;
   open(at, name);
   if (const int number = cursor.begin(at, name)) return number;
+  int refusal = 0;
+  const auto note = [&refusal](int number) {
+    if (refusal == 0 && number != ENOENT) refusal = number;  // somebody else may have removed it
+  };
   std::vector<Level> levels{{name, {}}};
-  if (const int number = cursor.list(levels.back().entries)) return number;
+  note(cursor.list(levels.back().entries));
 
   while (true) {
     if (levels.back().entries.empty()) {
       const std::string emptied = std::move(levels.back().name);
       levels.pop_back();
-      if (levels.empty()) return removeLeaf(at, emptied);
-      if (const int number = cursor.ascend()) return number;
-      if (const int number = removeLeaf(cursor.folder(), emptied)) return number;
+      if (levels.empty()) {
+        const int number = removeLeaf(at, emptied);
+        return refusal != 0 ? refusal : number;
+      }
+      if (const int number = cursor.ascend()) return refusal != 0 ? refusal : number;
+      note(removeLeaf(cursor.folder(), emptied));
       continue;
     }
     std::string entry = std::move(levels.back().entries.back());
     levels.back().entries.pop_back();
-    const int number = removeLeaf(cursor.folder(), entry);
+    int number = removeLeaf(cursor.folder(), entry);
     if (number == ENOTEMPTY) {
       open(cursor.folder(), entry);
-      if (const int refusal = cursor.descend(entry)) return refusal;
-      levels.push_back({std::move(entry), {}});
-      if (const int refusal = cursor.list(levels.back().entries)) return refusal;
-    } else if (number != 0 && number != ENOENT) {  // somebody else may have removed it
-      return number;
+      number = cursor.descend(entry);
+      if (number == 0) {
+        levels.push_back({std::move(entry), {}});
+        number = cursor.list(levels.back().entries);
+      }
     }
+    note(number);
   }
 }
 

@@ -274,7 +274,8 @@ TEST_P(FileManagerTest, ReportsThePlatformsCodeThePathAndTheCause) {
     EXPECT_EQ(cause->code(), c.cause);
     EXPECT_FALSE(c.run(files(), at(c.name), nullptr));
   }
-  EXPECT_FALSE(files().removeItemAtPath("/", nullptr));
+  // A fault here must not cost the machine that runs this its files.
+  EXPECT_FALSE(GetParam() == Form::memory && files().removeItemAtPath("/", nullptr));
   EXPECT_FALSE(files().removeItemAtPath("", nullptr));
   EXPECT_FALSE(files().writeAtomically(bytesOf("x"), "", nullptr));
   EXPECT_THAT(files().contentsOfDirectoryAtPath(root, nullptr),

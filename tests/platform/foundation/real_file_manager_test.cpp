@@ -161,7 +161,8 @@ TEST_F(RealFileManagerTest, RefusalsForWantOfPermissionAreReportedAndLeaveNothin
               [&](Error& error) { return files.openFileAtPath("secret", &error) != nullptr; });
   refusedWith("copy", NSFileReadNoPermissionError,
               [&](Error& error) { return files.copyItemAtPath("secret", "open/copy", &error); });
-  // A tree whose read-only part is copied before its unreadable one leaves nothing behind either.
+  // Of a tree that cannot be copied wholly nothing stays, though parts of it are read-only, and one
+  // that cannot be removed wholly is removed as far as it goes.
   EXPECT_TRUE(runUnprivileged([&] {
     const std::string tree = "open/tree";
     for (const char* part : {"/1", "/2", "/3"}) {
@@ -173,8 +174,14 @@ TEST_F(RealFileManagerTest, RefusalsForWantOfPermissionAreReportedAndLeaveNothin
     chmod((tree + "/2/f").c_str(), 0000);
     const bool copied = files.copyItemAtPath(tree, "open/copy", nullptr);
     const auto left = files.contentsOfDirectoryAtPath("open", nullptr);
-    for (const char* part : {"/1", "/2", "/3"}) chmod((tree + part).c_str(), 0700);
-    return !copied && left && *left == std::vector<std::string>{"tree"} &&
+    if (copied || left != std::vector<std::string>{"tree"}) return false;
+
+    chmod((tree + "/2").c_str(), 0700);
+    Error error;
+    const bool removed = files.removeItemAtPath(tree, &error);
+    const auto kept = files.contentsOfDirectoryAtPath(tree, nullptr);
+    for (const char* part : {"/1", "/3"}) chmod((tree + part).c_str(), 0700);
+    return !removed && error.code() == NSFileWriteNoPermissionError && kept && kept->size() == 2 &&
            files.removeItemAtPath(tree, nullptr);
   }));
   EXPECT_EQ(contentsOf(files, at("closed/f")), "1");
