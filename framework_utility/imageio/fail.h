@@ -1,0 +1,17 @@
+#pragma once
+
+#include <framework_utility/services/errors/error_factory.h>
+
+#include <optional>
+#include <string_view>
+
+namespace FrameworkUtility::detail {
+
+/// Fills `error` when there is one and gives the empty result: `return fail(error, code);`.
+inline std::nullopt_t fail(Error* error, const ErrorCode& code,
+                           std::optional<std::string_view> description = std::nullopt) {
+  if (error) *error = errorWithCode(code, description);
+  return std::nullopt;
+}
+
+}  // namespace FrameworkUtility::detail

@@ -1,0 +1,60 @@
+#include <framework_utility/imageio/files/file_utility.h>
+#include <framework_utility/imageio/image_metadata.h>
+#include <framework_utility/imageio/image_writer.h>
+#include <framework_utility/platform/foundation/files.h>
+#include <framework_utility/platform/imageio/image_source.h>
+
+#include <algorithm>
+#include <cmath>
+
+namespace FrameworkUtility {
+namespace {
+
+constexpr double thumbnailCompressionQuality = 0.95;
+
+/// JPEG, unless the picture may be transparent.
+UTType roundTripType(const UIImage& image) {
+  if (!image.cgImage()) return UTTypeJPEG;
+  switch (image.cgImage()->alphaInfo()) {
+    case CGImageAlphaInfo::none:
+    case CGImageAlphaInfo::noneSkipLast:
+    case CGImageAlphaInfo::noneSkipFirst:
+      return UTTypeJPEG;
+    default:
+      return UTTypePNG;
+  }
+}
+
+}  // namespace
+
+std::optional<UIImage> thumbnailForImageAtURL(const URL& url, Size size) {
+  const double side = std::max(size.width, size.height);
+  if (std::isnan(size.width) || std::isnan(size.height) || side <= 0) return std::nullopt;
+  if (!fileExistsAtUrl(FileManager::defaultManager(), url)) return std::nullopt;
+  const std::optional<CGImageSource> source = CGImageSource::createWithURL(url);
+  if (!source || source->status() != CGImageSourceStatus::complete) return std::nullopt;
+  const std::optional<CGImage> thumbnail =
+      source->thumbnailAtIndex(0, {.createThumbnailFromImageAlways = true,
+                                   .createThumbnailWithTransform = true,
+                                   .shouldCacheImmediately = true,
+                                   .thumbnailMaxPixelSize = side});
+  if (!thumbnail) return std::nullopt;
+  return UIImage(*thumbnail);
+}
+
+std::optional<UIImage> thumbnailWrittenOnDiskWithSize(const UIImage& image, Size size,
+                                                      std::string_view sessionIdentifier) {
+  KvImageMetadata metadata;
+  metadata.setImageOrientation(image.imageOrientation());
+  const std::optional<URL> written =
+      writeToDiskWithFileName(image, std::nullopt, sessionIdentifier,
+                              {.metadata = &metadata,
+                               .compressionQuality = thumbnailCompressionQuality,
+                               .uti = roundTripType(image)});
+  if (!written) return std::nullopt;
+  const std::optional<UIImage> thumbnail = thumbnailForImageAtURL(*written, size);
+  FileManager::defaultManager().removeItemAtPath(written->path().value_or(""), nullptr);
+  return thumbnail;
+}
+
+}  // namespace FrameworkUtility

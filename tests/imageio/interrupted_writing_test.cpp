@@ -1,0 +1,137 @@
+// What a save leaves behind when the file system fails, when two processes save at once, and when
+// the process is killed.
+
+#include <framework_utility/imageio/data_writer.h>
+#include <framework_utility/imageio/image_metadata.h>
+#include <framework_utility/imageio/image_writer.h>
+#include <framework_utility/platform/foundation/files.h>
+#include <tests/imageio/pictures.h>
+#include <tests/support/temporary_folder.h>
+
+#include <gtest/gtest.h>
+
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <csignal>
+#include <cstdlib>
+#include <filesystem>
+#include <functional>
+#include <thread>
+
+namespace FrameworkUtility {
+namespace {
+
+using testing::redAndBlue;
+
+/// Runs `save` with each of its file operations failing in turn, alone or with all that follow.
+void failEachOperation(const std::function<void()>& save) {
+  FileManager& disk = FileManager::defaultManager();
+  for (const bool forGood : {false, true}) {
+    bool reached = true;
+    for (int failing = 0; reached; ++failing) {
+      int operation = 0;
+      const auto manager = makeFailingFileManager(
+          disk, [&](std::string_view, std::string_view) -> std::optional<Error> {
+            const int number = operation++;
+            if (number == failing || (forGood && number > failing)) return Error("disk", 28);
+            return std::nullopt;
+          });
+      const ScopedFileManager scope(*manager);
+      SCOPED_TRACE(::testing::Message() << "operation " << failing);
+      save();
+      reached = operation > failing;
+      ASSERT_LT(failing, 100);
+    }
+  }
+}
+
+bool isWhole(const URL& url, std::size_t width) {
+  const std::optional<CGImageSource> source = CGImageSource::createWithURL(url);
+  const std::optional<CGImage> image = source ? source->imageAtIndex(0) : std::nullopt;
+  return image && image->width() == width;
+}
+
+TEST(InterruptedWritingTest, AFailingDiskLeavesAWholeImageOrNone) {
+  const testing::TemporaryFolder folder;
+  const CGImage image = redAndBlue(64, 64);
+  failEachOperation([&] {
+    std::filesystem::remove_all(folder.path("new"));
+    const std::string path = folder.path("new/a.jpeg");
+    const bool written = writeCGImageToPath(image, path, {.uti = UTTypeJPEG}).has_value();
+    EXPECT_EQ(std::filesystem::exists(path), written);
+    // Nor half of it under another name.
+    if (std::filesystem::exists(folder.path("new"))) {
+      EXPECT_EQ(testing::namesIn(folder.path("new")).size(), written ? 1u : 0u);
+    }
+    if (written) {
+      EXPECT_GT(std::filesystem::file_size(path), 0u);
+    }
+  });
+}
+
+TEST(InterruptedWritingTest, AFailingDiskLeavesAllBytesOrNone) {
+  const std::string session = temporaryDirectory() + "Interrupted-1";
+  const Data bytes(std::as_bytes(std::span("all of these bytes")));
+  failEachOperation([&] {
+    std::filesystem::remove_all(session);
+    const std::optional<URL> written = writeToDisk(bytes, UTTypePNG, "Interrupted-1");
+    if (written) {
+      EXPECT_EQ(testing::readFile(written->path().value()), bytes);
+    } else if (std::filesystem::exists(session)) {
+      for (const auto& entry : std::filesystem::recursive_directory_iterator(session))
+        EXPECT_TRUE(entry.is_directory()) << entry.path();
+    }
+  });
+}
+
+/// A process of its own that runs `work` until it ends or is killed.
+pid_t start(const std::function<bool()>& work) {
+  const pid_t child = fork();
+  if (child == 0) _exit(work() ? 0 : 1);
+  return child;
+}
+
+int exitCode(pid_t child) {
+  int status = 0;
+  EXPECT_EQ(waitpid(child, &status, 0), child);
+  return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
+
+TEST(InterruptedWritingTest, TwoProcessesThatSaveAtOnceLeaveOneWholeImage) {
+  const testing::TemporaryFolder folder;
+  const URL url = URL::fileURLWithPath(folder.path("a.png"));
+  const CGImage image = redAndBlue(200, 200);
+  const auto save = [&] {
+    for (int i = 0; i < 30; ++i)
+      if (!writeCGImageToURL(image, url, {.uti = UTTypePNG})) return false;
+    return true;
+  };
+  const pid_t first = start(save), second = start(save);
+  EXPECT_EQ(exitCode(first), 0);
+  EXPECT_EQ(exitCode(second), 0);
+  EXPECT_TRUE(isWhole(url, 200));
+  EXPECT_EQ(testing::namesIn(folder.path()), std::vector<std::string>{"a.png"});
+}
+
+TEST(InterruptedWritingTest, AKilledProcessLeavesAWholeImageOrNone) {
+  const testing::TemporaryFolder folder;
+  const URL url = URL::fileURLWithPath(folder.path("a.jpeg"));
+  const CGImage image = redAndBlue(400, 400);
+  for (int round = 0; round < 25; ++round) {
+    const pid_t child = start([&] {
+      while (writeCGImageToURL(image, url, {.uti = UTTypeJPEG})) continue;
+      return false;
+    });
+    std::this_thread::sleep_for(std::chrono::microseconds(std::rand() % 20000));
+    ASSERT_EQ(kill(child, SIGKILL), 0);
+    EXPECT_EQ(exitCode(child), -1);
+    if (std::filesystem::exists(folder.path("a.jpeg"))) {
+      EXPECT_TRUE(isWhole(url, 400));
+    }
+  }
+}
+
+}  // namespace
+}  // namespace FrameworkUtility

@@ -1,0 +1,169 @@
+#include <framework_utility/imageio/image_metadata.h>
+#include <tests/imageio/pictures.h>
+#include <tests/support/run_program.h>
+#include <tests/support/temporary_folder.h>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <string>
+
+namespace FrameworkUtility {
+namespace {
+
+using testing::encoded;
+using ::testing::EndsWith;
+using ::testing::HasSubstr;
+using ::testing::MatchesRegex;
+using ::testing::Not;
+using testing::ProgramResult;
+using testing::redAndBlue;
+
+class KvtoolTest : public ::testing::Test {
+ protected:
+  std::string path(std::string_view name) const { return folder_.path(name); }
+
+  /// `arguments` as a shell reads them.
+  ProgramResult run(const std::string& arguments) const {
+    return testing::runProgram("'" KVTOOL "' " + arguments, folder_.path());
+  }
+
+  const testing::TemporaryFolder folder_;
+};
+
+const Dictionary everyFact{
+    {"Orientation", 6},
+    {"{TIFF}", Dictionary{{"Make", "Tervix"}, {"Model", "One \"Pro\""}, {"Software", "Pelvar"}}},
+    {"{Exif}", Dictionary{{"DateTimeDigitized", "2024:05:06 07:08:09"},
+                          {"ISOSpeedRatings", Value(Array{125})},
+                          {"FNumber", 1.8},
+                          {"FocalLength", 4.25}}},
+    {"{GPS}",
+     Dictionary{
+         {"Latitude", 48.5}, {"LatitudeRef", "S"}, {"Longitude", 2.25}, {"LongitudeRef", "W"}}}};
+
+TEST_F(KvtoolTest, MetadataShowsTheFactsThatAreKnown) {
+  const Data jpeg = encoded(redAndBlue(20, 10), "public.jpeg", everyFact);
+  testing::writeFile(path("a b.jpg"), jpeg);
+  const ProgramResult all = run("metadata --json 'a b.jpg'");
+  EXPECT_EQ(all.exitCode, 0);
+  EXPECT_EQ(all.problems, "");
+  EXPECT_THAT(all.output, HasSubstr(R"({"file": "a b.jpg", "properties": {)"));
+  EXPECT_THAT(
+      all.output,
+      EndsWith(R"("facts": {"width": 20, "height": 10, "orientation": 6, )"
+               R"("date": "2024-05-06T07:08:09Z", "make": "Tervix", "model": "One \"Pro\"", )"
+               R"("software": "Pelvar", "iso": 125, "fNumber": 1.8, "focalLength": 4.25, )"
+               R"("latitude": -48.5, "longitude": -2.25, "fileSize": )" +
+               std::to_string(jpeg.size()) + "}}\n"));
+  EXPECT_EQ(std::count(all.output.begin(), all.output.end(), '\n'), 1);
+
+  const Data png = encoded(redAndBlue(20, 10), "public.png");
+  testing::writeFile(path("b.png"), png);
+  EXPECT_THAT(run("metadata --json b.png").output,
+              EndsWith(R"("facts": {"width": 20, "height": 10, "fileSize": )" +
+                       std::to_string(png.size()) + "}}\n"));
+}
+
+TEST_F(KvtoolTest, MetadataAsATableIsAligned) {
+  testing::writeFile(path("a.jpg"), encoded(redAndBlue(20, 10), "public.jpeg", everyFact));
+  const ProgramResult result = run("metadata a.jpg");
+  EXPECT_EQ(result.exitCode, 0);
+  EXPECT_THAT(result.output, HasSubstr("\n  width        20\n  height       10\n"));
+  EXPECT_THAT(result.output, HasSubstr("{TIFF} Software"));
+}
+
+TEST_F(KvtoolTest, ABadFileIsReportedAndTheOthersGoOn) {
+  testing::writeFile(path("a.jpg"), encoded(redAndBlue(20, 10), "public.jpeg"));
+  testing::writeFile(path("empty.jpg"), Data());
+  const ProgramResult result = run("metadata --json none.jpg a.jpg empty.jpg a.jpg .");
+  EXPECT_EQ(result.exitCode, 1);
+  EXPECT_EQ(std::count(result.output.begin(), result.output.end(), '\n'), 2);
+  EXPECT_THAT(result.problems, HasSubstr("none.jpg: KvImageMetadata: init withUrl: file does not "
+                                         "exist at url. (NSTervixKvImageMetadataErrorDomain 2)"));
+  EXPECT_THAT(result.problems, HasSubstr("empty.jpg: "));
+  EXPECT_EQ(std::count(result.problems.begin(), result.problems.end(), '\n'), 3);
+}
+
+TEST_F(KvtoolTest, AFullDiskIsReported) {
+  testing::writeFile(path("a.jpg"), encoded(redAndBlue(20, 10), "public.jpeg"));
+  const ProgramResult result = run("metadata a.jpg >/dev/full");
+  EXPECT_EQ(result.exitCode, 1);
+  EXPECT_THAT(result.problems, HasSubstr("standard output"));
+}
+
+TEST_F(KvtoolTest, SaveWritesTheChangesIntoTheSession) {
+  testing::writeFile(path("a.v1.jpg"), testing::jpegWithPrivateTag("Camera", "a private note"));
+  const ProgramResult result =
+      run("save a.v1.jpg --orientation 8 --date 2020-02-29T23:59:58Z --software 'Pelvar 7.1' "
+          "--location=-33.86,151.21 --remove-live-photo --quality 0.5 --session Editor-1");
+  EXPECT_EQ(result.exitCode, 0);
+  EXPECT_EQ(result.problems, "");
+  EXPECT_THAT(result.output, MatchesRegex("/.*/Editor-1/[0-9A-F-]{36}/a\\.jpeg\n"));
+  const std::string written = result.output.substr(0, result.output.size() - 1);
+  EXPECT_TRUE(testing::contains(testing::readFile(written), "a private note"));
+  const std::string facts = run("metadata --json '" + written + "'").output;
+  for (const char* fact :
+       {R"("orientation": 8)", R"("date": "2020-02-29T23:59:58Z")", R"("software": "Pelvar 7.1")",
+        R"("latitude": -33.86)", R"("longitude": 151.21)"})
+    EXPECT_THAT(facts, HasSubstr(fact));
+}
+
+TEST_F(KvtoolTest, SaveChoosesTheTypeAndRefusesWhatItCannotRead) {
+  testing::writeFile(path("a.png"), encoded(redAndBlue(20, 10), "public.png"));
+  const std::pair<std::string, std::string> types[] = {
+      {"", "png"}, {"--type jpg", "jpeg"}, {"--type public.jpeg", "jpeg"}};
+  for (const auto& [options, extension] : types) {
+    SCOPED_TRACE(options);
+    EXPECT_THAT(run("save a.png " + options).output, EndsWith("/a." + extension + "\n"));
+  }
+  for (const char* options :
+       {"--type webp", "--type nothing.known", "--session ../out", "--date yesterday",
+        "--date 2023-02-29T00:00:00Z", "--location 91,0", "--location 1,2,3", "--location 1"}) {
+    SCOPED_TRACE(options);
+    const ProgramResult result = run(std::string("save a.png ") + options);
+    EXPECT_EQ(result.exitCode, 1);
+    EXPECT_EQ(result.output, "");
+    EXPECT_THAT(result.problems, HasSubstr("kvtool: a.png: "));
+  }
+}
+
+TEST_F(KvtoolTest, ThumbnailBearsExactlyTheNameGiven) {
+  testing::writeFile(path("a.jpg"), encoded(redAndBlue(200, 100), "public.jpeg", everyFact));
+  for (const auto& [name, type] : {std::pair{"small", "public.jpeg"},
+                                   {"small.jpg", "public.jpeg"},
+                                   {"small.PNG", "public.png"}}) {
+    SCOPED_TRACE(name);
+    const ProgramResult result = run(std::string("thumbnail a.jpg --size 50 --out ") + name);
+    EXPECT_EQ(result.exitCode, 0);
+    EXPECT_EQ(result.output + result.problems, "");
+    const auto source = CGImageSource::createWithURL(URL::fileURLWithPath(path(name)));
+    ASSERT_TRUE(source);
+    EXPECT_EQ(source->type(), type);
+    EXPECT_EQ(KvImageMetadata::withImageSource(source)->size(), (Size{25, 50}));
+  }
+  for (const char* options : {"none.jpg --size 50 --out x.jpg", "a.jpg --size 50 --out x.webp",
+                              "a.jpg --size 50 --out no/folder/x.jpg"})
+    EXPECT_EQ(run(std::string("thumbnail ") + options).exitCode, 1) << options;
+  EXPECT_FALSE(std::filesystem::exists(path("x.jpg")));
+}
+
+TEST_F(KvtoolTest, ACommandLineThatCannotBeUnderstoodGivesTwo) {
+  for (const char* arguments : {"", "metadata", "unknown", "save a.jpg --quality 2",
+                                "save a.jpg --orientation 9", "thumbnail a.jpg --size 0 --out x"}) {
+    SCOPED_TRACE(arguments);
+    const ProgramResult result = run(arguments);
+    EXPECT_EQ(result.exitCode, 2);
+    EXPECT_THAT(result.problems, Not(""));
+  }
+  for (const char* command : {"", "metadata ", "save ", "thumbnail "}) {
+    const ProgramResult help = run(std::string(command) + "--help");
+    EXPECT_EQ(help.exitCode, 0);
+    EXPECT_THAT(help.output, HasSubstr("Examples:"));
+  }
+}
+
+}  // namespace
+}  // namespace FrameworkUtility

@@ -1,0 +1,39 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace kvtool {
+
+// Each command runs to its end, reports what fails on standard error, and says whether all of it
+// worked.
+
+struct MetadataOptions {
+  std::vector<std::string> files;
+  bool json = false;
+};
+[[nodiscard]] bool printMetadata(const MetadataOptions& options);
+
+struct SaveOptions {
+  std::string file;
+  std::optional<int> orientation;   ///< 1 to 8.
+  std::optional<std::string> date;  ///< "2024-05-06T07:08:09Z".
+  std::optional<std::string> software;
+  std::optional<std::string> location;  ///< "48.2082,16.3738".
+  bool removeLivePhoto = false;
+  std::optional<double> quality;    ///< In 0...1.
+  std::optional<std::string> type;  ///< An extension or a type's identifier.
+  std::string session = "kvtool";
+};
+[[nodiscard]] bool save(const SaveOptions& options);
+
+struct ThumbnailOptions {
+  std::string file;
+  int size = 0;  ///< The longer side, in pixels.
+  std::string out;
+};
+[[nodiscard]] bool writeThumbnail(const ThumbnailOptions& options);
+
+}  // namespace kvtool

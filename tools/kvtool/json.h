@@ -1,0 +1,22 @@
+#pragma once
+
+#include <framework_utility/platform/foundation/value.h>
+
+#include <string>
+#include <string_view>
+
+namespace kvtool {
+
+/// `value` as one line of JSON. Keys are texts, those that are numbers too. Numbers read back as
+/// they were; what JSON has no number for (infinities, NaN) is null. Bytes are an object with one
+/// member, {"base64": "..."}. Dates are texts, "2024-05-06T07:08:09Z". What is not UTF-8 in a text
+/// becomes U+FFFD.
+std::string json(const FrameworkUtility::Value& value);
+
+/// `text` between quotation marks, with everything escaped that must not stand there.
+std::string jsonText(std::string_view text);
+
+/// "2024-05-06T07:08:09Z": UTC, whole seconds, rounded down.
+std::string isoText(FrameworkUtility::Date date);
+
+}  // namespace kvtool

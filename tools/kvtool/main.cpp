@@ -1,0 +1,113 @@
+// kvtool: the library's operations at a terminal.
+
+#include <tools/kvtool/commands.h>
+#include <tools/kvtool/console.h>
+
+// The only place that includes it: it compiles slowly.
+#include <CLI/CLI.hpp>
+
+#include <cstdlib>
+
+namespace {
+
+constexpr int usageError = 2;
+
+void addMetadata(CLI::App& tool, kvtool::MetadataOptions& options, bool& worked) {
+  CLI::App* command = tool.add_subcommand("metadata", "Show what image files say of themselves");
+  command->add_option("FILE", options.files, "Image files")->required();
+  command->add_flag("--json", options.json, "One JSON object a line and file");
+  command->footer(
+      R"(Reads the files' metadata only, never their pixels. The facts come first, each only when it is
+known; then all properties under the platform's names. With --json an object has the members
+"file", "properties" and "facts"; bytes are {"base64": "..."}.
+
+Examples:
+  kvtool metadata photo.jpg
+  kvtool metadata --json *.jpg | jq -r '[.file, .facts.model, .facts.date] | @tsv'
+  kvtool metadata --json photo.jpg | jq '.properties["{GPS}"]')");
+  command->callback([&] { worked = kvtool::printMetadata(options); });
+}
+
+void addSave(CLI::App& tool, kvtool::SaveOptions& options, bool& worked) {
+  CLI::App* command = tool.add_subcommand("save", "Save a picture again, with changed metadata");
+  command->add_option("FILE", options.file, "The picture")->required();
+  command->add_option("--orientation", options.orientation, "EXIF orientation")
+      ->check(CLI::Range(1, 8));
+  command->add_option("--date", options.date,
+                      "When it was taken and digitised, in UTC: 2024-05-06T07:08:09Z");
+  command->add_option("--software", options.software, "The program that made it");
+  command->add_option("--location", options.location,
+                      "Where it was taken: LATITUDE,LONGITUDE in degrees, south and west negative");
+  command->add_flag("--remove-live-photo", options.removeLivePhoto,
+                    "Forget which video belongs to it");
+  command->add_option("--quality", options.quality, "0 (smallest) to 1 (best); else 0.85")
+      ->check(CLI::Range(0.0, 1.0));
+  command->add_option("--type", options.type,
+                      "jpeg, png, heic, or a type's identifier; else PNG for PNG and JPEG for all "
+                      "others");
+  command->add_option("--session", options.session, "The editing session that it belongs to")
+      ->capture_default_str();
+  command->footer(
+      R"help(Writes a new file into a new folder of the session, below the temporary directory, and prints its
+path. Metadata that is not changed stays as it is in FILE, which itself is never changed. HEIC
+becomes JPEG where nothing encodes it. A date is stored as your zone's wall clock, as apps do it,
+and read as UTC: with TZ=UTC it reads back as given.
+
+Examples:
+  kvtool save photo.jpg --orientation 1 --software "Pelvar 7.1"
+  kvtool save photo.jpg --location 48.2082,16.3738 --date 2024-05-17T09:30:00Z
+  kvtool save photo.jpg --location=-33.86,151.21   # a value that begins with "-" needs "="
+  open "$(kvtool save photo.png --type jpeg --quality 0.7 --session Editor-1)")help");
+  command->callback([&] { worked = kvtool::save(options); });
+}
+
+void addThumbnail(CLI::App& tool, kvtool::ThumbnailOptions& options, bool& worked) {
+  CLI::App* command = tool.add_subcommand("thumbnail", "Write a small upright copy of a picture");
+  command->add_option("FILE", options.file, "The picture")->required();
+  command->add_option("--size", options.size, "The longer side, in pixels")
+      ->required()
+      ->check(CLI::Range(1, 65535));
+  command->add_option("--out", options.out, "The file to write, under exactly this name")
+      ->required();
+  command->footer(
+      R"(Never enlarges. The extension of --out chooses the format; without one it is JPEG. A file of that
+name is replaced.
+
+Examples:
+  kvtool thumbnail photo.jpg --size 256 --out small.jpg
+  for f in *.jpg; do kvtool thumbnail "$f" --size 160 --out "thumbs/${f%.jpg}.png"; done)");
+  command->callback([&] { worked = kvtool::writeThumbnail(options); });
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  CLI::App tool{"Reads, rewrites and reduces photos the way the apps of the family do.", "kvtool"};
+  tool.footer(
+      R"(Exit code: 0 when everything worked, 1 when a file failed (the others still go on), 2 for a command
+line that cannot be understood. "kvtool COMMAND --help" shows a command's options and examples.
+
+Examples:
+  kvtool metadata photo.jpg
+  kvtool save photo.jpg --orientation 1
+  kvtool thumbnail photo.jpg --size 256 --out small.jpg)");
+  tool.require_subcommand(1);
+
+  kvtool::MetadataOptions metadata;
+  kvtool::SaveOptions save;
+  kvtool::ThumbnailOptions thumbnail;
+  bool worked = false;
+  addMetadata(tool, metadata, worked);
+  addSave(tool, save, worked);
+  addThumbnail(tool, thumbnail, worked);
+  try {
+    tool.parse(argc, argv);
+  } catch (const CLI::ParseError& problem) {
+    return tool.exit(problem) == 0 ? EXIT_SUCCESS : usageError;
+  }
+  if (!kvtool::flushOutput()) {
+    kvtool::printProblem("standard output", "cannot be written");
+    return EXIT_FAILURE;
+  }
+  return worked ? EXIT_SUCCESS : EXIT_FAILURE;
+}
