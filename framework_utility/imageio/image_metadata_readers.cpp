@@ -2,8 +2,8 @@
 
 #include <framework_utility/imageio/image_metadata.h>
 
+#include <framework_utility/foundation/date_utility.h>
 #include <framework_utility/platform/imageio/property_keys.h>
-#include <framework_utility/platform/locale/date_formatter.h>
 
 #include <utility>
 
@@ -27,13 +27,6 @@ const T* find(const std::optional<Dictionary>& properties, std::string_view key)
 template <Held T>
 std::optional<T> copied(const T* value) {
   return value ? std::optional<T>(*value) : std::nullopt;
-}
-
-/// The editors write the user's wall clock, and here it is read as UTC: that is meant.
-std::optional<Date> dateFromExifText(std::string_view text) {
-  return DateFormatter("yyyy:MM:dd HH:mm:ss", Locale::current(LocaleCategory::dates),
-                       TimeZone::utc())
-      .dateFromString(text);
 }
 
 double wholeOrZero(const std::optional<Number>& number) {
@@ -121,7 +114,7 @@ std::optional<Date> KvImageMetadata::date() const {
         {kCGImagePropertyExifDictionary, kCGImagePropertyExifDateTimeOriginal},
         {kCGImagePropertyTIFFDictionary, kCGImagePropertyTIFFDateTime}}) {
     if (const std::string* text = find<std::string>(properties_, dictionary, key))
-      return dateFromExifText(*text);
+      return dates::dateFromTextInUTC(*text);  // Written as local time: both are meant.
   }
   return std::nullopt;
 }
