@@ -53,11 +53,11 @@ TEST_F(ImageWriterTest, TheTypesExtensionReplacesTheNames) {
 }
 
 TEST_F(ImageWriterTest, WhatIsInTheWayIsRemovedAFolderToo) {
-  std::filesystem::create_directories(path("a.png/with/content"));
-  std::filesystem::create_symlink(path("kept"), path("b.png"));
+  std::filesystem::create_directories(path("a.jpeg/with/content"));
+  std::filesystem::create_symlink(path("kept"), path("b.jpeg"));
   testing::writeFile(path("kept"), Data());
-  for (const char* name : {"a.png", "b.png"}) {
-    EXPECT_TRUE(writeCGImageToURL(image_, url(name), {.uti = UTTypePNG}));
+  for (const char* name : {"a.jpeg", "b.jpeg"}) {
+    EXPECT_TRUE(writeCGImageToURL(image_, url(name), {.uti = UTTypeJPEG}));
     EXPECT_TRUE(std::filesystem::is_regular_file(std::filesystem::symlink_status(path(name))));
   }
   EXPECT_TRUE(testing::readFile(path("kept")).empty());

@@ -76,7 +76,7 @@ TEST(InterruptedWritingTest, AFailingDiskLeavesAllBytesOrNone) {
   const Data bytes(std::as_bytes(std::span("all of these bytes")));
   failEachOperation([&] {
     std::filesystem::remove_all(session);
-    const std::optional<URL> written = writeToDisk(bytes, UTTypePNG, "Interrupted-1");
+    const std::optional<URL> written = writeToDisk(bytes, UTTypeJPEG, "Interrupted-1");
     if (written) {
       EXPECT_EQ(testing::readFile(written->path().value()), bytes);
     } else if (std::filesystem::exists(session)) {
@@ -101,18 +101,18 @@ int exitCode(pid_t child) {
 
 TEST(InterruptedWritingTest, TwoProcessesThatSaveAtOnceLeaveOneWholeImage) {
   const testing::TemporaryFolder folder;
-  const URL url = URL::fileURLWithPath(folder.path("a.png"));
+  const URL url = URL::fileURLWithPath(folder.path("a.jpeg"));
   const CGImage image = redAndBlue(200, 200);
   const auto save = [&] {
     for (int i = 0; i < 30; ++i)
-      if (!writeCGImageToURL(image, url, {.uti = UTTypePNG})) return false;
+      if (!writeCGImageToURL(image, url, {.uti = UTTypeJPEG})) return false;
     return true;
   };
   const pid_t first = start(save), second = start(save);
   EXPECT_EQ(exitCode(first), 0);
   EXPECT_EQ(exitCode(second), 0);
   EXPECT_TRUE(isWhole(url, 200));
-  EXPECT_EQ(testing::namesIn(folder.path()), std::vector<std::string>{"a.png"});
+  EXPECT_EQ(testing::namesIn(folder.path()), std::vector<std::string>{"a.jpeg"});
 }
 
 TEST(InterruptedWritingTest, AKilledProcessLeavesAWholeImageOrNone) {
