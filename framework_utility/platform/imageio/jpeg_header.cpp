@@ -15,7 +15,10 @@ namespace {
 
 using Bytes = std::span<const std::byte>;
 
-constexpr std::size_t windowSize = 16 * 1024;
+/// What is read at a time behind the beginning, which a source has at hand. Segments that are
+/// stepped over lie between, so that more would be read in vain.
+constexpr std::size_t beginningSize = 16 * 1024;
+constexpr std::size_t windowSize = 4 * 1024;
 /// More segments, stray bytes or metadata than these have no photograph, only an attack.
 constexpr int maximumSegments = 10'000;
 constexpr int maximumStrayBytes = 64 * 1024;
@@ -69,7 +72,8 @@ Data joined(std::span<const Data> pieces) {
 /// The piece of the source that was read last; a new one is read when an offset lies outside.
 class Window {
  public:
-  explicit Window(const ByteSource& source) : source_(source) {}
+  explicit Window(const ByteSource& source)
+      : source_(source), piece_(std::make_shared<const Data>(source.bytes(0, beginningSize))) {}
 
   /// Fewer bytes at the end of the source. Good until the next call.
   Bytes at(std::uint64_t offset, std::size_t count) {
@@ -89,7 +93,7 @@ class Window {
  private:
   const ByteSource& source_;
   std::uint64_t start_ = 0;
-  std::shared_ptr<const Data> piece_ = std::make_shared<const Data>();
+  std::shared_ptr<const Data> piece_;
 };
 
 class HeaderReader {
