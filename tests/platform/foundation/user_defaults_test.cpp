@@ -228,7 +228,7 @@ TEST_F(UserDefaultsTest, ProcessesAndThreadsLoseNothing) {
 }
 
 TEST_F(UserDefaultsTest, AKillLeavesTheOldSettingsOrTheNew) {
-  constexpr int kills = 60, writers = 2;
+  constexpr int kills = 40, writers = 2;
   // How many writes each writer has begun and ended, for the parent to see after the kill.
   struct Progress {
     std::atomic<int> begun[writers], ended[writers];
