@@ -7,9 +7,8 @@ namespace {
 std::uint32_t pointer(const TiffReader& reader, std::uint32_t directory, std::uint16_t tag) {
   const std::uint32_t count = reader.entryCount(directory);
   for (std::uint32_t i = 0; i < count; ++i) {
-    const TiffEntry entry = reader.entry(directory, i);
-    if (entry.tag != tag) continue;
-    const std::uint32_t offset = reader.unsignedInteger(entry).value_or(0);
+    if (reader.tag(directory, i) != tag) continue;
+    const std::uint32_t offset = reader.unsignedInteger(reader.entry(directory, i)).value_or(0);
     return reader.entryCount(offset) > 0 ? offset : 0;
   }
   return 0;

@@ -30,7 +30,7 @@ std::optional<TiffEntry> findEntry(const TiffReader& reader, std::uint32_t direc
                                    std::uint16_t tag) {
   const std::uint32_t count = reader.entryCount(directory);
   for (std::uint32_t i = 0; i < count; ++i)
-    if (const TiffEntry entry = reader.entry(directory, i); entry.tag == tag) return entry;
+    if (reader.tag(directory, i) == tag) return reader.entry(directory, i);
   return std::nullopt;
 }
 

@@ -17,8 +17,8 @@ namespace {
 constexpr std::uint32_t elementLimit = 4096;
 
 bool isText(const TiffEntry& entry) {
-  return entry.type == TiffType::ascii || entry.type == TiffType::undefined ||
-         entry.type == TiffType::unsignedByte;
+  return entry.type == TiffType::ascii || entry.type == TiffType::utf8 ||
+         entry.type == TiffType::undefined || entry.type == TiffType::unsignedByte;
 }
 
 bool isDigit(char c) { return c >= '0' && c <= '9'; }
@@ -213,6 +213,7 @@ bool appendNumber(std::vector<std::byte>& bytes, double value, TiffType type, st
       return true;
     case TiffType::ascii:
     case TiffType::directory:
+    case TiffType::utf8:
       break;
   }
   return false;

@@ -113,7 +113,7 @@ class Merge {
       const auto index = static_cast<std::size_t>(tag - tags);
       if (!seen.test(index)) {
         seen.set(index);
-        stored.set(index, !entry.isMissing());
+        stored.set(index, !entry.isDamaged());
         kept.set(index, mergeEntry(*tag, entry, wanted.find(tag->key), result));
       } else if (kept.test(index)) {
         keep(entry, result);
@@ -129,15 +129,15 @@ class Merge {
     }
   }
 
-  // A value outside the block is dropped: it must not come to lie in what is appended.
+  // A damaged record is dropped: what it leads to must not come to lie in what is appended.
   static void keep(const TiffEntry& entry, TiffDirectory& result) {
-    if (!entry.isMissing()) result.keep(entry);
+    if (!entry.isDamaged()) result.keep(entry);
   }
 
   // Whether the entry stays as it is.
   bool mergeEntry(const ExifTag& tag, const TiffEntry& entry, const Value* wanted,
                   TiffDirectory& result) {
-    if (entry.isMissing()) return false;
+    if (entry.isDamaged()) return false;
     if (tag.shape == ExifShape::layout) {
       result.keep(entry);
       return true;
@@ -147,7 +147,7 @@ class Merge {
     std::optional<TiffValue> value;
     if (!keeps && wanted) value = exifValue(tag, *wanted, entry.type, plan_.order);
     if (keeps)
-      result.keep(entry);
+      keep(entry, result);
     else if (value)
       result.replace(entry, std::move(*value));
     else
@@ -190,7 +190,7 @@ class Merge {
       else
         source = entry;
     });
-    if (!source || source->isMissing()) {
+    if (!source || source->isDamaged()) {
       if (TiffValue note = makerNote({}); !note.bytes.empty())
         exif.add(makerNoteTag, std::move(note));
       return;

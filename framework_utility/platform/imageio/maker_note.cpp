@@ -21,7 +21,7 @@ constexpr std::uint32_t entryLimit = 256;      // Phones write about fifty.
 
 bool isAscending(const TiffReader& note, std::uint32_t count) {
   for (std::uint32_t i = 1; i < count; ++i)
-    if (note.entry(directoryOffset, i).tag <= note.entry(directoryOffset, i - 1).tag) return false;
+    if (note.tag(directoryOffset, i) <= note.tag(directoryOffset, i - 1)) return false;
   return true;
 }
 
@@ -43,8 +43,9 @@ std::optional<TiffReader> openNote(std::span<const std::byte> note) {
 }
 
 std::optional<Value> readEntry(const TiffReader& note, const TiffEntry& entry) {
-  if (entry.isMissing()) return std::nullopt;
-  if (entry.type == TiffType::ascii) return Value(readExifText(entry.value));
+  if (entry.isDamaged()) return std::nullopt;
+  if (entry.type == TiffType::ascii || entry.type == TiffType::utf8)
+    return Value(readExifText(entry.value));
   if (entry.type == TiffType::undefined) {
     if (std::optional<Value> list = propertyListWithData(entry.value)) return list;
     return Value(Data(entry.value));
@@ -102,6 +103,7 @@ std::optional<Dictionary> readMakerNote(std::span<const std::byte> note) {
   if (!reader) return std::nullopt;
   Dictionary entries;
   const std::uint32_t count = reader->entryCount(directoryOffset);
+  entries.reserve(count);
   for (std::uint32_t i = 0; i < count; ++i) {
     const TiffEntry entry = reader->entry(directoryOffset, i);
     if (std::optional<Value> value = readEntry(*reader, entry))
@@ -127,7 +129,7 @@ std::vector<std::byte> mergeMakerNote(std::span<const std::byte> note, const Dic
     for (std::uint32_t i = 0; i < count; ++i) {
       const TiffEntry entry = reader->entry(directoryOffset, i);
       known.push_back(entry.tag);
-      if (entry.isMissing()) continue;
+      if (entry.isDamaged()) continue;
       const std::optional<Value> before = readEntry(*reader, entry);
       const Value* wanted = entries.find(std::to_string(entry.tag));
       if (wanted ? before == *wanted : !before)

@@ -6,19 +6,6 @@
 namespace FrameworkUtility::detail {
 namespace {
 
-// Compilers make one load, and a byte swap where needed, of each.
-template <class T>
-T load(const std::byte* bytes, std::endian order) {
-  T number = 0;
-  if (order == std::endian::big)
-    for (std::size_t i = 0; i < sizeof(T); ++i)
-      number = static_cast<T>(number << 8 | std::to_integer<T>(bytes[i]));
-  else
-    for (std::size_t i = sizeof(T); i > 0; --i)
-      number = static_cast<T>(number << 8 | std::to_integer<T>(bytes[i - 1]));
-  return number;
-}
-
 std::optional<Number> finite(double number) {
   if (!std::isfinite(number)) return std::nullopt;
   return Number(number);
@@ -99,8 +86,9 @@ std::optional<Number> TiffReader::number(const TiffEntry& entry, std::uint32_t i
     case TiffType::singleFloat:
       return finite(std::bit_cast<float>(u32(at)));
     case TiffType::doubleFloat:
-      return finite(std::bit_cast<double>(load<std::uint64_t>(at, order_)));
+      return finite(std::bit_cast<double>(u64(at)));
     case TiffType::ascii:
+    case TiffType::utf8:
       break;
   }
   return std::nullopt;
@@ -113,14 +101,6 @@ std::optional<std::uint32_t> TiffReader::unsignedInteger(const TiffEntry& entry,
   const std::int64_t integer = value->integerValue();
   if (integer < 0 || integer > UINT32_MAX) return std::nullopt;
   return static_cast<std::uint32_t>(integer);
-}
-
-std::uint16_t TiffReader::u16(const std::byte* bytes) const {
-  return load<std::uint16_t>(bytes, order_);
-}
-
-std::uint32_t TiffReader::u32(const std::byte* bytes) const {
-  return load<std::uint32_t>(bytes, order_);
 }
 
 void storeTiffInteger(std::byte* bytes, std::uint64_t number, std::size_t size, std::endian order) {

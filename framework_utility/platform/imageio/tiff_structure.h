@@ -14,7 +14,8 @@ namespace FrameworkUtility::detail {
 // The structure of TIFF 6.0, which EXIF shares: a header, and directories of twelve-byte records
 // whose values stand in the record when they have at most four bytes, else anywhere in the block.
 
-/// The field types of TIFF 6.0, and that of its supplement 1 for an offset of a directory.
+/// The field types of TIFF 6.0, that of its supplement 1 for an offset of a directory, and
+/// Exif 3.0's for text.
 enum class TiffType : std::uint16_t {
   unsignedByte = 1,
   ascii,
@@ -29,11 +30,13 @@ enum class TiffType : std::uint16_t {
   singleFloat,
   doubleFloat,
   directory,
+  utf8 = 129,
 };
 
 /// Bytes of one value; 0 for a type that is none of these.
 constexpr std::uint32_t tiffTypeSize(TiffType type) {
   constexpr std::uint8_t sizes[] = {0, 1, 1, 2, 4, 8, 1, 1, 2, 4, 8, 4, 8, 4};
+  if (type == TiffType::utf8) return 1;
   const auto index = static_cast<std::size_t>(type);
   return index < std::size(sizes) ? sizes[index] : 0;
 }
@@ -57,7 +60,11 @@ struct TiffEntry {
   std::span<const std::byte> value;
   std::span<const std::byte> field;  ///< The record's last four bytes, as stored.
 
-  bool isMissing() const { return value.empty() && count != 0; }
+  /// The value lies outside, or the type is a number that no standard would choose.
+  bool isDamaged() const {
+    const auto number = static_cast<std::uint16_t>(type);
+    return number == 0 || number > 255 || (value.empty() && count != 0);
+  }
 };
 
 /// A value that is to be stored.
@@ -84,6 +91,10 @@ class TiffReader {
   std::uint32_t entryCount(std::uint32_t directory) const;
   /// `index` is less than `entryCount`.
   TiffEntry entry(std::uint32_t directory, std::uint32_t index) const;
+  /// That of the same record, which costs less than the whole of it.
+  std::uint16_t tag(std::uint32_t directory, std::uint32_t index) const {
+    return u16(block_.data() + directory + 2 + std::size_t{tiffRecordSize} * index);
+  }
   /// 0 at the end of the chain, or where its offset is cut off.
   std::uint32_t nextDirectory(std::uint32_t directory) const;
 
@@ -94,10 +105,24 @@ class TiffReader {
   std::optional<std::uint32_t> unsignedInteger(const TiffEntry& entry,
                                                std::uint32_t index = 0) const;
 
-  std::uint16_t u16(const std::byte* bytes) const;
-  std::uint32_t u32(const std::byte* bytes) const;
+  std::uint16_t u16(const std::byte* bytes) const { return load<std::uint16_t>(bytes); }
+  std::uint32_t u32(const std::byte* bytes) const { return load<std::uint32_t>(bytes); }
+  std::uint64_t u64(const std::byte* bytes) const { return load<std::uint64_t>(bytes); }
 
  private:
+  // One load, and a byte swap where needed: compilers see both in these loops.
+  template <class T>
+  T load(const std::byte* bytes) const {
+    T number = 0;
+    if (order_ == std::endian::big)
+      for (std::size_t i = 0; i < sizeof(T); ++i)
+        number |= static_cast<T>(std::to_integer<T>(bytes[i]) << (8 * (sizeof(T) - 1 - i)));
+    else
+      for (std::size_t i = 0; i < sizeof(T); ++i)
+        number |= static_cast<T>(std::to_integer<T>(bytes[i]) << (8 * i));
+    return number;
+  }
+
   std::span<const std::byte> block_;
   std::endian order_;
 };

@@ -115,6 +115,14 @@ TEST(ExifWriteTest, RecordsThatShareAValueChangeAlone) {
   EXPECT_EQ(*tiff.find("YResolution"), Value(72));
 }
 
+TEST(ExifWriteTest, ARecordOfNoTypeDoesNotComeFirst) {
+  TestBlock block;
+  block.image = {block.text(0x131, "Pelvar"), {0xFFFF, TiffType{0}, 72, Bytes(4)}};
+  Bytes bytes = block.bytes();
+  bytes[10 + 12] = bytes[10 + 13] = std::byte{0};  // Its tag: the first one in ascending order.
+  EXPECT_EQ(entriesOf(mergeExif(bytes, readExif(bytes), {})).size(), 1);
+}
+
 TEST(ExifWriteTest, TheOrientationOfTheTopLevelWins) {
   const Bytes block = photograph(std::endian::big).bytes();
   Dictionary properties = readExif(block);
