@@ -39,7 +39,7 @@ void readExiv2(Exiv2::Image& image) {
 }  // namespace
 
 int main() {
-  const std::vector<std::byte> photo = makePhonePhoto();
+  const std::vector<std::byte> photo = demo::makePhonePhoto();
   const Data data{std::span(photo)};
   const auto* bytes = reinterpret_cast<const unsigned char*>(photo.data());
   const std::string path = "/dev/shm/framework-utility-bench.jpg";

@@ -104,7 +104,7 @@ int main(int, char** argv) {
   vips_concurrency_set(1);
   vips_cache_set_max(0);
 
-  const std::vector<std::byte> photo = makePhonePhoto();
+  const std::vector<std::byte> photo = demo::makePhonePhoto();
   const Data data{std::span(photo)};
   const auto decoded = CGImageSource::createWithData(data)->imageAtIndex(0);
   check(decoded.has_value(), "decoding");

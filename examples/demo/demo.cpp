@@ -104,12 +104,16 @@ void edit(KvImageMetadata& metadata) {
   metadata.removeLivePhotosMetadata();
 }
 
+std::string text(const Key& key) {
+  return key.number() ? key.number()->description() : std::string(*key.text());
+}
+
 /// Prints what differs between two dictionaries and counts what does not.
 std::size_t compare(const Dictionary& before, const Dictionary& after, const std::string& path) {
   std::size_t same = 0;
   const auto line = [&](const Key& key, std::string_view was, std::string_view is) {
-    std::cout << "  " << std::left << std::setw(34) << path + Value(key).description() << was
-              << " -> " << is << '\n';
+    std::cout << "  " << std::left << std::setw(34) << path + text(key) << was << " -> " << is
+              << '\n';
   };
   for (const auto& [key, value] : before) {
     const Value* now = after.find(key);
@@ -117,7 +121,7 @@ std::size_t compare(const Dictionary& before, const Dictionary& after, const std
     if (now && *now == value)
       same += inner ? inner->size() : 1;
     else if (inner && now && now->as<Dictionary>())
-      same += compare(*inner, *now->as<Dictionary>(), path + Value(key).description() + " ");
+      same += compare(*inner, *now->as<Dictionary>(), path + text(key) + " ");
     else
       line(key, value.description(), now ? now->description() : "gone");
   }
@@ -189,7 +193,7 @@ int main(int argc, char** argv) {
   std::string photo = argc == 3 ? argv[2] : paths::appendingPathComponent(folder, "scene.jpg");
   if (argc == 2) {
     std::cout << "Without a photo: a scene drawn here, as a phone's camera would write it.\n";
-    if (!files.writeAtomically(makePhonePhoto(), photo, &error)) fail(error);
+    if (!files.writeAtomically(demo::makePhonePhoto(), photo, &error)) fail(error);
   }
   const URL before = URL::fileURLWithPath(photo);
 
@@ -222,7 +226,7 @@ int main(int argc, char** argv) {
   showRefusals(*picture);
 
   heading("Left to be looked at");
-  leave(before, paths::appendingPathComponent(folder, "before.jpg"));
+  leave(before, paths::appendingPathComponent(folder, "before." + before.pathExtension()));
   leave(jpeg, paths::appendingPathComponent(folder, "after.jpeg"));
   leave(png, paths::appendingPathComponent(folder, "after.png"));
   const std::optional<UIImage> thumbnail = thumbnailForImageAtURL(jpeg, {512, 512});
