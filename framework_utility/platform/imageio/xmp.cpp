@@ -166,10 +166,8 @@ std::vector<std::string> textsFor(const XmpMapping& mapping, const Dictionary& p
 
 void readXmp(std::span<const std::byte> packet, Dictionary& properties) {
   const PacketText text(packet);
-  std::optional<std::vector<XmpProperty>> found = text.properties();
+  const std::optional<std::vector<XmpProperty>> found = text.properties();
   if (!found) return;
-  std::stable_partition(found->begin(), found->end(),
-                        [](const XmpProperty& property) { return !property.mapping->isFallback; });
 
   // Entries that belong together are filled together or not at all, or a latitude of EXIF could
   // meet a hemisphere of XMP. So what is there is judged before anything is added.

@@ -150,10 +150,8 @@ constexpr XmpMapping iptcCoreProperties[] = {
     {"CountryCode", text, iptc, "Country/PrimaryLocationCode"},
 };
 
+// The dates and the tool of this schema are those of the file, not of the photo: they fill nothing.
 constexpr XmpMapping basicProperties[] = {
-    {"CreateDate", dateTime, exif, "DateTimeDigitized", "", true},
-    {"ModifyDate", dateTime, tiff, "DateTime", "", true},
-    {"CreatorTool", text, tiff, "Software", "", true},
     {"Rating", integer, iptc, "StarRating"},
     {"Thumbnails", obsolete},
 };

@@ -33,7 +33,6 @@ struct XmpMapping {
   std::string_view dictionary{};  ///< Empty when no entry corresponds.
   std::string_view key{};
   std::string_view secondKey{};  ///< Empty when one entry says all.
-  bool isFallback = false;       ///< Another property, where there is one, says it better.
 };
 
 /// The property of this name, "http://ns.adobe.com/tiff/1.0/|Make"; null when it is in no table.

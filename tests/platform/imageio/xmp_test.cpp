@@ -118,12 +118,13 @@ TEST(XmpTest, ReadsAttributesAndElements) {
 TEST(XmpTest, FillsOnlyWhatIsMissingAndGroupsAsAWhole) {
   const std::string packet = packetOf(
       " tiff:Make='Xmp' tiff:Model='M1' exif:GPSLatitude='10,30.0S' exif:GPSLongitude='20,0.0E'"
-      " xmp:CreatorTool='Basic' tiff:Software='Tiff' photoshop:DateCreated='2024-05-01T12:30'");
+      " xmp:CreatorTool='Basic' xmp:CreateDate='2024-05-01T12:30'"
+      " photoshop:DateCreated='2024-05-01T12:30'");
   const Dictionary own{{"{TIFF}", Dictionary{{"Make", "Exif"}}},
                        {"{GPS}", Dictionary{{"Latitude", 1.5}}},
                        {"{IPTC}", Dictionary{{"TimeCreated", "000000"}}}};
   const Dictionary expected{
-      {"{TIFF}", Dictionary{{"Make", "Exif"}, {"Model", "M1"}, {"Software", "Tiff"}}},
+      {"{TIFF}", Dictionary{{"Make", "Exif"}, {"Model", "M1"}}},
       {"{GPS}", Dictionary{{"Latitude", 1.5}, {"Longitude", 20}, {"LongitudeRef", "E"}}},
       {"{IPTC}", Dictionary{{"TimeCreated", "000000"}}}};
   EXPECT_EQ(read(packet, own), expected);
