@@ -6,7 +6,6 @@
 #include <framework_utility/platform/imageio/property_keys.h>
 
 #include <algorithm>
-#include <new>
 #include <string>
 #include <utility>
 #include <vector>
@@ -100,6 +99,7 @@ void CGImageDestination::addImage(const CGImage& image, const Dictionary& proper
   }
 }
 
+// None of the formats written here holds auxiliary data.
 void CGImageDestination::addAuxiliaryDataInfo(std::string_view, const Dictionary&) {}
 
 bool CGImageDestination::finalize() {

@@ -66,9 +66,6 @@ class EncoderRows {
           isRgba && (layout.alphaInfo == CGImageAlphaInfo::premultipliedLast ||
                      layout.alphaInfo == CGImageAlphaInfo::last);
     }
-    if (!rows.isInPlace_) {
-      rows.converted_.resize(4 * image.width());
-    }
     if (!rows.isInPlace_ && rows.colors_ != JCS_CMYK) {
       rows.converter_ = RGBARows::of(image, AlphaForm::premultiplied);
       if (!rows.converter_) {
@@ -89,6 +86,7 @@ class EncoderRows {
     if (isInPlace_ || (isInPlaceWhereOpaque_ && isOpaque(stored, width))) {
       return stored;
     }
+    converted_.resize(4 * width);
     std::uint8_t* row = converted_.data();
     if (colors_ == JCS_CMYK) {  // inverted, as the Adobe segment that libjpeg writes means it
       std::transform(stored, stored + 4 * width, row,
