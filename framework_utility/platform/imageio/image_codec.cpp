@@ -1,13 +1,14 @@
 #include <framework_utility/platform/imageio/image_codec.h>
 
 #include <framework_utility/platform/imageio/jpeg_codec.h>
+#include <framework_utility/platform/imageio/png_codec.h>
 
 #include <array>
 
 namespace FrameworkUtility::detail {
 
 std::span<const ImageCodec* const> imageCodecs() {
-  static const std::array<const ImageCodec*, 1> codecs = {&jpegCodec()};
+  static const std::array<const ImageCodec*, 2> codecs = {&jpegCodec(), &pngCodec()};
   return codecs;
 }
 
