@@ -133,11 +133,14 @@ std::size_t compare(const Dictionary& before, const Dictionary& after, const std
 
 void showKeptBytes(std::string_view block, const Data& before, const Data& after) {
   if (before.empty()) return;
+  const std::size_t shared = std::min(before.size(), after.size());
   std::size_t kept = 0;
-  for (std::size_t i = 0; i < std::min(before.size(), after.size()); ++i)
-    kept += before.data()[i] == after.data()[i];
-  std::cout << "  " << std::left << std::setw(6) << block << kept << " of " << before.size()
-            << " bytes stand where they stood\n";
+  for (std::size_t i = 0; i < shared; ++i) kept += before.data()[i] == after.data()[i];
+  std::cout << "  " << std::left << std::setw(6) << block << kept << " of " << shared
+            << " bytes stand where they stood";
+  // What is cut off showed the old picture.
+  if (after.size() < before.size()) std::cout << ", " << before.size() - shared << " are cut off";
+  std::cout << '\n';
 }
 
 void showChanges(const URL& before, const URL& after) {
