@@ -42,7 +42,7 @@ void readXmp(std::span<const std::byte> packet, Dictionary& properties);
 std::vector<std::byte> mergeXmp(std::span<const std::byte> packet, const Dictionary& before,
                                 const Dictionary& after, const PixelFacts& pixels);
 
-/// All blocks together. EXIF wins over XMP and XMP never replaces IPTC.
+/// All blocks together. EXIF wins over XMP.
 void readMetadata(const MetadataBlocks& blocks, Dictionary& properties);
 /// `source` is null for properties that came from no file. What XMP alone says, and still says, is
 /// not copied into EXIF or IPTC.

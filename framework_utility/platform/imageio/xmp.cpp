@@ -36,8 +36,8 @@ class PacketText {
   std::string_view text() const { return text_; }
 
   /// Absent when there is nothing in it that the tables know, or when it does not parse.
-  std::optional<std::vector<XmpProperty>> properties() const {
-    if (!mentionsMappedNamespace(text_)) return std::nullopt;
+  std::optional<std::vector<XmpProperty>> properties(XmpUse use) const {
+    if (!mentionsMappedNamespace(text_, use)) return std::nullopt;
     // Some writers end the packet, or its padding, with NUL bytes, which XML does not allow.
     return parseXmpPacket(text_.substr(0, text_.find_last_not_of('\0') + 1));
   }
@@ -166,7 +166,7 @@ std::vector<std::string> textsFor(const XmpMapping& mapping, const Dictionary& p
 
 void readXmp(std::span<const std::byte> packet, Dictionary& properties) {
   const PacketText text(packet);
-  const std::optional<std::vector<XmpProperty>> found = text.properties();
+  const std::optional<std::vector<XmpProperty>> found = text.properties(XmpUse::reading);
   if (!found) return;
 
   // Entries that belong together are filled together or not at all, or a latitude of EXIF could
@@ -174,7 +174,7 @@ void readXmp(std::span<const std::byte> packet, Dictionary& properties) {
   Dictionary added;
   for (const XmpProperty& property : *found) {
     const XmpMapping& mapping = *property.mapping;
-    if (hasEntries(mapping, properties)) continue;
+    if (mapping.dictionary == "{IPTC}" || hasEntries(mapping, properties)) continue;
     for (const auto& [key, value] : xmpEntries(mapping, property.texts())) {
       Dictionary& entries = added.subdictionary(mapping.dictionary);
       if (!entries.find(key)) entries.set(key, value);
@@ -189,7 +189,7 @@ std::vector<std::byte> mergeXmp(std::span<const std::byte> packet, const Diction
                                 const Dictionary& after, const PixelFacts& pixels) {
   const PacketText text(packet);
   TextEdits edits(text.text());
-  const std::optional<std::vector<XmpProperty>> found = text.properties();
+  const std::optional<std::vector<XmpProperty>> found = text.properties(XmpUse::merging);
   if (found) {
     for (const XmpProperty& property : *found) {
       const XmpMapping& mapping = *property.mapping;

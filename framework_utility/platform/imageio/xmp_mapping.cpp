@@ -159,13 +159,19 @@ constexpr XmpMapping basicProperties[] = {
 struct Namespace {
   std::string_view uri;
   std::span<const XmpMapping> properties;
+  XmpUse use = XmpUse::merging;
 };
 
+// What is read is merged too.
+bool isUsedFor(const Namespace& space, XmpUse use) {
+  return use == XmpUse::merging || space.use == XmpUse::reading;
+}
+
 constexpr Namespace namespaces[] = {
-    {"http://ns.adobe.com/tiff/1.0/", tiffProperties},
-    {"http://ns.adobe.com/exif/1.0/", exifProperties},
-    {"http://cipa.jp/exif/1.0/", exifExProperties},
-    {"http://ns.adobe.com/exif/1.0/aux/", auxProperties},
+    {"http://ns.adobe.com/tiff/1.0/", tiffProperties, XmpUse::reading},
+    {"http://ns.adobe.com/exif/1.0/", exifProperties, XmpUse::reading},
+    {"http://cipa.jp/exif/1.0/", exifExProperties, XmpUse::reading},
+    {"http://ns.adobe.com/exif/1.0/aux/", auxProperties, XmpUse::reading},
     {"http://purl.org/dc/elements/1.1/", dublinCoreProperties},
     {"http://ns.adobe.com/photoshop/1.0/", photoshopProperties},
     {"http://iptc.org/std/Iptc4xmpCore/1.0/xmlns/", iptcCoreProperties},
@@ -185,11 +191,11 @@ const XmpMapping* findXmpMapping(std::string_view name) {
   return nullptr;
 }
 
-bool mentionsMappedNamespace(std::string_view packet) {
+bool mentionsMappedNamespace(std::string_view packet, XmpUse use) {
   constexpr std::string_view scheme = "http://";
   for (std::size_t at = 0; (at = packet.find(scheme, at)) != packet.npos; at += scheme.size())
     for (const Namespace& space : namespaces)
-      if (packet.substr(at, space.uri.size()) == space.uri) return true;
+      if (isUsedFor(space, use) && packet.substr(at, space.uri.size()) == space.uri) return true;
   return false;
 }
 

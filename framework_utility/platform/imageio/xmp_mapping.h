@@ -35,10 +35,15 @@ struct XmpMapping {
   std::string_view secondKey{};  ///< Empty when one entry says all.
 };
 
+/// Properties of the TIFF and EXIF schemas fill entries that EXIF does not have. Those that
+/// continue IPTC datasets fill nothing, for most photos have some and none of their facts needs
+/// them: they only follow when their entry is changed.
+enum class XmpUse : std::uint8_t { reading, merging };
+
 /// The property of this name, "http://ns.adobe.com/tiff/1.0/|Make"; null when it is in no table.
 const XmpMapping* findXmpMapping(std::string_view name);
 
-/// A quick look for the namespaces of these properties: false means that reading a packet is vain.
-bool mentionsMappedNamespace(std::string_view packet);
+/// A quick look for the namespaces of these properties: false means that parsing a packet is vain.
+bool mentionsMappedNamespace(std::string_view packet, XmpUse use);
 
 }  // namespace FrameworkUtility::detail

@@ -72,13 +72,7 @@ TEST(XmpTest, ReadsAttributesAndElements) {
                            {"Altitude", 35.25},
                            {"AltitudeRef", 1},
                            {"TimeStamp", "23:30:15"},
-                           {"DateStamp", "2024:04:30"}}},
-      {"{IPTC}", Dictionary{{"Byline", Value(Array{"Ada", "Bo"})},
-                            {"Caption/Abstract", "Evening"},
-                            {"City", "Ulm"},
-                            {"DateCreated", "20240501"},
-                            {"TimeCreated", "123015"},
-                            {"StarRating", 4}}}};
+                           {"DateStamp", "2024:04:30"}}}};
   const std::string attributes = packetOf(
       " tiff:Make='L &amp; M' tiff:Orientation=\"6\"\n tiff:DateTime = '2024-05-01T12:30:15+02:00'"
       " tiff:ImageDescription='A lake' exif:FNumber='9/5' exif:ISOSpeedRatings='64'"
