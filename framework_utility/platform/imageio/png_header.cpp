@@ -245,9 +245,6 @@ class HeaderReader {
     if (header_.blocks.exif.empty()) header_.blocks.exif = raw_.exif;
     if (header_.blocks.xmp.empty()) header_.blocks.xmp = raw_.xmp;
     header_.blocks.imageResources = raw_.imageResources;
-    if (png_.find("sRGBIntent") && header_.iccProfile.empty()) {
-      header_.formatProperties.set(kCGImagePropertyProfileName, sRGBProfileName);
-    }
     header_.formatProperties.set(kCGImagePropertyPNGDictionary, std::move(png_));
   }
 

@@ -60,7 +60,6 @@ TEST(PngHeaderTest, ReadsWhatTheChunksSay) {
   EXPECT_EQ(textOf(header.blocks.xmp), "<x/>");
   const Dictionary expected{{"DPIWidth", 72},
                             {"DPIHeight", 72},
-                            {"ProfileName", "sRGB IEC61966-2.1"},
                             {"{PNG}", Dictionary{{"InterlaceType", 0},
                                                  {"Gamma", 0.45455},
                                                  {"sRGBIntent", 1},
