@@ -66,12 +66,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 
   const std::vector<std::byte> unchanged = detail::mergeExif(block, before, {});
   require(isPart(read(unchanged), before));
-  require(detail::mergeExif(unchanged, read(unchanged), {}) == unchanged);
 
   Dictionary properties = before;
   change(properties, size > 0 ? data[size - 1] : 0);
   const std::vector<std::byte> changed = detail::mergeExif(block, properties, {640, 480});
   const Dictionary after = read(changed);
-  require(detail::mergeExif(changed, after, {640, 480}) == changed);
+  require(isPart(read(detail::mergeExif(changed, after, {640, 480})), after));
   return 0;
 }

@@ -56,7 +56,7 @@ class Reading {
     return values;
   }
 
-  // Nothing says that a resolution without unit is one: it is the shape of a pixel.
+  // In inches when no unit is given; with the unit 1, none, the two only give a pixel's shape.
   static void addTopLevel(const Dictionary& image, Dictionary& properties) {
     if (const Number* orientation = image.get<Number>(kCGImagePropertyTIFFOrientation))
       properties.set(Key::withConstant(kCGImagePropertyOrientation), *orientation);

@@ -3,8 +3,8 @@
 #include <framework_utility/platform/imageio/exif_text.h>
 #include <framework_utility/platform/imageio/rational.h>
 
+#include <algorithm>
 #include <array>
-#include <charconv>
 #include <cmath>
 #include <limits>
 #include <string>

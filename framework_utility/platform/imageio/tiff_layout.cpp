@@ -140,12 +140,14 @@ class Layout {
   }
 
   // An unchanged value moves only where a directory needs its bytes. A sound block's values do not
-  // share bytes, so that what moves is never more than the source; records that do cannot make a
-  // block grow without bound.
+  // share bytes, so that what moves is never more than the source. Records that do cannot make a
+  // block grow without bound: they go, and those of the same tag behind them, which do not count.
   void claimUnchangedValues() {
     std::uint64_t moved = 0;
-    for (TiffDirectory& directory : plan_.directories)
+    for (TiffDirectory& directory : plan_.directories) {
+      std::optional<std::uint16_t> gone;
       std::erase_if(directory.records, [&](TiffRecord& record) {
+        if (record.tag == gone) return true;
         if (isInline(record) || !record.unchanged) return false;
         if ((inPlace_ || record.pinned) && !isClaimed(record.place)) {
           kept_.push_back(record.place);
@@ -153,8 +155,11 @@ class Layout {
         }
         record.unchanged = false;
         moved += record.value.size();
-        return moved > plan_.source.size();
+        if (moved <= plan_.source.size()) return false;
+        gone = record.tag;
+        return true;
       });
+    }
   }
 
   FreeSpace freeSpace() {
