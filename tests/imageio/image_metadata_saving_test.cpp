@@ -119,6 +119,7 @@ TEST(KvImageMetadataAddImageTest, EditsReadBackFromTheFile) {
   for (const UTType& type : {UTTypeJPEG, UTTypePNG}) {
     SCOPED_TRACE(type.identifier());
     const auto destination = CGImageDestination::createInMemory(type.identifier(), 1);
+    ASSERT_TRUE(destination);
     metadata.addImage(redAndBlue(20, 10), destination.get());
     ASSERT_TRUE(destination->finalize());
     const auto read = KvImageMetadata::withData(destination->data());

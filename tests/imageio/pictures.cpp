@@ -2,12 +2,12 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <memory>
 #include <span>
+#include <stdexcept>
 
 namespace FrameworkUtility::testing {
 namespace {
@@ -67,8 +67,9 @@ CGImage redAndBlue(std::size_t width, std::size_t height) {
 
 Data encoded(const CGImage& image, std::string_view typeIdentifier, const Dictionary& properties) {
   const auto destination = CGImageDestination::createInMemory(typeIdentifier, 1);
+  if (!destination) throw std::invalid_argument("nothing writes " + std::string(typeIdentifier));
   destination->addImage(image, properties);
-  if (!destination->finalize()) std::abort();
+  if (!destination->finalize()) throw std::invalid_argument("the picture cannot be encoded");
   return destination->data().value();
 }
 

@@ -98,7 +98,7 @@ TEST_F(KvtoolTest, SaveWritesTheChangesIntoTheSession) {
   testing::writeFile(path("a.v1.jpg"), testing::jpegWithPrivateTag("Camera", "a private note"));
   const ProgramResult result =
       run("save a.v1.jpg --orientation 8 --date 2020-02-29T23:59:58Z --software 'Pelvar 7.1' "
-          "--location=-33.86,151.21 --remove-live-photo --quality 0.5 --session Editor-1");
+          "--location -33.86,151.21 --remove-live-photo --quality 0.5 --session Editor-1");
   EXPECT_EQ(result.exitCode, 0);
   EXPECT_EQ(result.problems, "");
   EXPECT_THAT(result.output, MatchesRegex("/.*/Editor-1/[0-9A-F-]{36}/a\\.jpeg\n"));

@@ -56,8 +56,8 @@ and read as UTC: with TZ=UTC it reads back as given.
 Examples:
   kvtool save photo.jpg --orientation 1 --software "Pelvar 7.1"
   kvtool save photo.jpg --location 48.2082,16.3738 --date 2024-05-17T09:30:00Z
-  kvtool save photo.jpg --location=-33.86,151.21   # a value that begins with "-" needs "="
-  open "$(kvtool save photo.png --type jpeg --quality 0.7 --session Editor-1)")help");
+  kvtool save photo.jpg --location -33.86,151.21 --remove-live-photo
+  xdg-open "$(kvtool save photo.png --type jpeg --quality 0.7 --session Editor-1)")help");
   command->callback([&] { worked = kvtool::save(options); });
 }
 
