@@ -1,6 +1,9 @@
 #include <framework_utility/platform/imageio/text_encoding.h>
 
+#include <framework_utility/platform/foundation/utf16.h>
+
 #include <cstdint>
+#include <utility>
 
 namespace FrameworkUtility::detail {
 namespace {
@@ -67,45 +70,26 @@ std::string utf8FromLatin1(std::string_view text) {
 
 std::optional<std::string> utf8FromUtf16(std::span<const std::byte> text, std::endian order) {
   if (text.size() % 2 != 0) return std::nullopt;
-  const auto unit = [&](std::size_t i) {
-    const auto first = std::to_integer<char32_t>(text[i]);
-    const auto second = std::to_integer<char32_t>(text[i + 1]);
-    return order == std::endian::big ? first << 8 | second : second << 8 | first;
-  };
-  std::string out;
-  out.reserve(text.size() / 2);
-  for (std::size_t i = 0; i < text.size(); i += 2) {
-    char32_t code = unit(i);
-    if (code >= 0xD800 && code < 0xE000) {
-      i += 2;
-      if (code >= 0xDC00 || i == text.size()) return std::nullopt;
-      const char32_t low = unit(i);
-      if (low < 0xDC00 || low >= 0xE000) return std::nullopt;
-      code = 0x10000 + ((code - 0xD800) << 10) + (low - 0xDC00);
-    }
-    appendUtf8(out, code);
+  std::u16string units(text.size() / 2, u'\0');
+  for (std::size_t i = 0; i < units.size(); ++i) {
+    const auto first = std::to_integer<unsigned>(text[2 * i]);
+    const auto second = std::to_integer<unsigned>(text[2 * i + 1]);
+    units[i] = static_cast<char16_t>(order == std::endian::big ? first << 8 | second
+                                                               : second << 8 | first);
   }
-  return out;
+  std::string out;
+  appendUtf8(out, units);
+  // A lone surrogate has become another character.
+  return utf16FromUtf8(out) == units ? std::optional(std::move(out)) : std::nullopt;
 }
 
 std::vector<std::byte> utf16FromUtf8(std::string_view text, std::endian order) {
   std::vector<std::byte> out;
-  out.reserve(2 * text.size());
-  const auto append = [&](char32_t unit) {
+  for (const char16_t unit : utf16FromUtf8(text).value_or(std::u16string())) {
     const std::byte high{static_cast<std::uint8_t>(unit >> 8)};
     const std::byte low{static_cast<std::uint8_t>(unit & 0xFF)};
     out.push_back(order == std::endian::big ? high : low);
     out.push_back(order == std::endian::big ? low : high);
-  };
-  while (!text.empty()) {
-    const std::optional<char32_t> character = takeUtf8(text);
-    if (!character) break;
-    if (*character < 0x10000) {
-      append(*character);
-    } else {
-      append(0xD800 + ((*character - 0x10000) >> 10));
-      append(0xDC00 + ((*character - 0x10000) & 0x3FF));
-    }
   }
   return out;
 }

@@ -1,5 +1,7 @@
 #include <framework_utility/platform/imageio/xmp_values.h>
 
+#include <framework_utility/platform/imageio/rational.h>
+
 #include <algorithm>
 #include <array>
 #include <charconv>
@@ -120,23 +122,9 @@ std::optional<double> parseXmpRational(std::string_view text) {
 }
 
 std::optional<std::string> xmpRational(double number) {
-  constexpr double limit = std::numeric_limits<std::int32_t>::max();
-  const double magnitude = std::abs(number);
-  if (!(magnitude <= limit)) return std::nullopt;
-  // The convergents of the continued fraction: each is the best fraction of its size.
-  double numerator = 1, denominator = 0;
-  double previousNumerator = 0, previousDenominator = 1;
-  for (double rest = magnitude;; rest = 1 / rest) {
-    const double whole = std::floor(rest);
-    const double nextNumerator = whole * numerator + previousNumerator;
-    const double nextDenominator = whole * denominator + previousDenominator;
-    if (nextNumerator > limit || nextDenominator > limit) break;
-    previousNumerator = std::exchange(numerator, nextNumerator);
-    previousDenominator = std::exchange(denominator, nextDenominator);
-    rest -= whole;
-    if (rest == 0 || numerator / denominator == magnitude) break;
-  }
-  return formatted(number < 0 ? "-%.0f/%.0f" : "%.0f/%.0f", numerator, denominator);
+  const auto fraction = nearestRational(number, std::numeric_limits<std::int32_t>::max());
+  if (!fraction) return std::nullopt;
+  return std::to_string(fraction->numerator) + '/' + std::to_string(fraction->denominator);
 }
 
 std::optional<XmpCoordinate> parseXmpCoordinate(std::string_view text) {
