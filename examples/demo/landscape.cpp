@@ -72,7 +72,7 @@ void Landscape::draw(Canvas& canvas) {
 
 std::size_t Landscape::columnAt(float x) const {
   const float last = static_cast<float>(width_ - 1);
-  return static_cast<std::size_t>(std::fmin(std::fmax(x * scale_, 0.0F), last));
+  return static_cast<std::size_t>(std::min(std::max(x * scale_, 0.0F), last));
 }
 
 // The glow and the clouds change slowly, so a quarter of the size is drawn and enlarged.
@@ -118,9 +118,8 @@ void Landscape::makeSky() {
 }
 
 Light Landscape::sky(float x, float y) const {
-  const float column =
-      std::fmin(std::fmax(x * scale_ / 4, 0.0F), static_cast<float>(skyWidth_ - 2));
-  const float row = std::fmin(std::fmax(y * scale_ / 4, 0.0F), static_cast<float>(skyHeight_ - 2));
+  const float column = std::min(std::max(x * scale_ / 4, 0.0F), static_cast<float>(skyWidth_ - 2));
+  const float row = std::min(std::max(y * scale_ / 4, 0.0F), static_cast<float>(skyHeight_ - 2));
   const auto c = static_cast<std::size_t>(column), r = static_cast<std::size_t>(row);
   const Light* const at = &sky_[r * skyWidth_ + c];
   const float tx = column - static_cast<float>(c), ty = row - static_cast<float>(r);
@@ -203,7 +202,7 @@ void Landscape::plantFirs(std::size_t index) {
       if (away >= 1) continue;
       const float notch = std::fabs(std::fmod(away * 6 + random(4), 1.0F) - 0.5F) * 0.16F;
 
-      ridge[column] = std::fmin(ridge[column], foot - tall * (1 - away - notch));
+      ridge[column] = std::min(ridge[column], foot - tall * (1 - away - notch));
     }
   }
 }
@@ -218,14 +217,14 @@ Light Landscape::mountain(std::size_t index, float x, float y, float below) cons
   const float size = 1500 + 260 * order;
   const float slope = rock(x * size + order * 331, below * size * 0.9F + order * 97);
   // Faces turned to the sun are on its side of each crest.
-  const float side = std::fmin(std::fmax(x < sun.x ? slope : -slope, -1.3F), 1.8F);
+  const float side = std::min(std::max(x < sun.x ? slope : -slope, -1.3F), 1.8F);
   Light light = mix(stone, forest, order / 4) * (1 + 0.62F * side);
   if (index < 2) {
     const float line = (index == 0 ? 0.085F : 0.03F) + 0.02F * slope;
     const float cap = smoothstep(line + 0.02F, line - 0.02F, below) * smoothstep(-0.5F, 0.7F, side);
     light = mix(light, snow, cap * 0.62F);
   }
-  light = mix(light, mix(airCool, airWarm, std::fmin(sunward * 1.1F, 1.0F)), range.haze);
+  light = mix(light, mix(airCool, airWarm, std::min(sunward * 1.1F, 1.0F)), range.haze);
   // Mist gathers at the feet of the mountains.
   const float foot = smoothstep(range.crest - range.amplitude * 0.1F, waterline + 0.012F, y);
   return mix(light, mix(mistCool * 0.8F, mistWarm, sunward), foot * (0.74F - 0.1F * order));
@@ -238,7 +237,7 @@ Light Landscape::land(float x, float y) const {
   for (std::size_t i = rangeCount; i-- > 0;) {
     const float below = (y - ridges_[i][column]) * scale_;
     if (below <= -0.5F) continue;
-    const float cover = std::fmin(below + 0.5F, 1.0F) * seen;
+    const float cover = std::min(below + 0.5F, 1.0F) * seen;
     light = light + mountain(i, x, y, below / scale_) * cover;
     seen -= cover;
     if (seen <= 0.001F) return light;
@@ -266,7 +265,7 @@ Light Landscape::lake(std::size_t column, float x, float y) const {
   const float strength = (0.006F + 0.034F * near) * (0.55F + 0.45F * calm);
   const float mirrored = waterline - depth * 0.95F - wave * strength;
   const Light image =
-      land(x + wave * strength * 0.3F, std::fmin(std::fmax(mirrored, 0.0F), waterline));
+      land(x + wave * strength * 0.3F, std::min(std::max(mirrored, 0.0F), waterline));
   // The steeper the view into the water, the less it mirrors.
   Light light = mix(image * Light{0.84F, 0.82F, 0.87F}, deep, 0.06F + 0.42F * near * near);
   // Glitter below the sun.

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <cmath>
 #include <cstdint>
 
@@ -27,7 +28,7 @@ constexpr T mix(T a, T b, float t) {
 
 /// 0 below `from`, 1 above `to`, without a corner between.
 inline float smoothstep(float from, float to, float value) {
-  const float t = std::fmin(std::fmax((value - from) / (to - from), 0.0F), 1.0F);
+  const float t = std::min(std::max((value - from) / (to - from), 0.0F), 1.0F);
   return t * t * (3 - 2 * t);
 }
 

@@ -62,21 +62,31 @@ Bytes thumbnailOf(const Data& jpeg) {
   return {reinterpret_cast<const char*>(data.data()), data.size()};
 }
 
-// When the phone had been running for 27 hours: a binary property list of a dictionary with
-// flags 1, value, timescale 1000000000 and epoch 0.
+// How long the phone had been running, as a binary property list: objects, where each begins, and
+// a trailer with the counts.
 Bytes runTime() {
-  return "bplist00\xD4\1\2\3\4\5\6\7\10"s +
-         "\x55"
-         "flags"
-         "\x55"
-         "value"
-         "\x59"
-         "timescale"
-         "\x55"
-         "epoch" +
-         "\x10\1"s + "\x13" + bigEndian(97'200'123'456'789, 8) + "\x12" +
-         bigEndian(1'000'000'000, 4) + "\x10\0"s + "\x08\x11\x17\x1D\x27\x2D\x2F\x38\x3D" +
-         Bytes(6, '\0') + "\1\1" + bigEndian(9, 8) + bigEndian(0, 8) + bigEndian(0x3F, 8);
+  const auto shortText = [](std::string_view text) {
+    return Bytes(1, static_cast<char>(0x50 + text.size())) + Bytes(text);
+  };
+  const std::vector<Bytes> objects = {
+      "\xD4\1\2\3\4\5\6\7\10"s,  // a dictionary: objects 1 to 4 are its keys, 5 to 8 its values
+      shortText("flags"),
+      shortText("value"),
+      shortText("timescale"),
+      shortText("epoch"),
+      "\x10\1"s,
+      "\x13"s + bigEndian(97'200'123'456'789, 8),
+      "\x12"s + bigEndian(1'000'000'000, 4),
+      "\x10\0"s,
+  };
+  Bytes list = "bplist00", offsets;
+  for (const Bytes& object : objects) {
+    offsets += bigEndian(list.size(), 1);
+    list += object;
+  }
+  const std::size_t offsetsBegin = list.size();
+  return list + offsets + Bytes(6, '\0') + Bytes{1, 1} + bigEndian(objects.size(), 8) +
+         bigEndian(0, 8) + bigEndian(offsetsBegin, 8);
 }
 
 // Offsets count from the start of the note.
@@ -97,6 +107,7 @@ Bytes makerNote() {
       text(43, "0D9A5B52-6A0E-4F7C-8E35-1B2C3D4E5F60"),  // photo identifier
       signedNumber(45, 3911),                            // colour temperature
       signedNumber(46, 1),                               // camera type
+      undefined(231, "\x56\x4C\x01private\xFF"s),        // no reader's business
   };
   return header + directory(fields, static_cast<std::uint32_t>(header.size()));
 }
@@ -166,19 +177,10 @@ std::vector<Field> positionFields() {
 // The fields of IFD0, which point to the directories that follow.
 std::vector<Field> photoFields(std::uint32_t exposure, std::uint32_t position) {
   return {
-      text(0x010F, "Velmar"),
-      text(0x0110, camera),
-      shorts(0x0112, {1}),
-      rationals(0x011A, {{72, 1}}),
-      rationals(0x011B, {{72, 1}}),
-      shorts(0x0128, {2}),
-      text(0x0131, "Velmar OS 4.2"),
-      text(0x0132, taken),
-      text(0x013C, camera),
-      shorts(0x0213, {1}),
-      number(0x8769, exposure),
-      number(0x8825, position),
-      undefined(0xFDE7, "\x56\x4C\x01private\xFF"s),
+      text(0x010F, "Velmar"),        text(0x0110, camera),         shorts(0x0112, {1}),  // upright
+      rationals(0x011A, {{72, 1}}),  rationals(0x011B, {{72, 1}}), shorts(0x0128, {2}),  // per inch
+      text(0x0131, "Velmar OS 4.2"), text(0x0132, taken),          text(0x013C, camera),
+      shorts(0x0213, {1}),           number(0x8769, exposure),     number(0x8825, position),
   };
 }
 

@@ -3,6 +3,7 @@
 #include <examples/demo/landscape.h>
 #include <examples/demo/noise.h>
 
+#include <algorithm>
 #include <cmath>
 
 namespace demo {
@@ -82,7 +83,7 @@ void Shore::grass() {
       const float y = bank(x) + 0.012F * static_cast<float>(row) + 0.006F * random(2);
       const float patch = 0.55F + 0.75F * noise(x * 6, static_cast<float>(row) * 0.7F, seed_ + 811);
       const float length =
-          (0.012F + 0.036F * random(3) * random(3)) * std::fmax(patch, 0.25F) * 1.5F;
+          (0.012F + 0.036F * random(3) * random(3)) * std::max(patch, 0.25F) * 1.5F;
       const float lean = (random(4) - 0.42F) * 0.85F * length;
       const float sunward = std::exp(-std::fabs(x - sun.x) * 2.4F);
       const float rim = sunward * random(5) * (row < 4 ? 0.55F : 0.22F);
