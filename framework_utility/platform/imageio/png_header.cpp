@@ -1,6 +1,5 @@
 #include <framework_utility/platform/imageio/png_header.h>
 
-#include <framework_utility/platform/graphics/color_profile.h>
 #include <framework_utility/platform/imageio/png_chunks.h>
 #include <framework_utility/platform/imageio/png_text.h>
 #include <framework_utility/platform/imageio/property_keys.h>
