@@ -24,9 +24,11 @@ void require(bool condition) {
 }
 
 // Whether everything in `part` is in `whole`. Records that share bytes by the hundred may vanish
-// from a merged block; none may come to say something else.
+// from a merged block; none may come to say something else. A resolution whose unit vanished is in
+// inches.
 bool isPart(const Dictionary& part, const Dictionary& whole) {
   for (const auto& [key, value] : part) {
+    if (key == KeyView("DPIWidth") || key == KeyView("DPIHeight")) continue;
     const Value* other = whole.find(key);
     if (!other) return false;
     const Dictionary* inner = value.as<Dictionary>();
