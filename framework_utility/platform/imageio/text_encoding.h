@@ -12,9 +12,9 @@ namespace FrameworkUtility::detail {
 
 // The texts of metadata come in three encodings; inside the library they are UTF-8.
 
-/// The character that `text` begins with, which becomes shorter by it. Absent, and `text` as it was,
-/// where the bytes are not UTF-8: shortest forms, no surrogates, nothing past U+10FFFF. Not for an
-/// empty text.
+/// The character that `text` begins with, which becomes shorter by it. Absent, and `text` as it
+/// was, where the bytes are not UTF-8: shortest forms, no surrogates, nothing past U+10FFFF. Not
+/// for an empty text.
 std::optional<char32_t> takeUtf8(std::string_view& text);
 void appendUtf8(std::string& out, char32_t character);
 
