@@ -1,6 +1,6 @@
 #!/bin/bash
-# check.sh [lint|compilers|agreement|package|sanitizers]: what a change must pass beside scripts/test.sh. All
-# of it without an argument; .ci/run calls it so.
+# check.sh [PART...]: what a change must pass beside scripts/test.sh. Without a part those that CI
+# runs: lint, compilers, agreement, package and asan. By name also tidy and tsan, which take long.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 sources() { git ls-files -co --exclude-standard -- "$@"; }
@@ -40,21 +40,6 @@ lint() {
 
   echo '== headers: each public one compiles alone'
   scripts/build.sh release all_verify_interface_header_sets
-
-  echo '== clang-tidy'
-  scripts/build.sh release
-  local runner=run-clang-tidy-14
-  $runner -quiet -p build/release "$PWD/(framework_utility|tools|examples)/.*\.cpp$" \
-    >build/clang-tidy.txt 2>&1 || { grep -E 'error:|warning:' build/clang-tidy.txt; fail clang-tidy; }
-}
-
-sanitizers() {
-  local preset
-  for preset in asan tsan; do
-    echo "== tests under $preset"
-    scripts/build.sh $preset
-    ctest --preset $preset --parallel "$(nproc)"
-  done
 }
 
 agreement() {
@@ -82,14 +67,22 @@ compilers() {
   done
 }
 
-if [ $# -gt 0 ]; then
-  "$@"
-else
-  scripts/setup.sh check
-  lint
-  compilers
-  agreement
-  package
-  sanitizers
-fi
+sanitized() {
+  echo "== tests under $1"
+  scripts/build.sh "$1"
+  ctest --preset "$1" --parallel "$(nproc)"
+}
+asan() { sanitized asan; }
+tsan() { sanitized tsan; }
+
+tidy() {
+  echo '== clang-tidy'
+  scripts/build.sh release
+  run-clang-tidy-14 -quiet -p build/release "$PWD/framework_utility/.*\.cpp$" \
+    >build/clang-tidy.txt 2>&1 || { grep -E 'error:|warning:' build/clang-tidy.txt; fail clang-tidy; }
+}
+
+scripts/setup.sh check
+[ $# -gt 0 ] || set -- lint compilers agreement package asan
+for part; do "$part"; done
 echo 'check: passed'
