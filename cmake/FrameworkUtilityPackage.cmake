@@ -22,9 +22,10 @@ if(BUILD_SHARED_LIBS)
     LINK_DEPENDS ${version_script})
   target_link_options(FrameworkUtility PRIVATE
     LINKER:--version-script=${version_script} LINKER:--no-undefined)
-  foreach(target IN LISTS targets)
-    target_link_libraries(FrameworkUtility PRIVATE
-      $<BUILD_INTERFACE:$<LINK_LIBRARY:WHOLE_ARCHIVE,${target}>>)
+  foreach(component IN LISTS components)
+    get_property(third_party GLOBAL PROPERTY FRAMEWORK_UTILITY_THIRD_PARTY_${component})
+    target_sources(FrameworkUtility PRIVATE $<TARGET_OBJECTS:framework_utility_${component}>)
+    target_link_libraries(FrameworkUtility PRIVATE $<BUILD_INTERFACE:${third_party}>)
   endforeach()
   set(exported FrameworkUtility)
   foreach(component IN LISTS components)
