@@ -43,7 +43,7 @@ std::optional<URL> writeCGImageToURL(const std::optional<CGImage>& image, const 
                                      const ImageWriteOptions& options, Error* error) {
   if (!image) return fail(error, CGImageWriteToDiskError::imageIsNil);
   const UTType type = writtenType(options.uti);
-  const std::optional<URL> target = withExtensionOf(type, url);
+  std::optional<URL> target = withExtensionOf(type, url);
   if (!target) return fail(error, CGImageWriteToDiskError::noExtension);
   makeWay(*target);
 

@@ -32,7 +32,7 @@ std::string KvSessionManager::sessionIdentifierGlobal() {
     if (const std::string* identifier = stored->as<std::string>())
       return temporaryDirectory() + *identifier;
   }
-  const std::string identifier = "SceneGlobal_" + newUUIDString();
+  std::string identifier = "SceneGlobal_" + newUUIDString();
   defaults->setObject(identifier, globalIdentifierKey);
   return identifier;
 }

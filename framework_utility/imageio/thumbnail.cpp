@@ -52,7 +52,7 @@ std::optional<UIImage> thumbnailWrittenOnDiskWithSize(const UIImage& image, Size
                                .compressionQuality = thumbnailCompressionQuality,
                                .uti = roundTripType(image)});
   if (!written) return std::nullopt;
-  const std::optional<UIImage> thumbnail = thumbnailForImageAtURL(*written, size);
+  std::optional<UIImage> thumbnail = thumbnailForImageAtURL(*written, size);
   FileManager::defaultManager().removeItemAtPath(written->path().value_or(""), nullptr);
   return thumbnail;
 }

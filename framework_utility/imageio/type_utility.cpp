@@ -3,7 +3,7 @@
 namespace FrameworkUtility {
 
 std::optional<UTType> robustType(std::string_view filenameExtension) {
-  const auto data = UTType::typeWithFilenameExtension(filenameExtension, UTTypeData);
+  auto data = UTType::typeWithFilenameExtension(filenameExtension, UTTypeData);
   if (data && data->isDeclared()) return data;
   const auto package = UTType::typeWithFilenameExtension(filenameExtension, UTTypePackage);
   return package && package->isDeclared() ? package : data;

@@ -6,7 +6,9 @@
 // The only place that includes it: it compiles slowly.
 #include <CLI/CLI.hpp>
 
+#include <cstdio>
 #include <cstdlib>
+#include <exception>
 
 namespace {
 
@@ -79,9 +81,7 @@ Examples:
   command->callback([&] { worked = kvtool::writeThumbnail(options); });
 }
 
-}  // namespace
-
-int main(int argc, char** argv) {
+int run(int argc, char** argv) {
   CLI::App tool{"Reads, rewrites and reduces photos the way the apps of the family do.", "kvtool"};
   tool.footer(
       R"(Exit code: 0 when everything worked, 1 when a file failed (the others still go on), 2 for a command
@@ -110,4 +110,15 @@ Examples:
     return EXIT_FAILURE;
   }
   return worked ? EXIT_SUCCESS : EXIT_FAILURE;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  try {
+    return run(argc, argv);
+  } catch (const std::exception& problem) {  // no memory, for example
+    std::fprintf(stderr, "kvtool: %s\n", problem.what());
+    return EXIT_FAILURE;
+  }
 }

@@ -17,7 +17,7 @@ using namespace FrameworkUtility;
 
 namespace {
 
-/// The digits at the end of which `text` has nothing left but what the caller asks for.
+/// Takes a number of exactly `count` digits off the front of `text`.
 std::optional<int> takeDigits(std::string_view& text, std::size_t count) {
   int number = 0;
   if (text.size() < count) return std::nullopt;
