@@ -8,6 +8,12 @@ namespace FrameworkUtility {
 
 std::uint32_t randomUnsignedInteger() { return arc4random(); }
 
+double randomUnitReal() {
+  std::uint64_t bits = 0;
+  arc4random_buf(&bits, sizeof bits);
+  return static_cast<double>(bits >> 11) * 0x1p-53;
+}
+
 std::string newUUIDString() {
   std::array<std::uint8_t, 16> bytes;
   arc4random_buf(bytes.data(), bytes.size());

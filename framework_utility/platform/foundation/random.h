@@ -9,6 +9,9 @@ namespace FrameworkUtility {
 /// Platform: arc4random
 std::uint32_t randomUnsignedInteger();
 
+/// Uniform in [0, 1), in steps of 2^-53, from the same generator. Thread: any.
+double randomUnitReal();
+
 /// A new random identifier: 8-4-4-4-12 hexadecimal digits, upper case. Thread: any.
 /// Selector: UUIDString
 std::string newUUIDString();

@@ -1,6 +1,7 @@
 #include <framework_utility/platform/graphics/ui_color.h>
 
 #include <framework_utility/platform/foundation/stop.h>
+#include <framework_utility/platform/graphics/unit_range.h>
 
 #include <cmath>
 #include <utility>
@@ -8,8 +9,6 @@
 namespace FrameworkUtility {
 
 namespace {
-
-double clamped(double value) { return value < 0 ? 0 : value > 1 ? 1 : value; }  // NaN stays
 
 /// The hue's circle in six sectors: in each, one component is the brightness, one the least, and
 /// one goes from the one to the other.
@@ -46,7 +45,8 @@ UIColor::UIColor(const RGBA& components)
 
 UIColor UIColor::withHueSaturationBrightness(double hue, double saturation, double brightness,
                                              double alpha) {
-  return UIColor(rgbaOf(clamped(hue), clamped(saturation), clamped(brightness), alpha));
+  return UIColor(rgbaOf(detail::clampedToUnit(hue), detail::clampedToUnit(saturation),
+                        detail::clampedToUnit(brightness), alpha));
 }
 
 UIColor UIColor::withDynamicProvider(std::function<UIColor(const UITraitCollection&)> provider) {

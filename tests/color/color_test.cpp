@@ -1,0 +1,284 @@
+#include <framework_utility/color/color.h>
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+#include <set>
+#include <sstream>
+
+namespace FrameworkUtility {
+namespace {
+
+constexpr double epsilon = std::numeric_limits<double>::epsilon();
+constexpr double nan = std::numeric_limits<double>::quiet_NaN();
+constexpr UITraitCollection light{UIUserInterfaceStyle::light};
+constexpr UITraitCollection dark{UIUserInterfaceStyle::dark};
+
+/// Exactly these components, where `==` would compare hundredths.
+void expectIs(const KvColor& color, double red, double green, double blue, double alpha) {
+  EXPECT_EQ(color.red, red);
+  EXPECT_EQ(color.green, green);
+  EXPECT_EQ(color.blue, blue);
+  EXPECT_EQ(color.alpha, alpha);
+}
+
+void expectNear(const KvColor& color, double red, double green, double blue) {
+  EXPECT_NEAR(color.red, red, 1e-14);
+  EXPECT_NEAR(color.green, green, 1e-14);
+  EXPECT_NEAR(color.blue, blue, 1e-14);
+}
+
+KvColor unclamped(double red, double green, double blue, double alpha) {
+  KvColor color = KvColor::blackColor();
+  color.red = red;
+  color.green = green;
+  color.blue = blue;
+  color.alpha = alpha;
+  return color;
+}
+
+TEST(ColorTest, ConstructorsClampAndFieldsDoNot) {
+  KvColor color(1.5, -0.2, 0.5, 2);
+  expectIs(color, 1, 0, 0.5, 1);
+  color.red = 1.5;
+  EXPECT_EQ(color.red, 1.5);
+  expectIs(color.copy(), 1, 0, 0.5, 1);
+
+  expectIs(KvColor::withWhite(7, 0.5), 1, 1, 1, 0.5);
+  expectIs(KvColor(UIColor(2, -1, 0.5, 3)), 1, 0, 0.5, 1);
+  expectIs(KvColor::withHueSaturationBrightness(0.5, 1, 1, 7), 0, 1, 1, 1);
+  // Hue, saturation and lightness are written as they come out.
+  expectIs(KvColor::withHueSaturationLightness(0, 0, 3, 7), 3, 3, 3, 7);
+  expectIs(KvColor::withHueSaturationLightness(0, 1, 0.5), 1, 0, 0, 1);
+}
+
+TEST(ColorTest, NaNStays) {
+  const KvColor color(nan, nan, nan, nan);
+  for (const KvColor& c :
+       {color, color.copy(), color.addIntensity(0.5), color.greyscale(), color.negative(),
+        KvColor(color.uiColor()), color.interpolateWithColorWithColor(KvColor::whiteColor(), 0.5),
+        KvColor::withHueSaturationBrightness(nan, nan, nan, nan)})
+    EXPECT_TRUE(std::isnan(c.red) && std::isnan(c.green) && std::isnan(c.blue) &&
+                std::isnan(c.alpha));
+  EXPECT_FALSE(color.isLight() || color.isDark() || color.isVeryLight() || color.isVeryDark() ||
+               color.isWhite() || color.isOpaque() || color.isNoColor());
+  EXPECT_TRUE(std::isnan(
+      KvColor::blackColor().interpolateWithColorWithColor(KvColor::whiteColor(), nan).red));
+  EXPECT_EQ(color.description(), "KvColor: r nan, g nan, b nan, a nan");
+}
+
+TEST(ColorDeathTest, WhatIsNoIntegerHasNoTextAndNoIdentity) {
+  const KvColor whole(0.5, 0.5, 0.5);
+  for (const double odd : {nan, 1 / 0.0, -1 / 0.0, 1e300}) {
+    SCOPED_TRACE(odd);
+    const KvColor color = unclamped(0.25, 0.5, 0.5, odd);
+    EXPECT_DEATH((void)color.identifier(), "not finite, or too large");
+    EXPECT_DEATH((void)std::hash<KvColor>()(color), "not finite, or too large");
+    // Although red differs already.
+    EXPECT_DEATH((void)(color == whole), "not finite, or too large");
+    EXPECT_FALSE(color.isEqualDiscardAlpha(whole)) << "alpha is not looked at";
+    EXPECT_EQ(color.hexString(), "#3F7F7F");
+    EXPECT_DEATH((void)unclamped(0, 0, odd, 1).hexString(), "not finite, or too large");
+  }
+}
+
+TEST(ColorTest, TextsTruncate) {
+  EXPECT_EQ(KvColor(0.999, 0.5, 0).hexStringWithoutHash(), "FE7F00");
+  EXPECT_EQ(KvColor(1, 0, 1).hexString(), "#FF00FF");
+  EXPECT_EQ(KvColor(1, 0.5, 0).identifier(), "100.50.0.100");
+  EXPECT_EQ(KvColor(0.29, 0.57, 0.58).identifier(), "28.56.57.100");
+  std::ostringstream out;
+  out << KvColor(1, 0.1, 1e-5, 0.25);
+  EXPECT_EQ(out.str(), "KvColor: r 1.0, g 0.1, b 1e-05, a 0.25");
+
+  // Outside 0...1: digits more than six, and the low 32 bits of what is negative or wider.
+  EXPECT_EQ(unclamped(1.5, 0, 0, 1).hexString(), "#17E0000");
+  EXPECT_EQ(unclamped(0, 0, -1 / 255.0, 1).hexString(), "#FFFFFFFF");
+  EXPECT_EQ(unclamped(0x1p40 / 255, 0, 1 / 255.0, 1).hexString(), "#000001");
+  EXPECT_EQ(unclamped(-1.5, 0, 0, 1).identifier(), "-150.0.0.100");
+}
+
+TEST(ColorTest, EqualAreColoursOfTheSameHundredths) {
+  const std::hash<KvColor> hash;
+  struct Case {
+    double a, b;
+    bool areEqual;
+  };
+  for (const Case& c : {
+           Case{0.501, 0.509, true},
+           Case{0.499, 0.501, false},
+           // 0.29 · 100 lies just below 29, which is meant.
+           Case{0.28, 0.29, true},
+           Case{0.29, 0.294, false},
+           Case{0.56, 0.57, true},
+           Case{0.57, 0.58, false},
+           Case{0.30, 0.31, false},
+       }) {
+    SCOPED_TRACE(::testing::Message() << c.a << ' ' << c.b);
+    for (const auto& [a, b] : {std::pair{KvColor(c.a, 0.1, 0.1, 0.1), KvColor(c.b, 0.1, 0.1, 0.1)},
+                               {KvColor(0.1, c.a, 0.1, 0.1), KvColor(0.1, c.b, 0.1, 0.1)},
+                               {KvColor(0.1, 0.1, c.a, 0.1), KvColor(0.1, 0.1, c.b, 0.1)}}) {
+      EXPECT_EQ(a == b, c.areEqual);
+      EXPECT_EQ(a.isEqualDiscardAlpha(b), c.areEqual);
+      EXPECT_TRUE(!c.areEqual || hash(a) == hash(b));
+    }
+    const KvColor a(0.1, 0.1, 0.1, c.a);
+    const KvColor b(0.1, 0.1, 0.1, c.b);
+    EXPECT_EQ(a == b, c.areEqual);
+    EXPECT_TRUE(a.isEqualDiscardAlpha(b));
+  }
+  EXPECT_EQ(KvColor::whiteColorDarkModeEnabledWithWhite(0.2, 1), KvColor::withWhite(0.2, 1))
+      << "variants do not count";
+}
+
+TEST(ColorTest, CopiesHaveNoVariants) {
+  const KvColor color = KvColor::whiteColorDarkModeEnabledWithWhite(0.25, 0.5);
+  ASSERT_TRUE(color.others);
+  expectIs(color, 0.25, 0.25, 0.25, 0.5);
+  expectIs(color.others->at(2), 0.75, 0.75, 0.75, 0.5);
+  EXPECT_EQ(color.uiColor().resolvedColorWithTraitCollection(dark), UIColor(0.75, 0.75, 0.75, 0.5));
+  EXPECT_EQ(color.uiColor().resolvedColorWithTraitCollection(light),
+            UIColor(0.25, 0.25, 0.25, 0.5));
+  EXPECT_EQ(color.uiColor().resolvedColorWithTraitCollection({}), UIColor(0.25, 0.25, 0.25, 0.5));
+
+  const KvColor sharing = color;
+  EXPECT_EQ(sharing.others, color.others) << "plain C++ copies keep them";
+  EXPECT_FALSE(color.copy().others);
+  EXPECT_EQ(color.copy().uiColor().resolvedColorWithTraitCollection(dark),
+            UIColor(0.25, 0.25, 0.25, 0.5));
+  EXPECT_FALSE(KvColor::colorForDefaultInterface(color, std::nullopt).others);
+  // The dark colour is taken as it is, its own variant included.
+  const KvColor nested = KvColor::colorForDefaultInterface(KvColor::whiteColor(), color);
+  EXPECT_EQ(nested.uiColor().resolvedColorWithTraitCollection(dark),
+            UIColor(0.75, 0.75, 0.75, 0.5));
+
+  KvColor lightOnly = KvColor::blackColor();
+  lightOnly.others = std::make_shared<KvColorVariants>(KvColorVariants{{1, color}});
+  EXPECT_EQ(lightOnly.uiColor(), UIColor(0, 0, 0, 1)) << "plain without a dark one";
+}
+
+TEST(ColorTest, ConversionsKeepComponents) {
+  const KvColor color = unclamped(2, -1, 0.5, 0.25);
+  EXPECT_EQ(color.uiColor(), UIColor(2, -1, 0.5, 0.25));
+  EXPECT_EQ(color.uiColorWithAlpha(3), UIColor(2, -1, 0.5, 3));
+  EXPECT_EQ(color.getUIColorWithAlphaMultipliedBy(8), UIColor(2, -1, 0.5, 2));
+  EXPECT_EQ(color.cgColor(), (CGColor{{2, -1, 0.5, 0.25}}));
+  EXPECT_EQ(color.ciColor(), (CIColor{{2, -1, 0.5, 0.25}}));
+  EXPECT_EQ(KvColor::cgColors({color, KvColor::whiteColor()}),
+            (std::vector{CGColor{{2, -1, 0.5, 0.25}}, CGColor{{1, 1, 1, 1}}}));
+  EXPECT_TRUE(KvColor::cgColors({}).empty());
+  EXPECT_EQ(KvColor::kvColorsWithColors({UIColor(2, 0, 0, 1), UIColor(0, 0, 1, 0)}),
+            (std::vector{KvColor(1, 0, 0), KvColor(0, 0, 1, 0)}));
+  EXPECT_EQ(KvColor::withHexString("#FF8000"), KvColor(1, 128 / 255.0, 0));
+  EXPECT_FALSE(KvColor::withHexString("FF80"));
+}
+
+TEST(ColorTest, LightnessIsStrictAndLeavesTheMiddleToNeither) {
+  struct Case {
+    double grey;
+    const char* expected;
+  };
+  for (const Case& c : {Case{0.05, "dark very-dark"}, Case{0.1, "dark"}, Case{0.29, "dark"},
+                        Case{0.3, ""}, Case{0.4, ""}, Case{0.5, ""}, Case{0.51, "light"},
+                        Case{0.9, "light"}, Case{0.95, "light very-light"}}) {
+    SCOPED_TRACE(c.grey);
+    const KvColor color = KvColor::withWhite(c.grey, 1);
+    std::string found;
+    const auto add = [&found](bool holds, const char* word) {
+      if (holds) found += (found.empty() ? "" : " ") + std::string(word);
+    };
+    add(color.isLight(), "light");
+    add(color.isDark(), "dark");
+    add(color.isVeryLight(), "very-light");
+    add(color.isVeryDark(), "very-dark");
+    EXPECT_EQ(found, c.expected);
+    EXPECT_EQ(KvColor::isLightnessLight(c.grey), color.isLight());
+  }
+  EXPECT_TRUE(KvColor(1, 0.1, 0.1).isLight()) << "by lightness, not by the mean";
+}
+
+TEST(ColorTest, BoundsOfWhiteOpaqueAndNoColour) {
+  EXPECT_TRUE(KvColor::whiteColor().isWhite());
+  EXPECT_FALSE(KvColor(1, 1, 1 - epsilon / 2).isWhite()) << "lightness 1, but saturation 1 too";
+  EXPECT_FALSE(KvColor::withWhite(1 - epsilon, 1).isWhite());
+  EXPECT_TRUE(unclamped(0, 0, 0, 1 - epsilon / 2).isOpaque());
+  EXPECT_FALSE(unclamped(0, 0, 0, 1 - epsilon).isOpaque());
+  EXPECT_TRUE(KvColor(0, 0, 0, 0).isNoColor());
+  EXPECT_TRUE(unclamped(-5, -5, -5, -5).isNoColor());
+  for (const KvColor& color : {KvColor(epsilon, 0, 0, 0), KvColor(0, epsilon, 0, 0),
+                               KvColor(0, 0, epsilon, 0), KvColor(0, 0, 0, epsilon)})
+    EXPECT_FALSE(color.isNoColor());
+}
+
+TEST(ColorTest, ArithmeticGivesClampedColours) {
+  const KvColor color(0.25, 0.5, 0.75, 0.5);
+  expectIs(color.addIntensity(0.5), 0.75, 1, 1, 0.5);
+  expectIs(color.addIntensity(-0.5), 0, 0, 0.25, 0.5);
+  expectIs(color.greyscale(), 0.5, 0.5, 0.5, 0.5);
+  expectIs(color.negative(), 0.75, 0.5, 0.25, 0.5);
+  expectIs(color.withAlphaComponent(7), 0.25, 0.5, 0.75, 1);
+  expectIs(unclamped(3, -1, 0.5, 4).negative(), 0, 1, 0.5, 1);
+  expectNear(color.getColorWithSaturationMultipliedBy(1), 0.125, 0.5, 0.875);
+  EXPECT_EQ(color.getColorWithSaturationMultipliedBy(1).alpha, 0.5);
+
+  EXPECT_EQ(color.intensityDifferenceWithColor(KvColor(0.5, 0.25, 0.75, 1)), 0.5 / 3);
+  EXPECT_EQ(color.intensityDifferenceWithColor(std::nullopt), 0);
+
+  const KvColor other(0.75, 0, 0.25, 0);
+  expectIs(color.interpolateWithColorWithColor(other, 0.25), 0.375, 0.375, 0.625, 0.375);
+  expectIs(color.interpolateWithColorWithColor(other, -3), 0.25, 0.5, 0.75, 0.5);
+  expectIs(color.interpolateWithColorWithColor(other, 3), 0.75, 0, 0.25, 0);
+  // The formula, whose rounding at 1 need not give the other colour.
+  EXPECT_EQ(KvColor(0.7, 0, 0).interpolateWithColorWithColor(KvColor(0.1, 0, 0), 1).red,
+            0.7 + (0.1 - 0.7));
+  EXPECT_NE(0.7 + (0.1 - 0.7), 0.1);
+}
+
+TEST(ColorTest, SaturationAndLightnessAreBoundedAboveOnly) {
+  KvColor color(0.75, 0.25, 0.25, 0.5);  // hue 0, saturation 0.5, lightness 0.5
+  color.addSaturation(9, 0);
+  expectNear(color, 1, 0, 0);
+  color.addSaturation(0, 9);
+  expectNear(color, 1, 1, 1);
+  EXPECT_EQ(color.alpha, 0.5);
+
+  KvColor below(0.75, 0.25, 0.25);
+  below.addSaturation(0, -1);  // lightness -0.5 is kept
+  expectNear(below, -0.75, -0.25, -0.25);
+  KvColor grey = KvColor::withWhite(0.5, 1);
+  grey.addSaturation(0.5, 0);  // greys have hue 0
+  expectNear(grey, 0.75, 0.25, 0.25);
+
+  KvColor multiplied(0.75, 0.25, 0.25, 0.5);
+  multiplied.multiplySaturationBy(0.5, 0.5);
+  expectNear(multiplied, 0.3125, 0.1875, 0.1875);
+  multiplied.multiplySaturationBy(100, 100);
+  expectNear(multiplied, 1, 1, 1);
+  multiplied = KvColor(0.75, 0.25, 0.25);
+  multiplied.multiplySaturationBy(1, -1);
+  expectNear(multiplied, -0.75, -0.25, -0.25);
+}
+
+TEST(ColorTest, RandomColoursDiffer) {
+  std::set<std::string> seen;
+  double least = 1;
+  double most = 0;
+  for (int i = 0; i < 1000; ++i) {
+    const KvColor color = KvColor::random();
+    seen.insert(color.description());
+    for (const double component : {color.red, color.green, color.blue}) {
+      EXPECT_TRUE(component >= 0 && component <= 1);
+      least = std::fmin(least, component);
+      most = std::fmax(most, component);
+    }
+    EXPECT_EQ(color.alpha, 1);
+  }
+  EXPECT_EQ(seen.size(), 1000);
+  // 3000 uniform numbers stay out of a tenth with a chance of 1e-137.
+  EXPECT_LT(least, 0.1);
+  EXPECT_GT(most, 0.9);
+}
+
+}  // namespace
+}  // namespace FrameworkUtility
