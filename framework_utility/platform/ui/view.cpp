@@ -61,6 +61,11 @@ std::string_view UIView::className() const { return "UIView"; }
 
 Rect UIView::frame() const { return contents_->frame; }
 
+void UIView::setFrame(const Rect& frame) {
+  contents_->frame = frame;
+  contents_->bounds.size = frame.size;
+}
+
 Rect UIView::bounds() const { return contents_->bounds; }
 
 void UIView::setBounds(const Rect& bounds) {

@@ -28,6 +28,14 @@ TEST(ViewTest, StartsWithTheBoundsOfItsFrame) {
   EXPECT_EQ(UIWindow().className(), "UIWindow");
 }
 
+TEST(ViewTest, AnotherFrameKeepsTheScrolling) {
+  UIView view(Rect(10, 20, 30, 40));
+  view.setBounds(Rect(5, 500, 30, 40));
+  view.setFrame(Rect(1, 2, 3, 4));
+  EXPECT_EQ(view.frame(), Rect(1, 2, 3, 4));
+  EXPECT_EQ(view.bounds(), Rect(5, 500, 3, 4));
+}
+
 TEST(ViewTest, OtherBoundsKeepTheCentre) {
   UIView view(Rect(10, 20, 30, 40));
   view.setBounds(Rect(0, 500, 30, 40));  // scrolled
