@@ -31,7 +31,8 @@ lint() {
     local name
     case $file in
       tests/consumer/* | tests/layers/*) continue ;;  # projects of their own
-      examples/save_photo.cpp | *_fuzz.cpp | *_bench.cpp)  # named without their ending
+      examples/*/*) name=$(basename "$file") ;;
+      examples/* | *_fuzz.cpp | *_bench.cpp)  # named without their ending
         name=$(basename "$file" .cpp) name=${name%_fuzz} name=${name%_bench} ;;
       *) name=$(basename "$file") ;;
     esac
