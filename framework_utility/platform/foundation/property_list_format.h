@@ -1,8 +1,5 @@
 #pragma once
 
-#include <framework_utility/platform/foundation/date.h>
-
-#include <chrono>
 #include <cstddef>
 #include <cstdint>
 
@@ -45,11 +42,5 @@ inline constexpr unsigned falseMarker = 0x08;
 inline constexpr unsigned trueMarker = 0x09;
 /// In place of a length: an integer object with the length follows the marker.
 inline constexpr unsigned lengthFollows = 0xF;
-
-/// Dates count from here, and lie less than `propertyListReach` from here: some 291,000 years, so
-/// that counting from 1970 instead still fits in a `Date`.
-inline constexpr Date propertyListEpoch =
-    std::chrono::sys_days{std::chrono::year{2001} / std::chrono::January / 1};
-inline constexpr Date::duration propertyListReach{9'200'000'000'000'000'000};
 
 }  // namespace FrameworkUtility::detail

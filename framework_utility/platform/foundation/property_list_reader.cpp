@@ -1,12 +1,13 @@
 #include <framework_utility/platform/foundation/property_list.h>
 
+#include <framework_utility/platform/foundation/equal_keys.h>
 #include <framework_utility/platform/foundation/platform_error.h>
 #include <framework_utility/platform/foundation/property_list_format.h>
+#include <framework_utility/platform/foundation/reference_date.h>
 #include <framework_utility/platform/foundation/utf16.h>
 
 #include <algorithm>
 #include <bit>
-#include <cmath>
 #include <limits>
 #include <new>
 #include <utility>
@@ -21,22 +22,12 @@ using Bytes = std::span<const std::byte>;
 constexpr std::size_t freeExpansion = 64 * 1024;
 constexpr std::size_t valueCost = 8;
 constexpr std::size_t largestDepth = 512;
-/// Above this many entries equal keys are found by sorting.
-constexpr std::size_t fewEntries = 16;
 
 /// At most 8 bytes.
 std::uint64_t bigEndian(Bytes bytes) {
   std::uint64_t value = 0;
   for (const std::byte byte : bytes) value = value << 8 | std::to_integer<std::uint64_t>(byte);
   return value;
-}
-
-bool hasEqualKeys(const Dictionary& dictionary) {
-  std::vector<std::string_view> keys;
-  keys.reserve(dictionary.size());
-  for (const auto& entry : dictionary) keys.push_back(*entry.key.text());
-  std::sort(keys.begin(), keys.end());
-  return std::adjacent_find(keys.begin(), keys.end()) != keys.end();
 }
 
 /// Reads objects by their number. Each `read` gives nothing when the bytes are corrupt.
@@ -185,10 +176,8 @@ class Reader {
   std::optional<Value> readDate(const Object& object) const {
     const std::optional<Bytes> bytes = bytesAt(object.contents, 8);
     if (!bytes || object.low != 3) return std::nullopt;
-    const double microseconds = std::round(std::bit_cast<double>(bigEndian(*bytes)) * 1e6);
-    if (!(std::abs(microseconds) < static_cast<double>(propertyListReach.count())))
-      return std::nullopt;
-    return Value(propertyListEpoch + Date::duration(static_cast<std::int64_t>(microseconds)));
+    const auto date = dateWithSecondsSinceReferenceDate(std::bit_cast<double>(bigEndian(*bytes)));
+    return date ? std::optional<Value>(*date) : std::nullopt;
   }
 
   std::optional<Value> readData(const Object& object) {
@@ -264,12 +253,12 @@ class Reader {
           (keyObject->marker != Marker::ascii && keyObject->marker != Marker::utf16))
         return std::nullopt;
       std::optional<std::string> key = readText(*keyObject);
-      if (!key || (count <= fewEntries && dictionary.find(*key))) return std::nullopt;
+      if (!key) return std::nullopt;
       std::optional<Value> value = readObject(reference(*references, count + i));
       if (!value) return std::nullopt;
       dictionary.append(*std::move(key), *std::move(value));
     }
-    if (count > fewEntries && hasEqualKeys(dictionary)) return std::nullopt;
+    if (hasEqualKeys(dictionary)) return std::nullopt;
     return Value(std::move(dictionary));
   }
 

@@ -2,6 +2,7 @@
 
 #include <framework_utility/platform/foundation/platform_error.h>
 #include <framework_utility/platform/foundation/property_list_format.h>
+#include <framework_utility/platform/foundation/reference_date.h>
 #include <framework_utility/platform/foundation/utf16.h>
 
 #include <algorithm>
@@ -63,11 +64,14 @@ class Writer {
   struct WideText {
     std::u16string units;
   };
+  struct Seconds {
+    double sinceReferenceDate;
+  };
   struct UID {
     std::uint64_t number;
   };
   using Object =
-      std::variant<Number, std::string_view, WideText, const Data*, Date, UID, Container>;
+      std::variant<Number, std::string_view, WideText, const Data*, Seconds, UID, Container>;
 
   // Each gives the number of the object, and nothing for what no property list can hold.
 
@@ -77,10 +81,8 @@ class Writer {
     if (const auto* text = value.as<std::string>()) return placeText(*text);
     if (const auto* data = value.as<Data>()) return add(data);
     if (const auto* date = value.as<Date>()) {
-      if (*date <= propertyListEpoch - propertyListReach ||
-          *date >= propertyListEpoch + propertyListReach)
-        return std::nullopt;
-      return add(*date);
+      const std::optional<double> seconds = secondsSinceReferenceDate(*date);
+      return seconds ? std::optional(add(Seconds{*seconds})) : std::nullopt;
     }
     if (const auto* array = value.as<Array>()) return placeArray(*array);
     if (const auto* dictionary = value.as<Dictionary>()) return placeDictionary(*dictionary);
@@ -204,10 +206,9 @@ class Writer {
     out_.insert(out_.end(), data->begin(), data->end());
   }
 
-  void write(Date date) {
+  void write(Seconds seconds) {
     putMarker(Marker::date, 3);
-    const std::chrono::duration<double> seconds = date - propertyListEpoch;
-    put(std::bit_cast<std::uint64_t>(seconds.count()), 8);
+    put(std::bit_cast<std::uint64_t>(seconds.sinceReferenceDate), 8);
   }
 
   void write(UID uid) {

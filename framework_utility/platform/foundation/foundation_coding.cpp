@@ -1,0 +1,172 @@
+#include <framework_utility/platform/foundation/coding_registry.h>
+
+#include <framework_utility/platform/foundation/coder_failure.h>
+#include <framework_utility/platform/foundation/equal_keys.h>
+#include <framework_utility/platform/foundation/keyed_archiver.h>
+#include <framework_utility/platform/foundation/keyed_unarchiver.h>
+#include <framework_utility/platform/foundation/reference_date.h>
+
+#include <array>
+#include <utility>
+#include <vector>
+
+namespace FrameworkUtility::detail {
+namespace {
+
+// The keys of the platform's own classes.
+constexpr std::string_view objectsKey = "NS.objects";
+constexpr std::string_view keysKey = "NS.keys";
+constexpr std::string_view timeKey = "NS.time";
+constexpr std::string_view stringKey = "NS.string";
+constexpr std::string_view dataKey = "NS.data";
+constexpr std::string_view baseKey = "NS.base";
+constexpr std::string_view relativeKey = "NS.relative";
+
+bool always() { return true; }
+
+std::nullopt_t corrupt(NSKeyedUnarchiver& coder, std::string_view reason) {
+  coder.failWithError(coderError(CoderError::readCorrupt, reason));
+  return std::nullopt;
+}
+
+std::optional<Value> decodeArray(NSKeyedUnarchiver& coder) {
+  std::optional<Array> elements = coder.decodeObjectsForKey(objectsKey);
+  return elements ? std::optional<Value>(*std::move(elements)) : std::nullopt;
+}
+
+std::optional<Key> keyFrom(const Value& value) {
+  if (const auto* text = value.as<std::string>()) return Key(*text);
+  if (const auto* number = value.as<Number>()) return Key(*number);
+  return std::nullopt;
+}
+
+std::optional<Value> decodeDictionary(NSKeyedUnarchiver& coder) {
+  const std::optional<Array> keys = coder.decodeObjectsForKey(keysKey);
+  std::optional<Array> values = coder.decodeObjectsForKey(objectsKey);
+  if (!keys || !values) return std::nullopt;
+  if (keys->size() != values->size())
+    return corrupt(coder, "a dictionary has more keys than values, or fewer");
+  Dictionary dictionary;
+  dictionary.reserve(keys->size());
+  for (std::size_t i = 0; i < keys->size(); ++i) {
+    std::optional<Key> key = keyFrom((*keys)[i]);
+    if (!key) return corrupt(coder, "a key of a dictionary is neither text nor number");
+    dictionary.append(*std::move(key), std::move((*values)[i]));
+  }
+  if (hasEqualKeys(dictionary)) return corrupt(coder, "two keys of a dictionary are equal");
+  return Value(std::move(dictionary));
+}
+
+std::optional<Value> decodeDate(NSKeyedUnarchiver& coder) {
+  const auto date = dateWithSecondsSinceReferenceDate(coder.decodeDoubleForKey(timeKey));
+  if (!date) return corrupt(coder, "a date is out of range");
+  return Value(*date);
+}
+
+std::optional<Value> decodeURL(NSKeyedUnarchiver& coder) {
+  if (coder.decodeObjectOfClasses({"NSURL"}, baseKey))
+    return corrupt(coder, "a URL that is relative to another is not read");
+  const std::optional<Value> relative = coder.decodeObjectOfClasses({"NSString"}, relativeKey);
+  const auto* text = relative ? relative->as<std::string>() : nullptr;
+  std::optional<URL> url = text ? URL::withString(*text) : std::nullopt;
+  if (!url) return corrupt(coder, "a URL is none");
+  return Value(*std::move(url));
+}
+
+std::optional<Value> decodeNull(NSKeyedUnarchiver&) { return Value(); }
+
+/// Of a text that could be changed: those are objects of their own.
+std::optional<Value> decodeString(NSKeyedUnarchiver& coder) {
+  std::optional<Value> text = coder.decodeObjectOfClasses({"NSString"}, stringKey);
+  if (!text || !text->as<std::string>()) return corrupt(coder, "a text is none");
+  return text;
+}
+
+std::optional<Value> decodeData(NSKeyedUnarchiver& coder) {
+  std::optional<Data> data = coder.decodeBytesForKey(dataKey);
+  if (!data) return corrupt(coder, "data is none");
+  return Value(*std::move(data));
+}
+
+/// Numbers stand in archives without a class; only lists of classes name it.
+std::optional<Value> decodeNumber(NSKeyedUnarchiver& coder) {
+  return corrupt(coder, "a number with a class is not read");
+}
+
+enum FoundationClass : std::size_t {
+  array,
+  data,
+  date,
+  dictionary,
+  null,
+  number,
+  string,
+  url,
+  mutableArray,
+  mutableData,
+  mutableDictionary,
+  mutableString,
+};
+
+const std::array<CodingClass, 12>& table() {
+  static const std::array<CodingClass, 12> classes{{
+      {"NSArray", {}, decodeArray, always},
+      {"NSData", {}, decodeData, always},
+      {"NSDate", {}, decodeDate, always},
+      {"NSDictionary", {}, decodeDictionary, always},
+      {"NSNull", {}, decodeNull, always},
+      {"NSNumber", {"NSValue"}, decodeNumber, always},
+      {"NSString", {}, decodeString, always},
+      {"NSURL", {}, decodeURL, always},
+      {"NSMutableArray", {"NSArray"}, decodeArray, always},
+      {"NSMutableData", {"NSData"}, decodeData, always},
+      {"NSMutableDictionary", {"NSDictionary"}, decodeDictionary, always},
+      {"NSMutableString", {"NSString"}, decodeString, always},
+  }};
+  return classes;
+}
+
+}  // namespace
+
+std::span<const CodingClass> foundationClasses() { return table(); }
+
+const CodingClass& foundationClassOf(const Value& value) {
+  const FoundationClass index = value.as<Array>()         ? array
+                                : value.as<Data>()        ? data
+                                : value.as<Date>()        ? date
+                                : value.as<Dictionary>()  ? dictionary
+                                : value.as<Number>()      ? number
+                                : value.as<std::string>() ? string
+                                : value.as<URL>()         ? url
+                                                          : null;
+  return table()[index];
+}
+
+void encodeFoundationValue(const Value& value, NSKeyedArchiver& coder) {
+  std::vector<const Value*> objects;
+  if (const auto* elements = value.as<Array>()) {
+    for (const Value& element : *elements) objects.push_back(&element);
+    coder.encodeObjects(objects, objectsKey);
+  } else if (const auto* entries = value.as<Dictionary>()) {
+    Array keys;
+    keys.reserve(entries->size());  // or the pointers would not stay good
+    for (const auto& [key, entry] : *entries) {
+      keys.push_back(key.text() ? Value(*key.text()) : Value(*key.number()));
+      objects.push_back(&keys.back());
+    }
+    coder.encodeObjects(objects, keysKey);
+    objects.clear();
+    for (const auto& entry : *entries) objects.push_back(&entry.value);
+    coder.encodeObjects(objects, objectsKey);
+  } else if (const auto* moment = value.as<Date>()) {
+    if (const std::optional<double> seconds = secondsSinceReferenceDate(*moment))
+      coder.encodeDouble(*seconds, timeKey);
+    else
+      coder.failWithError(coderError(CoderError::invalidValue, "a date is out of range"));
+  } else if (const auto* address = value.as<URL>()) {
+    coder.encodeObject(std::nullopt, baseKey);
+    coder.encodeObject(Value(address->absoluteString()), relativeKey);
+  }
+}
+
+}  // namespace FrameworkUtility::detail
