@@ -12,11 +12,12 @@
 namespace FrameworkUtility::dates {
 
 /// "yyyy:MM:dd HH:mm:ss", the form of dates in photos, in the user's time zone, calendar and
-/// digits. Not UTC in spite of the name, on purpose. Selector: utcFormatted
+/// digits. Not UTC in spite of the name, which is meant.
+/// Selector: utcFormatted
 std::string utcFormatted(Date date);
 
 /// The moment that `text` names in the form of `utcFormatted`, but read as UTC: what
-/// `utcFormatted` wrote comes back shifted by the zone's offset, on purpose. Absent unless the
+/// `utcFormatted` wrote comes back shifted by the zone's offset, which is meant. Absent unless the
 /// whole text is such a date, strictly.
 std::optional<Date> dateFromTextInUTC(std::string_view text);
 

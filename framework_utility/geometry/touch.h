@@ -181,7 +181,8 @@ class KvExtendTouch : public Base, public KvExtendTouchProtocol {
   }
   /// Whether the hit area contains `point`, when there are insets and the view is not hidden and
   /// takes touches; in every other case what `Base` answers. So a hidden view does not refuse,
-  /// which is meant. Selector: pointInside:withEvent:
+  /// which is meant.
+  /// Selector: pointInside:withEvent:
   bool pointInside(Point point, const UIEvent* event) const override {
     const bool ownArea = this->hitTestEdgeInsets() != EdgeInsets{} &&
                          this->isUserInteractionEnabled() && !this->isHidden();

@@ -26,10 +26,9 @@ class NSKeyedUnarchiver;
 //       void encodeWithCoder(NSKeyedArchiver& coder) const;
 //     };
 //
-//     auto data = NSKeyedArchiver::archivedDataWithRootObject(boxed(stroke),
-//     SecureCoding::required); auto root =
-//     NSKeyedUnarchiver::unarchivedObjectOfClasses({"Sketch.Stroke"}, *data); const Stroke* again =
-//     root ? unboxed<Stroke>(*root) : nullptr;
+//     auto data = NSKeyedArchiver::archivedDataWithRootObject(boxed(s), SecureCoding::required);
+//     auto root = NSKeyedUnarchiver::unarchivedObjectOfClasses({"Sketch.Stroke"}, *data);
+//     const Stroke* again = root ? unboxed<Stroke>(*root) : nullptr;
 //
 // A class of objects with identity takes the role `NSCoding` and calls `registerCodingClass`.
 
@@ -41,7 +40,8 @@ class NSCoding {
  public:
   virtual ~NSCoding();
 
-  /// Writes the object's parts under their keys. Selector: encodeWithCoder:
+  /// Writes the object's parts under their keys.
+  /// Selector: encodeWithCoder:
   virtual void encodeWithCoder(NSKeyedArchiver& coder) const = 0;
 };
 

@@ -48,7 +48,8 @@ class NSKeyedArchiver {
   void encodeBool(bool value, std::string_view key);           ///< Selector: encodeBool:forKey:
   void encodeInt32(std::int32_t value, std::string_view key);  ///< Selector: encodeInt32:forKey:
   void encodeInt64(std::int64_t value, std::string_view key);  ///< Selector: encodeInt64:forKey:
-  /// In single precision. Selector: encodeFloat:forKey:
+  /// In single precision.
+  /// Selector: encodeFloat:forKey:
   void encodeFloat(float value, std::string_view key);
   void encodeDouble(double value, std::string_view key);  ///< Selector: encodeDouble:forKey:
   /// Selector: encodeBytes:length:forKey:

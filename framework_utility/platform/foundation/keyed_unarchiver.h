@@ -31,7 +31,8 @@ namespace FrameworkUtility {
 class NSKeyedUnarchiver {
  public:
   /// Looks at `data` during its own life only: `data` may go. Bytes that are no archive show in
-  /// `error()`. Selector: initForReadingFromData:error:
+  /// `error()`.
+  /// Selector: initForReadingFromData:error:
   explicit NSKeyedUnarchiver(std::span<const std::byte> data, const ArchiveLimits& limits = {});
   /// Requires secure coding; `classes` is what decoding without a list of its own allows.
   NSKeyedUnarchiver(const ClassNames& classes, std::span<const std::byte> data,
@@ -42,7 +43,8 @@ class NSKeyedUnarchiver {
 
   /// The root, decoded securely. Fails with `CoderError::readCorrupt`, with
   /// `CoderError::valueNotFound` when there is no root or it is nil, and with what an object failed
-  /// with. Selector: unarchivedObjectOfClasses:fromData:error:
+  /// with.
+  /// Selector: unarchivedObjectOfClasses:fromData:error:
   [[nodiscard]] static std::optional<Value> unarchivedObjectOfClasses(
       const ClassNames& classes, std::span<const std::byte> data, Error* error = nullptr);
   /// The root, of any registered class: for data that the app itself has written. Fails the same.
@@ -50,7 +52,8 @@ class NSKeyedUnarchiver {
   [[nodiscard]] static std::optional<Value> unarchiveTopLevelObjectWithData(
       std::span<const std::byte> data, Error* error = nullptr);
 
-  /// Whether the key is there, be its object nil. Selector: containsValueForKey:
+  /// Whether the key is there, be its object nil.
+  /// Selector: containsValueForKey:
   bool containsValueForKey(std::string_view key) const;
 
   // A number of another kind is a failure: an integer where a floating one is asked for, or the
@@ -79,7 +82,8 @@ class NSKeyedUnarchiver {
   /// Ends the decoding: what an object calls that finds its parts to be wrong.
   /// Selector: failWithError:
   void failWithError(const Error& error);
-  /// The first failure; absent while there is none. Selector: error
+  /// The first failure; absent while there is none.
+  /// Selector: error
   const std::optional<Error>& error() const;
 
  private:

@@ -18,6 +18,7 @@ std::string pathExtension(std::string_view path);
 /// "/" of "/a", "" of "a", "a" of "a/b/".
 /// Selector: stringByDeletingLastPathComponent
 std::string deletingLastPathComponent(std::string_view path);
+/// "/a/b" of "/a/b.txt"; a path without an extension unchanged.
 /// Selector: stringByDeletingPathExtension
 std::string deletingPathExtension(std::string_view path);
 /// One "/" between both.

@@ -66,7 +66,8 @@ struct PropertyListLimits {
 /// The bytes of a binary property list, equal texts written once. Fails with `writeInvalid` for a
 /// null value, a URL, an error, an object other than `PropertyListUID`, a key that is a number, a
 /// text that is not UTF-8, a date some 291,000 years away, and values that nest more than 64 deep.
-/// Thread: any. Selector: dataWithPropertyList:format:options:error:
+/// Thread: any.
+/// Selector: dataWithPropertyList:format:options:error:
 [[nodiscard]] std::optional<Data> dataWithPropertyList(const Value& value, Error* error = nullptr);
 
 }  // namespace FrameworkUtility

@@ -40,7 +40,8 @@ class NSValueTransformer {
   /// name from then on; else null.
   /// Selector: valueTransformerForName:
   static std::shared_ptr<const NSValueTransformer> valueTransformerForName(std::string_view name);
-  /// In alphabetical order. Selector: valueTransformerNames
+  /// In alphabetical order.
+  /// Selector: valueTransformerNames
   static std::vector<std::string> valueTransformerNames();
 
   /// Makes a class known by its name.

@@ -14,12 +14,14 @@
 
 namespace FrameworkUtility {
 
+/// What sends an action when it is used.
 class UIControl : public UIView {
  public:
   using UIView::UIView;
   std::string_view className() const override;
 };
 
+/// A control to press.
 class UIButton : public UIControl {
  public:
   using UIControl::UIControl;
