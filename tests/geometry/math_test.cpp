@@ -1,4 +1,5 @@
 #include <framework_utility/geometry/math.h>
+#include <tests/geometry/numbers.h>
 
 #include <gtest/gtest.h>
 
@@ -7,11 +8,12 @@
 #include <cstdint>
 #include <limits>
 #include <numbers>
-#include <random>
 #include <set>
 
 namespace FrameworkUtility {
 namespace {
+
+using testing::Numbers;
 
 constexpr double pi = std::numbers::pi;
 constexpr double nan = std::numeric_limits<double>::quiet_NaN();
@@ -19,20 +21,6 @@ constexpr double infinity = std::numeric_limits<double>::infinity();
 constexpr double largest = std::numeric_limits<double>::max();
 constexpr std::int64_t lowestInteger = std::numeric_limits<std::int64_t>::min();
 constexpr std::int64_t highestInteger = std::numeric_limits<std::int64_t>::max();
-
-/// The same numbers in each run.
-class Numbers {
- public:
-  double between(double low, double high) {
-    return std::uniform_real_distribution(low, high)(bits_);
-  }
-  double whole(int low, int high) { return std::uniform_int_distribution(low, high)(bits_); }
-  Point point() { return {between(-2000, 2000), between(-2000, 2000)}; }
-  Size size() { return {between(0.01, 2000), between(0.01, 2000)}; }
-
- private:
-  std::mt19937_64 bits_{20240517};
-};
 
 double stepwise(double value, double min, double max) {
   while (value < min) value += max - min;

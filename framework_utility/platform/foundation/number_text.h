@@ -10,4 +10,8 @@ namespace FrameworkUtility {
 /// "0.0" and "-0.0"; the rest is "inf", "-inf" and "nan". Thread: any.
 std::string textOfDouble(double value);
 
+/// The same with a fixed number of decimals, rounded correctly: "2.0", "-0.0", "0.1" for 0.125 with
+/// one. Thread: any.
+std::string textOfDouble(double value, int decimals);
+
 }  // namespace FrameworkUtility

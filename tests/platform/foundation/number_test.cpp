@@ -110,6 +110,16 @@ TEST(NumberTextTest, PlainInTheMiddleAndScientificOutside) {
   for (const auto& [value, text] : cases) EXPECT_EQ(textOfDouble(value), text);
 }
 
+TEST(NumberTextTest, FixedDecimalsRoundCorrectly) {
+  EXPECT_EQ(textOfDouble(2, 1), "2.0");
+  EXPECT_EQ(textOfDouble(0.25, 1), "0.2");
+  EXPECT_EQ(textOfDouble(0.35, 1), "0.3");  // the double is below
+  EXPECT_EQ(textOfDouble(-0.04, 1), "-0.0");
+  EXPECT_EQ(textOfDouble(1e23, 2), "99999999999999991611392.00");
+  EXPECT_EQ(textOfDouble(std::numeric_limits<double>::lowest(), 1).size(), 312u);
+  EXPECT_EQ(textOfDouble(-std::numeric_limits<double>::quiet_NaN(), 1), "nan");
+}
+
 TEST(NumberTextTest, ReadsBackAsTheSameDouble) {
   for (int i = 0; i < 20'000; ++i) {
     const std::uint64_t bits =

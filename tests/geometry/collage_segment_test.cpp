@@ -1,0 +1,168 @@
+#include <framework_utility/geometry/collage_segment.h>
+#include <framework_utility/geometry/math.h>
+#include <tests/geometry/numbers.h>
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+#include <sstream>
+#include <string>
+#include <type_traits>
+
+namespace FrameworkUtility {
+namespace {
+
+using testing::Numbers;
+
+constexpr double epsilon = std::numeric_limits<double>::epsilon();
+
+static_assert(!std::is_default_constructible_v<KvCollageSegment>);
+
+KvCollageSegment verticalAt(double x) { return KvCollageSegment::withVertical(true, 0, 0, x); }
+
+KvCollageSegment sloped(double a, double b) {
+  return KvCollageSegment::withVertical(false, a, b, 0);
+}
+
+/// The y of a line that is not vertical.
+double yAt(const KvCollageSegment& line, double x) {
+  return line.intersectionPointWithSegment(verticalAt(x)).value().y;
+}
+
+double slope(const KvCollageSegment& line) { return yAt(line, 1) - yAt(line, 0); }
+
+TEST(KvCollageSegmentTest, IsVerticalBelowATenMillionth) {
+  EXPECT_TRUE(KvCollageSegment({10, 0}, {10 + 5e-8, 50}).isVertical);
+  EXPECT_FALSE(KvCollageSegment({10, 0}, {10 + 2e-7, 50}).isVertical);
+  EXPECT_FALSE(KvCollageSegment({1e-7, 0}, {0, 50}).isVertical);  // exactly there it is not
+  EXPECT_TRUE(KvCollageSegment({std::nextafter(1e-7, 0), 0}, {0, 50}).isVertical);
+
+  const KvCollageSegment point({3, 4}, {3, 4});
+  EXPECT_TRUE(point.isVertical);
+  EXPECT_EQ(point.length, 0);
+  EXPECT_EQ(point.intersectionPointWithSegment(sloped(2, 1)), (Point{3, 7}));
+}
+
+TEST(KvCollageSegmentTest, IntersectionsLieOnBothLines) {
+  Numbers numbers;
+  for (int i = 0; i < 2000; ++i) {
+    const Point p1 = numbers.point(), p2 = numbers.point(), p3 = numbers.point();
+    const KvCollageSegment line(p1, p2);
+    const KvCollageSegment other =
+        i % 4 == 0 ? KvCollageSegment(p3, {p3.x, p3.y + 1}) : KvCollageSegment(p3, numbers.point());
+    const std::optional<Point> at = line.intersectionPointWithSegment(other);
+    ASSERT_TRUE(at);
+    // Twice the area of the triangle with the line's points, over the base: the distance.
+    for (const KvCollageSegment& segment : {line, other}) {
+      const Point along{segment.p2.x - segment.p1.x, segment.p2.y - segment.p1.y};
+      const double area = along.x * (at->y - segment.p1.y) - along.y * (at->x - segment.p1.x);
+      const double size = std::abs(at->x) + std::abs(at->y) + 2000;
+      EXPECT_LT(std::abs(area) / segment.length, 1e-10 * size * (1 + std::abs(slope(line))));
+    }
+    const std::optional<Point> swapped = other.intersectionPointWithSegment(line);
+    EXPECT_NEAR(swapped.value().x, at->x, 1e-9 * (1 + std::abs(at->x)));
+  }
+}
+
+TEST(KvCollageSegmentTest, ParallelLinesDoNotMeet) {
+  EXPECT_FALSE(verticalAt(3).intersectionPointWithSegment(verticalAt(4)));
+  EXPECT_FALSE(verticalAt(3).intersectionPointWithSegment(verticalAt(3)));
+  EXPECT_FALSE(sloped(2, 1).intersectionPointWithSegment(sloped(2, 1)));
+  // A difference of exactly the machine epsilon is parallel still.
+  EXPECT_FALSE(sloped(1, 0).intersectionPointWithSegment(sloped(1 + epsilon, 1)));
+  EXPECT_TRUE(sloped(1, 0).intersectionPointWithSegment(sloped(1 + 2 * epsilon, 1)));
+}
+
+TEST(KvCollageSegmentTest, ParallelAndPerpendicularLinesGoThroughThePoint) {
+  Numbers numbers;
+  for (int i = 0; i < 1000; ++i) {
+    const KvCollageSegment line(numbers.point(), numbers.point());
+    const Point through = numbers.point();
+    const double tolerance = 1e-9 * (1 + std::abs(slope(line)) + 1 / std::abs(slope(line)));
+
+    const KvCollageSegment parallel = line.parallele(through);
+    EXPECT_FALSE(line.intersectionPointWithSegment(parallel));
+    EXPECT_NEAR(yAt(parallel, through.x), through.y, tolerance);
+
+    const KvCollageSegment perpendicular = line.perpandiculaire(through);
+    EXPECT_NEAR(slope(line) * slope(perpendicular), -1, tolerance);
+    EXPECT_NEAR(yAt(perpendicular, through.x), through.y, tolerance);
+    EXPECT_EQ(perpendicular.length, 0);
+    EXPECT_EQ(perpendicular.p1, Point{});
+  }
+
+  EXPECT_EQ(verticalAt(7).parallele({3, 4}).intersectionPointWithSegment(sloped(0, 0)),
+            (Point{3, 0}));
+  EXPECT_EQ(yAt(verticalAt(7).perpandiculaire({3, 4}), 100), 4);
+  EXPECT_EQ(sloped(0, 1).perpandiculaire({3, 4}).intersectionPointWithSegment(sloped(0, 9)),
+            (Point{3, 9}));
+  // A slope of exactly the machine epsilon is not horizontal.
+  EXPECT_TRUE(sloped(epsilon / 2, 1).perpandiculaire({3, 4}).isVertical);
+  EXPECT_FALSE(sloped(epsilon, 1).perpandiculaire({3, 4}).isVertical);
+}
+
+TEST(KvCollageSegmentTest, ContainsOnlyWhatIsComputedOnTheLine) {
+  EXPECT_TRUE(sloped(0, 0.5).containsPoint({9, std::nextafter(0.5, 1)}));  // half an epsilon off
+  EXPECT_FALSE(sloped(0, 1).containsPoint({9, std::nextafter(1, 2)}));     // a whole one
+  EXPECT_TRUE(verticalAt(0.5).containsPoint({std::nextafter(0.5, 0), 9}));
+  EXPECT_FALSE(verticalAt(1).containsPoint({std::nextafter(1, 2), 9}));
+  EXPECT_TRUE(KvCollageSegment({0, 0}, {3, 1}).containsPoint({7, 1.0 / 3 * 7}));
+}
+
+TEST(KvCollageSegmentTest, LocatesFromEitherEnd) {
+  Numbers numbers;
+  for (int i = 0; i < 1000; ++i) {
+    const Point p1 = numbers.point();
+    const Point p2 = i % 4 == 0 ? Point{p1.x, numbers.point().y} : numbers.point();
+    const KvCollageSegment segment(p1, p2);
+    const double distance = numbers.between(-3000, 3000);
+    const Point expected = Math::pointOnLineFrom(p1, p2, distance);
+    for (const Point at : {segment.locatePointOnStart(distance),
+                           segment.locatePointOnEndWithD(segment.length - distance)})
+      EXPECT_NEAR(Math::distanceBetweenPoint(at, expected), 0, 1e-8);
+  }
+
+  // A vertical line of length 0 goes up from its start, and down to its end.
+  const KvCollageSegment point({1, 1}, {1, 1});
+  EXPECT_EQ(point.locatePointOnStart(5), (Point{1, -4}));
+  EXPECT_EQ(point.locatePointOnEndWithD(5), (Point{1, 6}));
+  // Made from coefficients, its points are not even on it.
+  EXPECT_EQ(verticalAt(7).locatePointOnStart(5), (Point{0, -5}));
+  EXPECT_TRUE(std::isnan(sloped(1, 1).locatePointOnStart(5).x));
+}
+
+TEST(KvCollageSegmentTest, SettingAPointRecomputesNothing) {
+  KvCollageSegment segment({0, 0}, {4, 0});
+  segment.p2 = {4, 8};
+  EXPECT_EQ(segment.length, 4);
+  EXPECT_EQ(segment.locatePointOnStart(2), (Point{2, 4}));  // new points, old length
+  EXPECT_EQ(yAt(segment, 100), 0);
+  segment.p1 = {4, 0};
+  EXPECT_FALSE(segment.isVertical);
+}
+
+TEST(KvCollageSegmentTest, DescribesPointsCoefficientsOrBoth) {
+  const std::string vertical =
+      "KvCollageSegment: p1 [0.0, 0.0], p2 [0.0, 5.0], isVertical 1, Length 5.0.";
+  const std::pair<KvCollageSegment, std::string> cases[] = {
+      {KvCollageSegment({0, 0}, {0, 5}), vertical},
+      {sloped(2, 1), "KvCollageSegment: a 2.0, b 1.0, c 0.0, isVertical 0."},
+      {verticalAt(-7.25), "KvCollageSegment: a 0.0, b 0.0, c -7.2, isVertical 1."},
+      // From left to right a horizontal line's slope is 0 over a negative difference.
+      {KvCollageSegment({0, 2}, {1, 2}),
+       "KvCollageSegment: p1 [0.0, 2.0], p2 [1.0, 2.0], a -0.0, b 2.0, c 0.0, isVertical 0, "
+       "Length 1.0."},
+      {sloped(0, 0), "KvCollageSegment: p1 [0.0, 0.0], p2 [0.0, 0.0], isVertical 0, Length 0.0."},
+      {sloped(epsilon, 0),
+       "KvCollageSegment: p1 [0.0, 0.0], p2 [0.0, 0.0], isVertical 0, Length 0.0."},
+      {sloped(2 * epsilon, 0), "KvCollageSegment: a 0.0, b 0.0, c 0.0, isVertical 0."}};
+  for (const auto& [segment, text] : cases) EXPECT_EQ(segment.description(), text);
+
+  std::ostringstream out;
+  out << KvCollageSegment({0, 0}, {0, 5});
+  EXPECT_EQ(out.str(), vertical);
+}
+
+}  // namespace
+}  // namespace FrameworkUtility
