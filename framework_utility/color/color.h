@@ -1,7 +1,10 @@
 #pragma once
 
 #include <framework_utility/color/hsl.h>
+#include <framework_utility/platform/foundation/coding.h>
+#include <framework_utility/platform/foundation/data.h>
 #include <framework_utility/platform/foundation/description.h>
+#include <framework_utility/platform/foundation/error.h>
 #include <framework_utility/platform/graphics/ui_color.h>
 
 #include <cstddef>
@@ -63,6 +66,10 @@ class KvColor {
   /// included.
   /// Selector: initWithHexString:
   static std::optional<KvColor> withHexString(std::string_view text);
+  /// "R", "G", "B" in single precision, not clamped; where one of them is missing, "H", "S", "L",
+  /// as they were written once. Alpha is 1 without "A". Absent when neither three are complete.
+  /// Selector: initWithCoder:
+  static std::optional<KvColor> withCoder(NSKeyedUnarchiver& coder);
 
   /// Selector: blackColor
   static KvColor blackColor();
@@ -161,6 +168,32 @@ class KvColor {
   /// Clamped, and without the variants.
   /// Selector: copyWithZone:
   KvColor copy() const;
+
+  /// A secure keyed archive, in single precision and without the variants: 47 of the hundredths
+  /// from 0 to 1 come back with another identity, bytes of 255 all with their own. Fails with
+  /// `ArchiveError::archivingFailed`.
+  /// Selector: archivedDataAndReturnError:
+  [[nodiscard]] std::optional<Data> archivedData(Error* error = nullptr) const;
+  /// Fails with `ArchiveError`: `dataIsNil`; `unarchivingFailed` for bytes that are no archive, or
+  /// one of another class; `colorIsNil` for an archive of a number, or of a colour without
+  /// components.
+  /// Selector: unarchivedData:error:
+  [[nodiscard]] static std::optional<KvColor> unarchivedData(const std::optional<Data>& data,
+                                                             Error* error = nullptr);
+  /// "R", "G", "B", "A" in single precision.
+  /// Selector: encodeWithCoder:
+  void encodeWithCoder(NSKeyedArchiver& coder) const;
+  /// As archives say it.
+  static std::string_view className();
+  /// True at first.
+  /// Selector: supportsSecureCoding
+  static bool supportsSecureCoding();
+  /// For the whole process: without it neither archiving nor unarchiving works.
+  /// Selector: setSupportsSecureCoding:
+  static void setSupportsSecureCoding(bool supported);
+  /// What reading an archive allows: colours and numbers.
+  /// Selector: unarchivedObjectOfClasses
+  static ClassNames unarchivedObjectOfClasses();
 
  private:
   explicit KvColor(const RGBA& components);

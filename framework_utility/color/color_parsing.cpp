@@ -72,7 +72,7 @@ Array piecesOf(std::u16string_view text) {
 }
 
 std::optional<UIColor> colorWithText(std::string_view text) {
-  if (const std::optional<UIColor> color = colorFromHexString(text)) return color;
+  if (std::optional<UIColor> color = colorFromHexString(text)) return color;
   const std::optional<std::u16string> units = detail::utf16FromUtf8(text);
   if (!units) return std::nullopt;
   return colorWithArray(piecesOf(*units));
@@ -82,7 +82,8 @@ std::optional<UIColor> colorWithText(std::string_view text) {
 
 std::optional<UIColor> colorFromHexString(std::string_view text, double alpha) {
   // A unit of UTF-16 takes at most three bytes of UTF-8, and a text may be of any size.
-  if (text.size() > 7 * 3) return std::nullopt;
+  constexpr std::size_t mostBytes = 21;
+  if (text.size() > mostBytes) return std::nullopt;
   const std::optional<std::u16string> units = detail::utf16FromUtf8(text);
   if (!units) return std::nullopt;
   std::u16string_view digits = *units;

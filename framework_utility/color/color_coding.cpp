@@ -1,0 +1,79 @@
+// Archives of colours.
+
+#include <framework_utility/color/color.h>
+#include <framework_utility/color/hsl.h>
+#include <framework_utility/platform/foundation/keyed_archiver.h>
+#include <framework_utility/platform/foundation/keyed_unarchiver.h>
+#include <framework_utility/services/errors/archive_error.h>
+#include <framework_utility/services/errors/error_factory.h>
+
+#include <atomic>
+
+namespace FrameworkUtility {
+
+namespace {
+
+std::atomic<bool> isSecure = true;
+
+std::nullopt_t fail(Error* error, const ErrorCode& code,
+                    const std::optional<Error>& cause = std::nullopt) {
+  if (error) *error = errorWithCode(code, std::nullopt, cause);
+  return std::nullopt;
+}
+
+}  // namespace
+
+std::string_view KvColor::className() { return "FrameworkUtility.KvColor"; }
+
+bool KvColor::supportsSecureCoding() { return isSecure; }
+
+void KvColor::setSupportsSecureCoding(bool supported) { isSecure = supported; }
+
+ClassNames KvColor::unarchivedObjectOfClasses() { return {className(), "NSNumber"}; }
+
+void KvColor::encodeWithCoder(NSKeyedArchiver& coder) const {
+  // Single precision, so that many colours come back with another identity; it is meant.
+  coder.encodeFloat(static_cast<float>(red), "R");
+  coder.encodeFloat(static_cast<float>(green), "G");
+  coder.encodeFloat(static_cast<float>(blue), "B");
+  coder.encodeFloat(static_cast<float>(alpha), "A");
+}
+
+std::optional<KvColor> KvColor::withCoder(NSKeyedUnarchiver& coder) {
+  const auto has = [&coder](std::string_view key) { return coder.containsValueForKey(key); };
+  const auto number = [&coder](std::string_view key) -> double {
+    return coder.decodeFloatForKey(key);
+  };
+  KvColor color = blackColor();
+  if (has("R") && has("G") && has("B")) {
+    color.red = number("R");
+    color.green = number("G");
+    color.blue = number("B");
+  } else if (has("H") && has("S") && has("L")) {  // as they were written once
+    color.setHueSaturationLightness({number("H"), number("S"), number("L")});
+  } else {
+    return std::nullopt;
+  }
+  if (has("A")) color.alpha = number("A");
+  return color;
+}
+
+std::optional<Data> KvColor::archivedData(Error* error) const {
+  Error cause;
+  std::optional<Data> data =
+      NSKeyedArchiver::archivedDataWithRootObject(boxed(*this), SecureCoding::required, &cause);
+  if (!data) return fail(error, ArchiveError::archivingFailed, cause);
+  return data;
+}
+
+std::optional<KvColor> KvColor::unarchivedData(const std::optional<Data>& data, Error* error) {
+  if (!data) return fail(error, ArchiveError::dataIsNil);
+  NSKeyedUnarchiver coder(unarchivedObjectOfClasses(), *data);
+  const std::optional<Value> root = coder.decodeTopLevelObjectForKey(NSKeyedArchiveRootObjectKey);
+  if (coder.error()) return fail(error, ArchiveError::unarchivingFailed, coder.error());
+  const auto* color = root ? unboxed<KvColor>(*root) : nullptr;
+  if (!color) return fail(error, ArchiveError::colorIsNil);
+  return *color;
+}
+
+}  // namespace FrameworkUtility
