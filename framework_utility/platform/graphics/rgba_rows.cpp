@@ -1,8 +1,8 @@
 #include <framework_utility/platform/graphics/rgba_rows.h>
 
+#include <framework_utility/platform/graphics/pixel_word.h>
+
 #include <algorithm>
-#include <bit>
-#include <cstring>
 #include <limits>
 
 namespace FrameworkUtility::detail {
@@ -19,22 +19,6 @@ constexpr std::uint32_t product(std::uint32_t a, std::uint32_t b) {
   const std::uint32_t t = a * b + (std::uint32_t{1} << (bits - 1));
   return (t + (t >> bits)) >> bits;
 }
-
-/// How far a word that was read from four bytes is shifted right to bring byte `index` lowest.
-int shiftOf(std::size_t index) {
-  return static_cast<int>(8 * (std::endian::native == std::endian::little ? index : 3 - index));
-}
-
-// Rows of 8-bit pixels are worked on in whole words, for these are what is vectorised without the
-// newest instructions.
-
-std::uint32_t wordAt(const std::uint8_t* p) {
-  std::uint32_t word = 0;
-  std::memcpy(&word, p, sizeof word);
-  return word;
-}
-
-void setWord(std::uint8_t* p, std::uint32_t word) { std::memcpy(p, &word, sizeof word); }
 
 /// Two components at once, 16 bits apart, times alpha: product<std::uint8_t> of each.
 std::uint32_t productOfPair(std::uint32_t pair, std::uint32_t alpha) {
@@ -240,6 +224,17 @@ void unpremultiply(std::uint8_t* row, std::size_t pixels) {
       out |= static_cast<std::uint32_t>(quotient<std::uint8_t, float>(v, alpha)) << shift[c];
     }
     setWord(row + 4 * x, out);
+  }
+}
+
+void blendOver(const std::uint8_t* source, std::uint8_t* row, std::size_t pixels) {
+  for (std::size_t x = 0; x < pixels; ++x) {
+    const std::uint32_t above = wordAt(source + 4 * x);
+    const std::uint32_t below = wordAt(row + 4 * x);
+    const std::uint32_t uncovered = 255 - (above >> shiftOf(3) & 255);
+    // No byte overflows: no component is above its alpha.
+    setWord(row + 4 * x, above + (productOfPair(below & 0x00FF00FF, uncovered) |
+                                  productOfPair(below >> 8 & 0x00FF00FF, uncovered) << 8));
   }
 }
 

@@ -61,4 +61,7 @@ void premultiply(std::uint16_t* row, std::size_t pixels);
 void unpremultiply(std::uint8_t* row, std::size_t pixels);
 void unpremultiply(std::uint16_t* row, std::size_t pixels);
 
+/// Lays a premultiplied row over another. No component of `source` may be above its alpha.
+void blendOver(const std::uint8_t* source, std::uint8_t* row, std::size_t pixels);
+
 }  // namespace FrameworkUtility::detail

@@ -1,0 +1,372 @@
+#include <framework_utility/platform/graphics/cg_context.h>
+
+#include <tests/platform/graphics/exact_gradient.h>
+#include <tests/platform/graphics/pictures.h>
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+#include <memory>
+#include <numbers>
+#include <random>
+#include <string>
+#include <vector>
+
+namespace FrameworkUtility {
+namespace {
+
+using testing::ExactGradient;
+using testing::expectExact;
+using enum CGImageAlphaInfo;
+using Kind = ExactGradient::Kind;
+
+CGGradient gradientOf(const ExactGradient& exact) {
+  std::vector<CGColor> colors;
+  for (const RGBA& color : exact.colors) colors.push_back({color});
+  return *CGGradient::createWithColors(colors, exact.locations);
+}
+
+void draw(CGContext& context, const ExactGradient& exact) {
+  if (exact.kind == Kind::linear) {
+    context.drawLinearGradient(gradientOf(exact), exact.start, exact.end);
+  } else {
+    context.drawRadialGradient(gradientOf(exact), exact.start, exact.radius);
+  }
+}
+
+/// A context whose points begin at the top left, as those of the image renderer.
+std::unique_ptr<CGContext> contextOf(std::size_t width, std::size_t height, double scale = 1) {
+  auto context = CGContext::createBitmap(width, height);
+  context->concatCTM({scale, 0, 0, -scale, 0, static_cast<double>(height)});
+  return context;
+}
+
+CGImage drawn(const ExactGradient& exact, std::size_t width, std::size_t height, double scale = 1) {
+  const auto context = contextOf(width, height, scale);
+  draw(*context, exact);
+  return *context->createImage();
+}
+
+std::array<std::uint8_t, 4> pixelAt(const CGImage& image, std::size_t x, std::size_t y) {
+  const auto* p = reinterpret_cast<const std::uint8_t*>(image.pixels().data()) +
+                  y * image.layout().bytesPerRow + 4 * x;
+  return {p[0], p[1], p[2], p[3]};
+}
+
+const RGBA red{1, 0, 0, 1};
+const RGBA green{0, 1, 0, 1};
+const RGBA blue{0, 0, 1, 1};
+const RGBA clearGold{1, 0.8, 0.1, 0.05};
+const RGBA slate{0.33, 0.4, 0.52, 0.7};
+
+struct Stops {
+  const char* name;
+  std::vector<RGBA> colors;
+  std::vector<double> locations;
+};
+
+const std::vector<Stops>& everyKindOfStops() {
+  static const std::vector<Stops> stops = {
+      {"even", {red, green, blue}, {0, 0.5, 1}},
+      {"hard edges", {red, blue, green, red, blue}, {0.1, 0.1, 0.5, 0.5, 0.8}},
+      {"three at one place", {red, green, blue, slate}, {0.25, 0.25, 0.25, 1}},
+      {"alpha", {clearGold, blue, slate, {1, 1, 1, 0}}, {0, 0.3, 0.7, 1}},
+      {"unsorted", {red, green, blue}, {0.9, 0.2, 0.6}},
+      {"beyond both ends", {red, slate, blue}, {-0.5, 0.4, 1.7}},
+      {"steep", {red, blue, green, red}, {0.3, 0.3 + 1e-9, 0.6, 0.6 + 1e-3}},
+      {"one", {slate}, {0.4}},
+  };
+  return stops;
+}
+
+/// From edge to edge both ways, along the diagonal, at random angles through and past the picture,
+/// from a point to itself; circles about the middle, a corner, and places outside.
+std::vector<ExactGradient> gradientsOver(double width, double height, const Stops& stops,
+                                         std::mt19937& random) {
+  std::vector<ExactGradient> gradients;
+  const auto linear = [&](Point start, Point end) {
+    gradients.push_back({Kind::linear, stops.colors, stops.locations, start, end});
+  };
+  const auto radial = [&](Point center, double radius) {
+    gradients.push_back({Kind::radial, stops.colors, stops.locations, center, {}, radius});
+  };
+  const auto fraction = [&] { return std::uniform_real_distribution<>(-0.5, 1.5)(random); };
+  linear({0, 0}, {width, 0});
+  linear({0, height}, {0, 0});
+  linear({0, 0}, {width, height});
+  linear({fraction() * width, fraction() * height}, {fraction() * width, fraction() * height});
+  radial({width / 2, height / 2}, std::hypot(width / 2, height / 2));
+  radial({fraction() * width, fraction() * height}, std::hypot(width, height) * (fraction() + 0.6));
+  return gradients;
+}
+
+TEST(CGContextTest, EveryPixelOfSmallGradientsIsExact) {
+  std::mt19937 random(1);
+  for (const Stops& stops : everyKindOfStops()) {
+    SCOPED_TRACE(stops.name);
+    for (std::size_t width = 1; width <= 32; ++width) {
+      for (std::size_t height = 1; height <= 32; ++height) {
+        // Each size with each kind of stops; the gradients take turns.
+        const auto gradients =
+            gradientsOver(static_cast<double>(width), static_cast<double>(height), stops, random);
+        const std::size_t turn = (width * 5 + height * 7) % gradients.size();
+        expectExact(drawn(gradients[turn], width, height), gradients[turn]);
+        if (HasFatalFailure()) return;
+      }
+    }
+  }
+}
+
+TEST(CGContextTest, LargeGradientsAreExact) {
+  std::mt19937 random(2);
+  const auto side = [&] {
+    return static_cast<std::size_t>(std::exp2(std::uniform_real_distribution<>(5, 12)(random)));
+  };
+  std::vector<std::pair<std::size_t, std::size_t>> sizes = {{4096, 4096}, {4096, 3}, {2, 4096}};
+  while (sizes.size() < 8) sizes.emplace_back(side(), side());
+  for (const auto& [width, height] : sizes) {
+    for (const std::size_t kind : {0U, 1U, 3U, 6U}) {
+      const Stops& stops = everyKindOfStops()[kind];
+      SCOPED_TRACE(stops.name);
+      const auto gradients =
+          gradientsOver(static_cast<double>(width), static_cast<double>(height), stops, random);
+      // One of the six for each size and kind, or a debug build would draw for minutes.
+      const ExactGradient& gradient = gradients[(width + kind) % gradients.size()];
+      expectExact(drawn(gradient, width, height), gradient, 1, height / 8 + 1);
+      if (HasFatalFailure()) return;
+    }
+  }
+}
+
+TEST(CGContextTest, ScalesMeasureInPoints) {
+  std::mt19937 random(3);
+  for (const double scale : {2.0, 3.0, 0.5, 1.7}) {
+    SCOPED_TRACE(scale);
+    for (const Stops& stops : everyKindOfStops()) {
+      SCOPED_TRACE(stops.name);
+      for (const ExactGradient& gradient : gradientsOver(13, 9, stops, random)) {
+        const auto pixels = [&](double points) {
+          return static_cast<std::size_t>(std::ceil(points * scale));
+        };
+        expectExact(drawn(gradient, pixels(13), pixels(9), scale), gradient, scale);
+        if (HasFatalFailure()) return;
+      }
+    }
+  }
+}
+
+TEST(CGContextTest, AHardEdgeFallsBetweenTheRightPixels) {
+  // At 5 pixels the centre of the first stands at 1/10, which is less than the double 0.1, and that
+  // of the third just at 1/2, where the later colour has begun.
+  const ExactGradient gradient{
+      Kind::linear, {red, blue, blue, green}, {0.1, 0.1, 0.5, 0.5}, {0, 0}, {5, 0}};
+  const CGImage image = drawn(gradient, 5, 1);
+  using Pixel = std::array<std::uint8_t, 4>;
+  const Pixel expected[] = {{255, 0, 0, 255}, {0, 0, 255, 255}, {0, 255, 0, 255}};
+  for (std::size_t x = 0; x < 3; ++x) EXPECT_EQ(pixelAt(image, x, 0), expected[x]) << x;
+}
+
+TEST(CGContextTest, DegenerateGradientsGiveTheLastColorEverywhere) {
+  for (const Kind kind : {Kind::linear, Kind::radial}) {
+    const ExactGradient gradient{kind, {blue, red, green}, {0.2, 1, 0.5}, {4, 4}, {4, 4}};
+    const CGImage image = drawn(gradient, 9, 9);
+    for (const std::size_t place : {0U, 4U, 8U}) {
+      EXPECT_EQ(pixelAt(image, place, place), (std::array<std::uint8_t, 4>{255, 0, 0, 255}));
+    }
+  }
+}
+
+TEST(CGContextTest, FarAndTinyGradientsKeepTheirPrecision) {
+  const ExactGradient gradients[] = {
+      {Kind::radial, {red, green, blue}, {0.9, 0.95, 1}, {-1e6, 20}, {}, 1e6 + 32},
+      {Kind::radial, {red, green, blue}, {0.999999, 0.9999995, 1}, {3e8, -4e8}, {}, 5e8},
+      {Kind::linear, {red, green}, {0, 1}, {1e9, 1e9}, {-1e9, -1e9}},
+      {Kind::linear, {red, green}, {0.5, 0.50000001}, {-1e9, 7}, {1e9, 7}},
+      {Kind::linear, {red, green}, {0, 1}, {16.25, 16}, {16.25 + 1e-200, 16}},
+      {Kind::radial, {red, green}, {0, 1}, {16.25, 16}, {}, 1e-200},
+      {Kind::linear, {red, green}, {0, 1}, {16, 16}, {1e300, 16}},
+  };
+  for (const ExactGradient& gradient : gradients) {
+    expectExact(drawn(gradient, 33, 32), gradient);
+    ASSERT_FALSE(HasFatalFailure()) << &gradient - gradients;
+  }
+}
+
+TEST(CGContextTest, ManyStopsTakeARunEach) {
+  ExactGradient gradient{Kind::linear, {}, {}, {0, 0}, {64, 64}};
+  std::mt19937 random(4);
+  std::uniform_real_distribution<> unit(0, 1);
+  for (int i = 0; i < 5000; ++i) {
+    gradient.colors.push_back({unit(random), unit(random), unit(random), 1});
+    gradient.locations.push_back(unit(random));
+  }
+  for (const Kind kind : {Kind::linear, Kind::radial}) {
+    gradient.kind = kind;
+    gradient.radius = 80;
+    expectExact(drawn(gradient, 64, 64), gradient, 1, 9);
+  }
+}
+
+TEST(CGContextTest, PointsFollowTheTransform) {
+  // Turned by 30 degrees, stretched and moved; mirrored as a fresh bitmap is.
+  const double angle = std::numbers::pi / 6;
+  const AffineTransform turned{
+      3 * std::cos(angle), 3 * std::sin(angle), -std::sin(angle), std::cos(angle), 5, -2};
+  for (const Kind kind : {Kind::linear, Kind::radial}) {
+    const ExactGradient gradient{kind, {red, green, slate}, {0, 0.4, 1}, {2, 3}, {9, 8}, 11};
+    const auto context = CGContext::createBitmap(40, 30);
+    context->concatCTM(turned);
+    draw(*context, gradient);
+    const CGImage image = *context->createImage();
+    for (std::size_t y = 0; y < 30; ++y) {
+      for (std::size_t x = 0; x < 40; ++x) {
+        // The inverse of the rotation, the stretching and the move, of a pixel whose y grows
+        // upwards.
+        const double right = static_cast<double>(x) + 0.5 - 5;
+        const double up = 30 - (static_cast<double>(y) + 0.5) + 2;
+        const double px = (right * std::cos(angle) + up * std::sin(angle)) / 3;
+        const double py = up * std::cos(angle) - right * std::sin(angle);
+        const auto levels = gradient.levelsAt(gradient.positionOf(px, py));
+        const auto pixel = pixelAt(image, x, y);
+        for (std::size_t c = 0; c < 4; ++c)
+          ASSERT_NEAR(pixel[c], static_cast<double>(levels[c]), 1) << x << ' ' << y;
+      }
+    }
+  }
+}
+
+TEST(CGContextTest, DrawsOverWhatIsThere) {
+  const ExactGradient veil{Kind::linear, {clearGold, slate}, {0, 1}, {0, 0}, {16, 0}};
+  const ExactGradient ground{Kind::linear, {red, blue}, {0, 1}, {0, 0}, {0, 4}};
+  const auto context = contextOf(16, 4);
+  draw(*context, ground);
+  const CGImage before = *context->createImage();
+  draw(*context, veil);
+  const CGImage after = *context->createImage();
+  expectExact(before, ground);  // the image stayed as it was
+  for (std::size_t y = 0; y < 4; ++y) {
+    for (std::size_t x = 0; x < 16; ++x) {
+      const auto above = veil.levelsAt((static_cast<long double>(x) + 0.5L) / 16);
+      const auto below = pixelAt(before, x, y);
+      const auto pixel = pixelAt(after, x, y);
+      for (std::size_t c = 0; c < 4; ++c) {
+        const long double expected = above[c] + below[c] * (1 - above[3] / 255);
+        // The colour, its alpha and the product with what is below are rounded, half a level each.
+        ASSERT_NEAR(pixel[c], static_cast<double>(expected), 1.5);
+      }
+    }
+  }
+}
+
+TEST(CGContextTest, FreshBitmapsAreClearOrBlack) {
+  using Pixel = std::array<std::uint8_t, 4>;
+  for (const auto& [info, pixel] :
+       {std::pair{premultipliedLast, Pixel{0, 0, 0, 0}}, {noneSkipLast, Pixel{0, 0, 0, 255}}}) {
+    const auto context = CGContext::createBitmap(3, 2, info);
+    const CGImage image = *context->createImage();
+    EXPECT_EQ(image.alphaInfo(), info);
+    EXPECT_EQ(pixelAt(image, 0, 0), pixel);
+    EXPECT_EQ(pixelAt(image, 2, 1), pixel);
+    EXPECT_EQ(*image.colorSpace(), CGColorSpace::createDeviceRGB());
+  }
+}
+
+TEST(CGContextTest, MemoryThatIsGivenIsDrawnIntoInItsLayout) {
+  // Rows begin at odd places, and one large picture is written past the caches.
+  for (const auto& [width, height] : {std::pair{5U, 3U}, {1500U, 1500U}}) {
+    CGImageLayout layout = testing::layoutOf(width, height, 4, premultipliedLast);
+    layout.bytesPerRow += 7;
+    std::vector<std::byte> memory(layout.bytesPerRow * height + 1, std::byte{0xAB});
+    for (const Point end : {Point{1, 0}, {0, 1}, {0.3, 0.7}}) {
+      const ExactGradient gradient{
+          Kind::linear, {red, green}, {0, 1}, {0, 0}, {end.x * width, end.y * height}};
+      const auto bytes = std::span(memory).subspan(1);
+      const auto context = CGContext::createBitmapWithData(bytes, layout);
+      ASSERT_TRUE(context);
+      context->concatCTM({1, 0, 0, -1, 0, static_cast<double>(height)});
+      draw(*context, gradient);
+      const auto image = CGImage::create(layout, CGColorSpace::createDeviceRGB(), Data(bytes));
+      expectExact(*image, gradient, 1, height / 3);
+      EXPECT_EQ(image->pixels(), context->createImage()->pixels());
+      EXPECT_EQ(memory[0], std::byte{0xAB});
+      for (std::size_t y = 0; y < height; ++y) {
+        for (std::size_t i = 1; i <= 7; ++i) {
+          ASSERT_EQ(memory[1 + (y + 1) * layout.bytesPerRow - i], std::byte{0xAB});
+        }
+      }
+    }
+  }
+}
+
+TEST(CGContextTest, RefusesBitmapsThatItCannotDrawInto) {
+  constexpr std::size_t most = std::numeric_limits<std::size_t>::max();
+  EXPECT_FALSE(CGContext::createBitmap(0, 5));
+  EXPECT_FALSE(CGContext::createBitmap(5, 0));
+  EXPECT_FALSE(CGContext::createBitmap(most, most));
+  EXPECT_FALSE(CGContext::createBitmap(most / 4 + 2, 1));
+  EXPECT_FALSE(CGContext::createBitmap(1'000'000, 1'000'000));
+  for (const auto info : {none, premultipliedFirst, last, first, noneSkipFirst, alphaOnly}) {
+    EXPECT_FALSE(CGContext::createBitmap(5, 5, info));
+  }
+  std::vector<std::byte> memory(4 * 5 * 5);
+  const auto accepts = [&](const auto& change) {
+    CGImageLayout layout = testing::layoutOf(5, 5, 4, premultipliedLast);
+    change(layout);
+    return CGContext::createBitmapWithData(memory, layout) != nullptr;
+  };
+  EXPECT_TRUE(accepts([](CGImageLayout&) {}));
+  EXPECT_TRUE(accepts([](CGImageLayout& l) { l.byteOrder = CGImageByteOrder::big32; }));
+  EXPECT_FALSE(accepts([](CGImageLayout& l) { l.byteOrder = CGImageByteOrder::little32; }));
+  EXPECT_FALSE(accepts([](CGImageLayout& l) { l.bytesPerRow = 19; }));
+  EXPECT_FALSE(accepts([](CGImageLayout& l) { l.bytesPerRow = 21; }));
+  EXPECT_FALSE(accepts([](CGImageLayout& l) { l.height = 6; }));
+  EXPECT_FALSE(accepts([](CGImageLayout& l) { l.width = 0; }));
+  EXPECT_FALSE(accepts([](CGImageLayout& l) { l.width = most / 2; }));
+  EXPECT_FALSE(accepts([](CGImageLayout& l) { l.bitsPerComponent = 16; }));
+  EXPECT_FALSE(accepts([](CGImageLayout& l) { l.alphaInfo = last; }));
+}
+
+TEST(CGContextTest, DrawsNothingThatIsNotFinite) {
+  constexpr double nan = std::numeric_limits<double>::quiet_NaN();
+  constexpr double infinity = std::numeric_limits<double>::infinity();
+  const CGGradient gradient = *CGGradient::createWithColors({{red}, {blue}}, {0, 1});
+  const auto context = CGContext::createBitmap(4, 4);
+  for (const double odd : {nan, infinity, -infinity}) {
+    context->drawLinearGradient(gradient, {odd, 0}, {4, 4});
+    context->drawLinearGradient(gradient, {0, 0}, {4, odd});
+    context->drawRadialGradient(gradient, {0, odd}, 4);
+    context->drawRadialGradient(gradient, {0, 0}, odd);
+  }
+  context->drawRadialGradient(gradient, {0, 0}, -1);
+  context->concatCTM({1, 1, 1, 1, 0, 0});
+  context->drawLinearGradient(gradient, {0, 0}, {4, 4});
+  EXPECT_EQ(testing::bytesOf(context->createImage()->pixels()), std::vector<std::uint8_t>(64));
+}
+
+TEST(CGGradientTest, KeepsStopsInOrderAndRefusesOddOnes) {
+  constexpr double nan = std::numeric_limits<double>::quiet_NaN();
+  constexpr double infinity = std::numeric_limits<double>::infinity();
+  const auto create = CGGradient::createWithColors;
+  const auto gradient = create({{red}, {green}, {{2, -1, 0.5, 9}}, {blue}}, {0.5, 0.2, 0.5, -3});
+  ASSERT_TRUE(gradient);
+  const std::vector<CGGradient::Stop> expected = {
+      {-3, blue}, {0.2, green}, {0.5, red}, {0.5, {1, 0, 0.5, 1}}};
+  EXPECT_EQ(gradient->stops(), expected);
+  EXPECT_TRUE(gradient->isOpaque());
+  EXPECT_FALSE(create({{red}, {slate}}, {0, 1})->isOpaque());
+  EXPECT_FALSE(create({}, {}));
+  EXPECT_FALSE(create({{red}}, {}));
+  EXPECT_FALSE(create({{red}}, {0, 1}));
+  for (const double odd : {nan, infinity, -infinity}) {
+    EXPECT_FALSE(create({{red}, {blue}}, {0, odd}));
+    for (double RGBA::*component : {&RGBA::red, &RGBA::green, &RGBA::blue, &RGBA::alpha}) {
+      RGBA color = slate;
+      color.*component = odd;
+      EXPECT_FALSE(create({{red}, {color}}, {0, 1}));
+    }
+  }
+}
+
+}  // namespace
+}  // namespace FrameworkUtility
