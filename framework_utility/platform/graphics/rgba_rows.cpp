@@ -30,10 +30,11 @@ std::uint32_t productOfPair(std::uint32_t pair, std::uint32_t alpha) {
 /// is no integer is at least 1 / max away from one.
 template <class Component, class Real>
 std::int32_t quotient(std::int32_t v, std::int32_t alpha) {
+  const std::int32_t half = alpha / 2;
   // A component above its alpha is brighter than white can be.
   const auto dividend =
       static_cast<Real>(std::min(v, alpha)) * static_cast<Real>(opaque<Component>) +
-      static_cast<Real>(alpha / 2);
+      static_cast<Real>(half);
   return static_cast<std::int32_t>(dividend / static_cast<Real>(std::max(alpha, 1)));
 }
 
