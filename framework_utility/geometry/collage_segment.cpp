@@ -15,10 +15,6 @@ bool isZero(double value) { return !(std::abs(value) > machineEpsilon); }
 
 bool isZero(Point point) { return isZero(point.x) && isZero(point.y); }
 
-std::string text(double value) { return textOfDouble(value, 1); }
-
-std::string text(Point point) { return "[" + text(point.x) + ", " + text(point.y) + "]"; }
-
 }  // namespace
 
 KvCollageSegment::KvCollageSegment(Point point1, Point point2)
@@ -73,15 +69,18 @@ Point KvCollageSegment::locatePointOnEndWithD(double distance) const {
 }
 
 std::string KvCollageSegment::description() const {
-  const std::string points = "p1 " + text(p1) + ", p2 " + text(p2) + ", ";
-  const std::string coefficients = "a " + text(a_) + ", b " + text(b_) + ", c " + text(c_) + ", ";
-  const std::string vertical = isVertical ? "isVertical 1" : "isVertical 0";
-  const std::string size = ", Length " + text(length);
+  const auto number = [](double value) { return textOfDouble(value, 1); };
+  const auto point = [&](Point p) { return '[' + number(p.x) + ", " + number(p.y) + ']'; };
+  const bool hasCoefficients = !isZero(a_) || !isZero(b_) || !isZero(c_);
+  const bool hasPoints = !hasCoefficients || !isZero(p1) || !isZero(p2);
 
-  const std::string start = "KvCollageSegment: ";
-  if (isZero(a_) && isZero(b_) && isZero(c_)) return start + points + vertical + size + ".";
-  if (isZero(p1) && isZero(p2)) return start + coefficients + vertical + ".";
-  return start + points + coefficients + vertical + size + ".";
+  std::string text = "KvCollageSegment: ";
+  if (hasPoints) text += std::string("p1 ") + point(p1) + ", p2 " + point(p2) + ", ";
+  if (hasCoefficients)
+    text += std::string("a ") + number(a_) + ", b " + number(b_) + ", c " + number(c_) + ", ";
+  text += isVertical ? "isVertical 1" : "isVertical 0";
+  if (hasPoints) text += ", Length " + number(length);
+  return text + '.';
 }
 
 }  // namespace FrameworkUtility
