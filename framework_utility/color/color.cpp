@@ -121,15 +121,15 @@ std::vector<CGColor> KvColor::cgColors(const std::vector<KvColor>& colors) {
 
 CIColor KvColor::ciColor() const { return {rgba()}; }
 
-std::string KvColor::hexStringWithoutHash() const {
+std::string KvColor::hexStringWithoutHash() const { return hexString().substr(1); }
+
+std::string KvColor::hexString() const {
   const std::int64_t number =
       truncated(red, 255) << 16 | truncated(green, 255) << 8 | truncated(blue, 255);
-  char text[9];
-  std::snprintf(text, sizeof text, "%06X", static_cast<unsigned>(number));
+  char text[10];
+  std::snprintf(text, sizeof text, "#%06X", static_cast<unsigned>(number));
   return text;
 }
-
-std::string KvColor::hexString() const { return "#" + hexStringWithoutHash(); }
 
 std::string KvColor::identifier() const {
   const auto [r, g, b, a] = identity(*this);
