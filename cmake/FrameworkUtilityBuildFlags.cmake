@@ -13,6 +13,8 @@ target_compile_options(framework_utility_build_flags INTERFACE
   $<$<BOOL:${FRAMEWORK_UTILITY_WARNINGS_AS_ERRORS}>:-Werror>
   # Results must not depend on whether the machine fuses a multiplication and an addition.
   -ffp-contract=off
+  # g++ 12 fuses some pairs all the same (into vfmaddsub) where the processor can.
+  $<$<STREQUAL:${CMAKE_SYSTEM_PROCESSOR},x86_64>:-mno-fma>
   # Lets loops that clamp floating-point numbers be vectorised; no code here reads trap flags.
   -fno-trapping-math)
 

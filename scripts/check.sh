@@ -1,6 +1,7 @@
 #!/bin/bash
 # check.sh [PART...]: what a change must pass beside scripts/test.sh. Without a part those that CI
-# runs: lint, compilers, agreement, package and asan. By name also tidy and tsan, which take long.
+# runs: lint, compilers, digest, agreement, package and asan. By name also tidy and tsan, which take
+# long.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 sources() { git ls-files -co --exclude-standard -- "$@"; }
@@ -68,6 +69,35 @@ compilers() {
   done
 }
 
+digest() {
+  echo '== geometry has the same bits with both compilers, unoptimised and optimised, with AVX2'
+  scripts/build.sh release geometry_digest
+  local folder=build/digest flags variant
+  rm -rf $folder
+  mkdir -p $folder
+  build/release/tests/geometry/geometry_digest >$folder/release
+  # Those that results could depend on, as the library is compiled with them.
+  flags=$(grep -m1 'framework_utility/geometry/rectangle.cpp"' build/release/compile_commands.json |
+    grep -oE ' -(f|mno-)[a-z=-]+') || fail 'the flags of the release build are not to be found'
+  local variants=('g++ -O0' 'clang++-14 -O0' 'clang++-14 -O3')
+  ! grep -qw avx2 /proc/cpuinfo ||
+    variants+=('g++ -O3 -march=x86-64-v3' 'clang++-14 -O3 -march=x86-64-v3')
+  for variant in "${variants[@]}"; do
+    (
+      # shellcheck disable=SC2086  # lists of words
+      $variant -std=c++20 -I. $flags -o "$folder/$variant.program" tests/geometry/digest.cpp \
+        framework_utility/geometry/{collage_segment,collage_shape_side,math,rectangle}.cpp \
+        framework_utility/platform/foundation/{number_text,random,stop}.cpp &&
+        "$folder/$variant.program" >"$folder/$variant"
+    ) &
+  done
+  wait
+  for variant in "${variants[@]}"; do
+    diff "$folder/release" "$folder/$variant" || fail "$variant differs from the release build"
+  done
+  cat $folder/release
+}
+
 sanitized() {
   echo "== tests under $1"
   scripts/build.sh "$1"
@@ -84,6 +114,6 @@ tidy() {
 }
 
 scripts/setup.sh check
-[ $# -gt 0 ] || set -- lint compilers agreement package asan
+[ $# -gt 0 ] || set -- lint compilers digest agreement package asan
 for part; do "$part"; done
 echo 'check: passed'
