@@ -31,9 +31,11 @@ KvImageMetadata KvImageMetadata::withProperties(
 std::optional<KvImageMetadata> KvImageMetadata::withUrl(const std::optional<URL>& url,
                                                         Error* error) {
   if (!url) return fail(error, KvImageMetadataError::urlIsNil);
-  if (!fileExistsAtUrl(FileManager::defaultManager(), *url))
+  const std::optional<CGImageSource> source = CGImageSource::createWithURL(*url);
+  // Asked only where opening failed: what opens exists.
+  if (!source && !fileExistsAtUrl(FileManager::defaultManager(), *url))
     return fail(error, KvImageMetadataError::fileDoesNotExist);
-  return withImageSource(CGImageSource::createWithURL(*url), error);
+  return withImageSource(source, error);
 }
 
 std::optional<KvImageMetadata> KvImageMetadata::withData(const std::optional<Data>& data,

@@ -23,7 +23,8 @@ std::span<const std::byte> embeddedThumbnail(std::span<const std::byte> exif) {
   }
   std::uint32_t offset = 0;
   std::uint32_t length = 0;
-  for (std::uint32_t i = 0; i < reader->entryCount(directory); ++i) {
+  const std::uint32_t count = reader->entryCount(directory);
+  for (std::uint32_t i = 0; i < count; ++i) {
     const TiffEntry entry = reader->entry(directory, i);
     if (entry.tag == offsetTag) {
       offset = reader->unsignedInteger(entry).value_or(0);
@@ -35,6 +36,14 @@ std::span<const std::byte> embeddedThumbnail(std::span<const std::byte> exif) {
     return {};
   }
   return exif.subspan(offset, length);
+}
+
+std::span<const std::byte> withoutEmbeddedThumbnail(std::span<const std::byte> exif) {
+  const std::span<const std::byte> thumbnail = embeddedThumbnail(exif);
+  // JPEG segments and TIFF values may be padded to an even length.
+  const bool isLast =
+      !thumbnail.empty() && exif.data() + exif.size() - (thumbnail.data() + thumbnail.size()) <= 1;
+  return isLast ? exif.first(static_cast<std::size_t>(thumbnail.data() - exif.data())) : exif;
 }
 
 }  // namespace FrameworkUtility::detail

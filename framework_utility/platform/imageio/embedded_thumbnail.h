@@ -9,4 +9,8 @@ namespace FrameworkUtility::detail {
 /// there is none.
 std::span<const std::byte> embeddedThumbnail(std::span<const std::byte> exif);
 
+/// The block up to its thumbnail, when that is its last part, as it is in what phones write: two
+/// thirds of the bytes, which no save keeps. Else all of it.
+std::span<const std::byte> withoutEmbeddedThumbnail(std::span<const std::byte> exif);
+
 }  // namespace FrameworkUtility::detail

@@ -47,11 +47,9 @@ class Reading {
       // Of records with the same tag the first one counts.
       if (!tag || seen.test(static_cast<std::size_t>(tag - tags))) continue;
       seen.set(static_cast<std::size_t>(tag - tags));
-      std::optional<Value> value = readExifValue(*tag, reader_, entry);
-      if (!value) continue;
-      if (!tag->auxiliaryKey.empty())
+      const Value* value = appendExifValue(values, *tag, reader_, entry);
+      if (value && !tag->auxiliaryKey.empty())
         auxiliary_.append(Key::withConstant(tag->auxiliaryKey), *value);
-      values.append(Key::withConstant(tag->key), std::move(*value));
     }
     return values;
   }
@@ -73,11 +71,11 @@ class Reading {
 
   static void add(std::string_view key, Dictionary&& values, Dictionary& properties) {
     if (values.empty()) return;
-    Dictionary& present = properties.subdictionary(Key::withConstant(key));
-    if (present.empty()) {
-      present = std::move(values);
+    if (!properties.find(key)) {
+      properties.append(Key::withConstant(key), std::move(values));
       return;
     }
+    Dictionary& present = properties.subdictionary(Key::withConstant(key));
     for (const auto& [name, value] : values) present.set(name, value);
   }
 

@@ -25,7 +25,7 @@ bool isDigit(char c) { return c >= '0' && c <= '9'; }
 
 // "0230" -> [2, 3], "0221" -> [2, 2, 1], "0100" -> [1, 0]: two digits make the first number, and
 // the last is left out when it is 0.
-std::optional<Value> readVersion(const TiffEntry& entry) {
+std::optional<Array> readVersion(const TiffEntry& entry) {
   if (entry.value.size() != 4) return std::nullopt;
   std::array<int, 4> digits;
   for (std::size_t i = 0; i < digits.size(); ++i) {
@@ -35,7 +35,7 @@ std::optional<Value> readVersion(const TiffEntry& entry) {
   }
   Array numbers{10 * digits[0] + digits[1], digits[2]};
   if (digits[3] != 0) numbers.emplace_back(digits[3]);
-  return Value(std::move(numbers));
+  return numbers;
 }
 
 std::optional<TiffValue> version(const Array& numbers) {
@@ -70,7 +70,7 @@ std::optional<Rational> fraction(const TiffReader& reader, const TiffEntry& entr
 // One division of whole numbers, which are exact for all that devices write, so that a coordinate
 // of nine decimals comes back as the same double. Minutes and seconds that are missing or unknown
 // (0/0) count as 0.
-std::optional<Value> readDegrees(const TiffReader& reader, const TiffEntry& entry) {
+std::optional<Number> readDegrees(const TiffReader& reader, const TiffEntry& entry) {
   std::array<double, 3> numerators{};
   std::array<double, 3> denominators{1, 1, 1};
   for (std::uint32_t i = 0; i < 3; ++i) {
@@ -87,8 +87,8 @@ std::optional<Value> readDegrees(const TiffReader& reader, const TiffEntry& entr
   const double value = (degrees * 3600 * perMinute * perSecond +
                         minutes * 60 * perDegree * perSecond + seconds * perDegree * perMinute) /
                        (3600 * perDegree * perMinute * perSecond);
-  if (value == std::floor(value) && value < 1e15) return Value(static_cast<std::int64_t>(value));
-  return Value(value);
+  if (value == std::floor(value) && value < 1e15) return Number(static_cast<std::int64_t>(value));
+  return Number(value);
 }
 
 // Seconds get seven decimals: 3e-11 degrees, which is micrometres.
@@ -116,7 +116,7 @@ void appendTwoDigits(std::string& text, std::int64_t number) {
   text.push_back(static_cast<char>('0' + number % 10));
 }
 
-std::optional<Value> readTime(const TiffReader& reader, const TiffEntry& entry) {
+std::optional<std::string> readTime(const TiffReader& reader, const TiffEntry& entry) {
   std::string text;
   for (std::uint32_t i = 0; i < 3; ++i) {
     const std::optional<Rational> part = fraction(reader, entry, i);
@@ -133,7 +133,7 @@ std::optional<Value> readTime(const TiffReader& reader, const TiffEntry& entry) 
       rest = rest * 10 % part->denominator;
     }
   }
-  return Value(std::move(text));
+  return text;
 }
 
 // "HH:MM:SS", with parts of a second if need be.
@@ -252,34 +252,36 @@ std::optional<TiffValue> tiffNumbers(std::span<const Value> values, TiffType typ
   return stored;
 }
 
-std::optional<Value> readExifValue(const ExifTag& tag, const TiffReader& reader,
-                                   const TiffEntry& entry) {
-  if (entry.value.empty()) return std::nullopt;
+const Value* appendExifValue(Dictionary& values, const ExifTag& tag, const TiffReader& reader,
+                             const TiffEntry& entry) {
+  if (entry.value.empty()) return nullptr;
+  const auto append = [&](auto&& held) -> const Value* {
+    if (!held) return nullptr;
+    return &values.append(Key::withConstant(tag.key), *std::move(held));
+  };
   if (tag.shape == ExifShape::text ||
       (entry.type == TiffType::ascii && tag.shape != ExifShape::comment &&
        tag.shape != ExifShape::version))
-    return isText(entry) ? std::optional<Value>(readExifText(entry.value)) : std::nullopt;
+    return isText(entry) ? append(std::optional(readExifText(entry.value))) : nullptr;
   switch (tag.shape) {
     case ExifShape::text:
       break;
     case ExifShape::number:
     case ExifShape::layout:
-      return reader.number(entry);
+      return append(reader.number(entry));
     case ExifShape::array:
-      if (std::optional<Array> numbers = readTiffNumbers(reader, entry))
-        return Value(std::move(*numbers));
-      break;
+      return append(readTiffNumbers(reader, entry));
     case ExifShape::version:
-      return readVersion(entry);
+      return append(readVersion(entry));
     case ExifShape::comment:
-      if (isText(entry)) return readExifComment(entry.value, reader.order());
+      if (isText(entry)) return append(readExifComment(entry.value, reader.order()));
       break;
     case ExifShape::degrees:
-      return readDegrees(reader, entry);
+      return append(readDegrees(reader, entry));
     case ExifShape::time:
-      return readTime(reader, entry);
+      return append(readTime(reader, entry));
   }
-  return std::nullopt;
+  return nullptr;
 }
 
 std::optional<TiffValue> exifValue(const ExifTag& tag, const Value& value,

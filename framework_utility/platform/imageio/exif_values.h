@@ -13,10 +13,11 @@
 
 namespace FrameworkUtility::detail {
 
-/// Absent when the entry is not what its tag stands for: another kind of type, too few elements, a
-/// denominator of 0. A number that was stored as text stays text.
-std::optional<Value> readExifValue(const ExifTag& tag, const TiffReader& reader,
-                                   const TiffEntry& entry);
+/// Puts the entry's value under the tag's key, which must not be there yet. Null when the entry is
+/// not what its tag stands for: another kind of type, too few elements, a denominator of 0. A
+/// number that was stored as text stays text.
+const Value* appendExifValue(Dictionary& values, const ExifTag& tag, const TiffReader& reader,
+                             const TiffEntry& entry);
 /// As `storedType` where that can hold it, else as the tag's own type. Absent for a value of
 /// another type than the tag's, for what is not finite and for what is out of range.
 std::optional<TiffValue> exifValue(const ExifTag& tag, const Value& value,

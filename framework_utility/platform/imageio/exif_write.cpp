@@ -142,8 +142,9 @@ class Merge {
       result.keep(entry);
       return true;
     }
-    const std::optional<Value> before = readExifValue(tag, *reader_, entry);
-    const bool keeps = wanted ? before == *wanted : !before;
+    Dictionary stored;
+    const Value* const before = appendExifValue(stored, tag, *reader_, entry);
+    const bool keeps = wanted && before ? *before == *wanted : !wanted && !before;
     std::optional<TiffValue> value;
     if (!keeps && wanted) value = exifValue(tag, *wanted, entry.type, plan_.order);
     if (keeps)

@@ -10,6 +10,7 @@
 #include <framework_utility/platform/imageio/property_keys.h>
 
 #include <algorithm>
+#include <atomic>
 #include <cmath>
 #include <mutex>
 #include <utility>
@@ -53,21 +54,26 @@ const char* colorModelName(CGColorSpaceModel model) {
 
 /// What the header says; a fact that it does not know, or that does not hold, is no entry.
 Dictionary propertiesOf(const ImageHeader& header) {
+  constexpr std::size_t usual = 16;
   Dictionary properties;
+  properties.reserve(usual);
+  const auto append = [&](std::string_view key, auto&& value) {
+    properties.append(Key::withConstant(key), std::forward<decltype(value)>(value));
+  };
   if (const char* model = colorModelName(header.model)) {
-    properties.set(kCGImagePropertyColorModel, model);
+    append(kCGImagePropertyColorModel, model);
   }
-  properties.set(kCGImagePropertyDepth, header.bitsPerComponent);
-  properties.set(kCGImagePropertyPixelWidth, header.width);
-  properties.set(kCGImagePropertyPixelHeight, header.height);
+  append(kCGImagePropertyDepth, header.bitsPerComponent);
+  append(kCGImagePropertyPixelWidth, header.width);
+  append(kCGImagePropertyPixelHeight, header.height);
   if (header.hasAlpha) {
-    properties.set(kCGImagePropertyHasAlpha, true);
+    append(kCGImagePropertyHasAlpha, true);
   }
   if (header.isIndexed) {
-    properties.set(kCGImagePropertyIsIndexed, true);
+    append(kCGImagePropertyIsIndexed, true);
   }
   if (std::string name = detail::profileDescription(header.iccProfile); !name.empty()) {
-    properties.set(kCGImagePropertyProfileName, std::move(name));
+    append(kCGImagePropertyProfileName, std::move(name));
   }
   for (const auto& [key, value] : header.formatProperties) {
     properties.set(key, value);
@@ -124,7 +130,7 @@ std::optional<CGImage> embeddedThumbnail(const ImageHeader& image, std::size_t l
 }
 
 /// A copy that keeps nothing else of the file alive.
-Data compact(const Data& block) { return Data(std::span<const std::byte>(block)); }
+Data compact(std::span<const std::byte> block) { return Data(block); }
 
 }  // namespace
 
@@ -150,13 +156,19 @@ std::string_view description(CGImageSourceStatus status) {
 struct CGImageSource::Contents {
   explicit Contents(ByteSource source) : bytes(std::move(source)) {}
 
+  // With a mutex, for `std::call_once` costs a system call even when nobody waits.
   const ImageHeader& header() const {
-    std::call_once(once_, [this] {
+    if (isRead_.load(std::memory_order_acquire)) {
+      return header_;
+    }
+    const std::lock_guard lock(mutex_);
+    if (!isRead_.load(std::memory_order_relaxed)) {
       codec_ = codecFor(bytes);
       if (codec_) {
         header_ = codec_->readHeader(bytes);
       }
-    });
+      isRead_.store(true, std::memory_order_release);
+    }
     return header_;
   }
   /// Null when the bytes are no image.
@@ -171,7 +183,8 @@ struct CGImageSource::Contents {
   const ByteSource bytes;
 
  private:
-  mutable std::once_flag once_;
+  mutable std::mutex mutex_;
+  mutable std::atomic<bool> isRead_ = false;
   mutable const ImageCodec* codec_ = nullptr;
   mutable ImageHeader header_;
 };
@@ -234,7 +247,7 @@ std::shared_ptr<const MetadataBlocks> CGImageSource::metadataBlocksAtIndex(
     return nullptr;
   }
   auto blocks = std::make_shared<MetadataBlocks>();
-  blocks->exif = compact(stored.exif);
+  blocks->exif = compact(detail::withoutEmbeddedThumbnail(stored.exif));
   blocks->xmp = compact(stored.xmp);
   blocks->imageResources = compact(stored.imageResources);
   std::transform(stored.extendedXmp.begin(), stored.extendedXmp.end(),

@@ -42,18 +42,20 @@ std::optional<TiffReader> openNote(std::span<const std::byte> note) {
   return reader;
 }
 
-std::optional<Value> readEntry(const TiffReader& note, const TiffEntry& entry) {
-  if (entry.isDamaged()) return std::nullopt;
+// Puts the entry's value under its tag's number as text; null when it has none.
+const Value* appendEntry(Dictionary& entries, const TiffReader& note, const TiffEntry& entry) {
+  if (entry.isDamaged()) return nullptr;
+  const auto append = [&](auto&& held) -> const Value* {
+    if (!held) return nullptr;
+    return &entries.append(std::to_string(entry.tag), *std::move(held));
+  };
   if (entry.type == TiffType::ascii || entry.type == TiffType::utf8)
-    return Value(readExifText(entry.value));
+    return append(std::optional(readExifText(entry.value)));
   if (entry.type == TiffType::undefined) {
-    if (std::optional<Value> list = propertyListWithData(entry.value)) return list;
-    return Value(Data(entry.value));
+    if (const Value* list = append(propertyListWithData(entry.value))) return list;
+    return append(std::optional(Data(entry.value)));
   }
-  if (entry.count == 1) return note.number(entry);
-  if (std::optional<Array> numbers = readTiffNumbers(note, entry))
-    return Value(std::move(*numbers));
-  return std::nullopt;
+  return entry.count == 1 ? append(note.number(entry)) : append(readTiffNumbers(note, entry));
 }
 
 std::optional<TiffValue> noteNumbers(std::span<const Value> numbers,
@@ -104,11 +106,8 @@ std::optional<Dictionary> readMakerNote(std::span<const std::byte> note) {
   Dictionary entries;
   const std::uint32_t count = reader->entryCount(directoryOffset);
   entries.reserve(count);
-  for (std::uint32_t i = 0; i < count; ++i) {
-    const TiffEntry entry = reader->entry(directoryOffset, i);
-    if (std::optional<Value> value = readEntry(*reader, entry))
-      entries.append(std::to_string(entry.tag), std::move(*value));
-  }
+  for (std::uint32_t i = 0; i < count; ++i)
+    appendEntry(entries, *reader, reader->entry(directoryOffset, i));
   return entries;
 }
 
@@ -130,9 +129,10 @@ std::vector<std::byte> mergeMakerNote(std::span<const std::byte> note, const Dic
       const TiffEntry entry = reader->entry(directoryOffset, i);
       known.push_back(entry.tag);
       if (entry.isDamaged()) continue;
-      const std::optional<Value> before = readEntry(*reader, entry);
+      Dictionary stored;
+      const Value* const before = appendEntry(stored, *reader, entry);
       const Value* wanted = entries.find(std::to_string(entry.tag));
-      if (wanted ? before == *wanted : !before)
+      if (wanted && before ? *before == *wanted : !wanted && !before)
         directory.keep(entry);
       else if (std::optional<TiffValue> value =
                    wanted ? noteValue(*wanted, entry.type, plan.order) : std::nullopt)

@@ -36,23 +36,6 @@ std::uint32_t TiffReader::entryCount(std::uint32_t directory) const {
   return static_cast<std::uint32_t>(std::min<std::uint64_t>(u16(block_.data() + directory), room));
 }
 
-TiffEntry TiffReader::entry(std::uint32_t directory, std::uint32_t index) const {
-  const std::uint32_t at = directory + 2 + tiffRecordSize * index;
-  const std::byte* record = block_.data() + at;
-  TiffEntry entry{.tag = u16(record),
-                  .type = static_cast<TiffType>(u16(record + 2)),
-                  .count = u32(record + 4),
-                  .offset = at + 8,
-                  .value = {},
-                  .field = block_.subspan(at + 8, tiffInlineSize)};
-  const std::uint32_t unit = tiffTypeSize(entry.type);
-  const std::uint64_t size = unit == 0 ? tiffInlineSize : std::uint64_t{unit} * entry.count;
-  if (size > tiffInlineSize) entry.offset = u32(record + 8);
-  if (entry.offset + size <= block_.size())
-    entry.value = block_.subspan(entry.offset, static_cast<std::size_t>(size));
-  return entry;
-}
-
 std::uint32_t TiffReader::nextDirectory(std::uint32_t directory) const {
   const std::uint64_t records = directory + std::uint64_t{2};
   if (records > block_.size()) return 0;

@@ -1,5 +1,6 @@
 #include <framework_utility/platform/graphics/ui_image.h>
 #include <framework_utility/platform/imageio/image_source.h>
+#include <framework_utility/platform/imageio/metadata_blocks.h>
 #include <tests/platform/imageio/jpeg_file.h>
 
 #include <gtest/gtest.h>
@@ -23,16 +24,18 @@ CGImage orange(std::size_t width, std::size_t height) {
                    });
 }
 
-/// `picture` with `small` as the thumbnail that its EXIF keeps.
-Data withEmbedded(const CGImage& picture, const CGImage& small) {
+constexpr std::size_t embeddedOffset = 44;
+
+/// `picture` with `small` as the thumbnail that its EXIF keeps, and `behind` behind that.
+Data withEmbedded(const CGImage& picture, const CGImage& small, const std::string& behind = {}) {
   const std::string jpeg = textOf(jpegOf(small));
   const auto u32 = [](std::size_t number) { return u16(number >> 16) + u16(number & 0xFFFF); };
   const auto record = [&](std::size_t tag, std::size_t value) {
     return u16(tag) + u16(4) + u32(1) + u32(value);
   };
   const std::string exif = "MM\0*\0\0\0\x08"s + u16(0) + u32(14) +  // an empty directory
-                           u16(2) + record(0x0201, 44) + record(0x0202, jpeg.size()) + u32(0) +
-                           jpeg;
+                           u16(2) + record(0x0201, embeddedOffset) + record(0x0202, jpeg.size()) +
+                           u32(0) + jpeg + behind;
   std::string file = textOf(jpegOf(picture));
   return dataOf(file.insert(2, jpegSegment(0xE1, "Exif\0\0"s + exif)));
 }
@@ -116,6 +119,16 @@ TEST(Thumbnail, EmbeddedOneServesWhenItIsLargeEnough) {
   EXPECT_EQ(cornersOf(*thumbnail(
                 file, {.createThumbnailFromImageAlways = true, .thumbnailMaxPixelSize = 30})),
             "????");
+}
+
+TEST(Thumbnail, EmbeddedOneIsNoPartOfWhatASaveKeeps) {
+  const auto keptOf = [](const std::string& behind) {
+    const Data file = withEmbedded(quarters(160, 120), orange(80, 60), behind);
+    return CGImageSource::createWithData(file)->metadataBlocksAtIndex(0)->exif.size();
+  };
+  EXPECT_EQ(keptOf(""), embeddedOffset);
+  EXPECT_EQ(keptOf("\0"s), embeddedOffset);  // padding
+  EXPECT_GT(keptOf("more"), embeddedOffset + 4);
 }
 
 TEST(Thumbnail, EmbeddedOneOfAnotherShapeOrNoImageIsPassedOver) {
