@@ -5,8 +5,12 @@
 #include <framework_utility/platform/foundation/keyed_archiver.h>
 #include <framework_utility/platform/foundation/keyed_unarchiver.h>
 #include <framework_utility/platform/foundation/reference_date.h>
+#include <framework_utility/platform/foundation/set.h>
+#include <framework_utility/platform/foundation/uuid.h>
 
+#include <algorithm>
 #include <array>
+#include <memory>
 #include <utility>
 #include <vector>
 
@@ -21,6 +25,7 @@ constexpr std::string_view stringKey = "NS.string";
 constexpr std::string_view dataKey = "NS.data";
 constexpr std::string_view baseKey = "NS.base";
 constexpr std::string_view relativeKey = "NS.relative";
+constexpr std::string_view uuidKey = "NS.uuidbytes";
 
 bool always() { return true; }
 
@@ -64,28 +69,47 @@ std::optional<Value> decodeDate(NSKeyedUnarchiver& coder) {
 }
 
 std::optional<Value> decodeURL(NSKeyedUnarchiver& coder) {
-  if (coder.decodeObjectOfClasses({"NSURL"}, baseKey))
-    return corrupt(coder, "a URL that is relative to another is not read");
+  const std::optional<Value> base = coder.decodeObjectOfClasses({"NSURL"}, baseKey);
   const std::optional<Value> relative = coder.decodeObjectOfClasses({"NSString"}, relativeKey);
+  const auto* from = base ? base->as<URL>() : nullptr;
   const auto* text = relative ? relative->as<std::string>() : nullptr;
-  std::optional<URL> url = text ? URL::withString(*text) : std::nullopt;
-  if (!url) return corrupt(coder, "a URL is none");
+  if (!text || (base && !from)) return corrupt(coder, "a URL has no text");
+  std::optional<URL> url = from ? URL::withString(*text, *from) : URL::withString(*text);
+  if (!url) return corrupt(coder, "a URL is no address");
   return Value(*std::move(url));
 }
 
 std::optional<Value> decodeNull(NSKeyedUnarchiver&) { return Value(); }
 
-/// Of a text that could be changed: those are objects of their own.
+// Texts and data that could be changed are objects of their own, with their contents inline; some
+// writers refer to these instead.
+
 std::optional<Value> decodeString(NSKeyedUnarchiver& coder) {
-  std::optional<Value> text = coder.decodeObjectOfClasses({"NSString"}, stringKey);
-  if (!text || !text->as<std::string>()) return corrupt(coder, "a text is none");
+  std::optional<Value> text = coder.decodeInlineValueForKey(stringKey);
+  if (!text) text = coder.decodeObjectOfClasses({"NSString"}, stringKey);
+  if (!text || !text->as<std::string>()) return corrupt(coder, "a text has no characters");
   return text;
 }
 
 std::optional<Value> decodeData(NSKeyedUnarchiver& coder) {
-  std::optional<Data> data = coder.decodeBytesForKey(dataKey);
-  if (!data) return corrupt(coder, "data is none");
-  return Value(*std::move(data));
+  std::optional<Value> data = coder.decodeInlineValueForKey(dataKey);
+  if (!data) data = coder.decodeObjectOfClasses({"NSData"}, dataKey);
+  if (!data || !data->as<Data>()) return corrupt(coder, "data has no bytes");
+  return data;
+}
+
+std::optional<Value> decodeSet(NSKeyedUnarchiver& coder) {
+  std::optional<Array> objects = coder.decodeObjectsForKey(objectsKey);
+  if (!objects) return std::nullopt;
+  return Value(std::make_shared<NSSet>(*std::move(objects)));
+}
+
+std::optional<Value> decodeUUID(NSKeyedUnarchiver& coder) {
+  const std::optional<Data> data = coder.decodeBytesForKey(uuidKey);
+  NSUUID::Bytes bytes;
+  if (!data || data->size() != bytes.size()) return corrupt(coder, "a UUID has not 16 bytes");
+  std::copy(data->begin(), data->end(), bytes.begin());
+  return Value(std::make_shared<NSUUID>(bytes));
 }
 
 /// Numbers stand in archives without a class; only lists of classes name it.
@@ -93,6 +117,7 @@ std::optional<Value> decodeNumber(NSKeyedUnarchiver& coder) {
   return corrupt(coder, "a number with a class is not read");
 }
 
+/// The classes of values, which come first.
 enum FoundationClass : std::size_t {
   array,
   data,
@@ -102,14 +127,10 @@ enum FoundationClass : std::size_t {
   number,
   string,
   url,
-  mutableArray,
-  mutableData,
-  mutableDictionary,
-  mutableString,
 };
 
-const std::array<CodingClass, 12>& table() {
-  static const std::array<CodingClass, 12> classes{{
+const std::array<CodingClass, 15>& table() {
+  static const std::array<CodingClass, 15> classes{{
       {"NSArray", {}, decodeArray, always},
       {"NSData", {}, decodeData, always},
       {"NSDate", {}, decodeDate, always},
@@ -121,9 +142,32 @@ const std::array<CodingClass, 12>& table() {
       {"NSMutableArray", {"NSArray"}, decodeArray, always},
       {"NSMutableData", {"NSData"}, decodeData, always},
       {"NSMutableDictionary", {"NSDictionary"}, decodeDictionary, always},
+      {"NSMutableSet", {"NSSet"}, decodeSet, always},
       {"NSMutableString", {"NSString"}, decodeString, always},
+      {"NSSet", {}, decodeSet, always},
+      {"NSUUID", {}, decodeUUID, always},
   }};
   return classes;
+}
+
+void encodeElements(const Array& elements, NSKeyedArchiver& coder) {
+  std::vector<const Value*> objects;
+  objects.reserve(elements.size());
+  for (const Value& element : elements) objects.push_back(&element);
+  coder.encodeObjects(objects, objectsKey);
+}
+
+void encodeEntries(const Dictionary& entries, NSKeyedArchiver& coder) {
+  Array keys;
+  std::vector<const Value*> keyObjects, valueObjects;
+  keys.reserve(entries.size());  // or the pointers would not stay good
+  for (const auto& [key, value] : entries) {
+    keys.push_back(key.text() ? Value(*key.text()) : Value(*key.number()));
+    keyObjects.push_back(&keys.back());
+    valueObjects.push_back(&value);
+  }
+  coder.encodeObjects(keyObjects, keysKey);
+  coder.encodeObjects(valueObjects, objectsKey);
 }
 
 }  // namespace
@@ -143,21 +187,10 @@ const CodingClass& foundationClassOf(const Value& value) {
 }
 
 void encodeFoundationValue(const Value& value, NSKeyedArchiver& coder) {
-  std::vector<const Value*> objects;
   if (const auto* elements = value.as<Array>()) {
-    for (const Value& element : *elements) objects.push_back(&element);
-    coder.encodeObjects(objects, objectsKey);
+    encodeElements(*elements, coder);
   } else if (const auto* entries = value.as<Dictionary>()) {
-    Array keys;
-    keys.reserve(entries->size());  // or the pointers would not stay good
-    for (const auto& [key, entry] : *entries) {
-      keys.push_back(key.text() ? Value(*key.text()) : Value(*key.number()));
-      objects.push_back(&keys.back());
-    }
-    coder.encodeObjects(objects, keysKey);
-    objects.clear();
-    for (const auto& entry : *entries) objects.push_back(&entry.value);
-    coder.encodeObjects(objects, objectsKey);
+    encodeEntries(*entries, coder);
   } else if (const auto* moment = value.as<Date>()) {
     if (const std::optional<double> seconds = secondsSinceReferenceDate(*moment))
       coder.encodeDouble(*seconds, timeKey);
@@ -170,3 +203,17 @@ void encodeFoundationValue(const Value& value, NSKeyedArchiver& coder) {
 }
 
 }  // namespace FrameworkUtility::detail
+
+namespace FrameworkUtility {
+
+std::string_view NSSet::className() const { return "NSSet"; }
+void NSSet::encodeWithCoder(NSKeyedArchiver& coder) const {
+  detail::encodeElements(objects_, coder);
+}
+
+std::string_view NSUUID::className() const { return "NSUUID"; }
+void NSUUID::encodeWithCoder(NSKeyedArchiver& coder) const {
+  coder.encodeBytes(bytes_, detail::uuidKey);
+}
+
+}  // namespace FrameworkUtility

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -28,6 +29,8 @@ inline constexpr std::string_view classesKey = "$classes";
 inline constexpr std::string_view classHintsKey = "$classhints";
 inline constexpr std::string_view rootClassName = "NSObject";
 
+/// A thread's stack is sure to hold objects that nest this deep.
+inline constexpr std::size_t largestDepth = 512;
 /// The property list may hold this many values for each object of the table.
 inline constexpr std::size_t valuesPerObject = 16;
 

@@ -20,19 +20,21 @@ class NSKeyedArchiver::Archive {
   }
 
   bool isSecure() const { return secureCoding_ == SecureCoding::required; }
+  /// Whether it takes more.
+  bool isOpen() const { return !error_ && !data_; }
 
   void put(std::string_view key, Value value) {
-    if (!error_) current_->set(escapedKey(key), std::move(value));
+    if (isOpen()) current_->set(escapedKey(key), std::move(value));
   }
 
   void putObject(std::string_view key, const std::optional<Value>& object) {
-    if (!error_) put(key, object ? referenceTo(*object) : reference(nilNumber));
+    if (isOpen()) put(key, object ? referenceTo(*object) : reference(nilNumber));
   }
 
   void putObjects(std::string_view key, const std::vector<const Value*>& objects) {
     Array references;
     for (const Value* object : objects) {
-      if (error_) return;
+      if (!isOpen()) return;
       references.push_back(referenceTo(*object));
     }
     put(key, Value(std::move(references)));
@@ -43,11 +45,8 @@ class NSKeyedArchiver::Archive {
   }
 
   std::optional<Data> data(Error* error) {
-    Error cause;
-    std::optional<Data> data = error_ ? std::nullopt : dataWithPropertyList(list(), &cause);
-    if (!error_ && !data) failBecause("a text is not UTF-8");
-    if (data && data->size() > limits_.bytes) failBecause("the archive is too large");
-    if (!error_) return data;
+    if (!error_ && !data_) finish();
+    if (!error_) return data_;
     if (error) *error = *error_;
     return std::nullopt;
   }
@@ -68,14 +67,16 @@ class NSKeyedArchiver::Archive {
     fail(coderError(CoderError::invalidValue, "Caught exception during archival: " + reason));
   }
 
-  Value list() const {
+  void finish() {
     Dictionary list;
     list.reserve(4);
     list.append(Key::withConstant(versionKey), archiveVersion);
     list.append(Key::withConstant(archiverKey), archiverName);
-    list.append(Key::withConstant(topKey), top_);
-    list.append(Key::withConstant(objectsKey), Value(objects_));
-    return list;
+    list.append(Key::withConstant(topKey), std::move(top_));
+    list.append(Key::withConstant(objectsKey), Value(std::move(objects_)));
+    data_ = dataWithPropertyList(list);
+    if (!data_) return failBecause("a text is not UTF-8");
+    if (data_->size() > limits_.bytes) failBecause("the archive is too large");
   }
 
   /// A new place in the table.
@@ -128,7 +129,8 @@ class NSKeyedArchiver::Archive {
 
   /// Fills the place in the table with what `encode` writes, then adds the class's record.
   std::uint64_t addParts(const CodingClass& codingClass, std::uint64_t number, const auto& encode) {
-    if (depth_ == limits_.depth) failBecause("the graph of objects is too deep");
+    if (depth_ == limits_.depth || depth_ == largestDepth)
+      failBecause("the graph of objects is too deep");
     if (error_) return number;
     Dictionary parts;
     Dictionary* const outer = std::exchange(current_, &parts);
@@ -163,6 +165,7 @@ class NSKeyedArchiver::Archive {
   std::unordered_map<const NSObject*, Known> known_;
   std::unordered_map<const CodingClass*, std::uint64_t> records_;
   std::optional<Error> error_;
+  std::optional<Data> data_;
 };
 
 NSKeyedArchiver::NSKeyedArchiver(SecureCoding secureCoding, const ArchiveLimits& limits)

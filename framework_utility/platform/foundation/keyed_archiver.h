@@ -64,8 +64,8 @@ class NSKeyedArchiver {
   /// Ends the archive: what an object calls that cannot be written.
   /// Selector: failWithError:
   void failWithError(const Error& error);
-  /// The archive of what was encoded so far. Fails with the first failure.
-  /// Selector: encodedData
+  /// Ends the archive and gives it: what is encoded afterwards has no effect. Fails with the first
+  /// failure. Selector: encodedData
   [[nodiscard]] std::optional<Data> encodedData(Error* error = nullptr);
 
  private:

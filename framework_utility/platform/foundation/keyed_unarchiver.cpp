@@ -2,6 +2,7 @@
 
 #include <framework_utility/platform/foundation/coder_failure.h>
 #include <framework_utility/platform/foundation/coding_registry.h>
+#include <framework_utility/platform/foundation/expansion_budget.h>
 #include <framework_utility/platform/foundation/keyed_archive_format.h>
 #include <framework_utility/platform/foundation/property_list.h>
 
@@ -17,11 +18,22 @@ namespace FrameworkUtility {
 
 using namespace detail;
 
+namespace {
+
+bool isPropertyListLeaf(const Value& value) {
+  return value.as<std::string>() || value.as<Number>() || value.as<Data>() || value.as<Date>();
+}
+
+}  // namespace
+
 class NSKeyedUnarchiver::Archive {
  public:
   Archive(NSKeyedUnarchiver& coder, std::optional<ClassNames> classes,
           std::span<const std::byte> data, const ArchiveLimits& limits)
-      : coder_(coder), classes_(std::move(classes)), depth_(std::min(limits.depth, largestDepth)) {
+      : coder_(coder),
+        classes_(std::move(classes)),
+        depth_(std::min(limits.depth, largestDepth)),
+        budget_(data.size(), limits.expansion, valuesPerObject * limits.objects) {
     read(data, limits);
   }
 
@@ -89,10 +101,6 @@ class NSKeyedUnarchiver::Archive {
   }
 
  private:
-  static constexpr std::size_t largestDepth = 512;
-  static constexpr std::size_t freeExpansion = 64 * 1024;
-  static constexpr std::size_t valueCost = 8;
-
   void failBecause(const std::string& reason) { fail(coderError(CoderError::readCorrupt, reason)); }
 
   void read(std::span<const std::byte> data, const ArchiveLimits& limits) {
@@ -100,10 +108,8 @@ class NSKeyedUnarchiver::Archive {
       return failBecause(
           "data is empty; did you forget to send -finishEncoding to the NSKeyedArchiver?");
     if (data.size() > limits.bytes) return failBecause("the archive is too large");
-    const std::size_t perByte = std::max<std::size_t>(limits.expansion, 1);
-    constexpr std::size_t all = std::numeric_limits<std::size_t>::max() - freeExpansion;
-    budget_ = freeExpansion + (data.size() > all / perByte ? all : data.size() * perByte);
-    list_ = propertyListWithData(data, {.expansion = limits.expansion});
+    list_ = propertyListWithData(
+        data, {.expansion = limits.expansion, .values = valuesPerObject * limits.objects});
     if (!list_ || !findTable(limits)) failBecause("incomprehensible archive");
   }
 
@@ -126,13 +132,10 @@ class NSKeyedUnarchiver::Archive {
     return key.starts_with('$') ? current_->find(escapedKey(key)) : current_->find(key);
   }
 
-  bool spend(std::size_t cost) {
-    if (cost > budget_) {
-      failBecause("the archive expands too much");
-      return false;
-    }
-    budget_ -= cost;
-    return true;
+  /// Whether what is still to be made goes on.
+  bool isWithin(bool isSpent) {
+    if (!isSpent) failBecause("the archive expands too much");
+    return isSpent;
   }
 
   std::optional<Value> objectAt(const Value& reference, std::string_view key) {
@@ -141,17 +144,18 @@ class NSKeyedUnarchiver::Archive {
       failAt(key, number ? "is an object that is not there" : "is no object");
       return std::nullopt;
     }
-    if (*number == nilNumber || !spend(valueCost)) return std::nullopt;
+    if (*number == nilNumber || !isWithin(budget_.spendValues(1))) return std::nullopt;
     const Value& object = table_[*number];
     if (const auto* parts = object.as<Dictionary>()) return made(*parts, *number, key);
-    if (object.as<Array>() || object.isNull() || object.as<std::shared_ptr<NSObject>>()) {
+    if (!isPropertyListLeaf(object)) {
       failAt(key, "is an object without a class");
       return std::nullopt;
     }
     // The platform lets texts and numbers pass inside an allowed object.
     const bool isPlain = level_ > 0 && (object.as<std::string>() || object.as<Number>());
     if (!isPlain && !isAllowed(foundationClassOf(object), key)) return std::nullopt;
-    if (const auto* text = object.as<std::string>(); text && !spend(text->size()))
+    if (const auto* text = object.as<std::string>();
+        text && !isWithin(budget_.spendBytes(text->size())))
       return std::nullopt;
     return object;
   }
@@ -223,7 +227,7 @@ class NSKeyedUnarchiver::Archive {
   NSKeyedUnarchiver& coder_;
   std::optional<ClassNames> classes_;  // what is allowed now; absent where all is
   std::size_t depth_;
-  std::size_t budget_ = 0;
+  ExpansionBudget budget_;
   std::optional<Value> list_;
   std::span<const Value> table_;
   const Dictionary* current_ = nullptr;  // the parts of the object that is being decoded
@@ -303,6 +307,11 @@ float NSKeyedUnarchiver::decodeFloatForKey(std::string_view key) {
 double NSKeyedUnarchiver::decodeDoubleForKey(std::string_view key) {
   const Number* number = archive_->number(key, Archive::Kind::floating);
   return number ? number->doubleValue() : 0;
+}
+
+std::optional<Value> NSKeyedUnarchiver::decodeInlineValueForKey(std::string_view key) {
+  const Value* part = archive_->part(key);
+  return part && isPropertyListLeaf(*part) ? std::optional(*part) : std::nullopt;
 }
 
 std::optional<Data> NSKeyedUnarchiver::decodeBytesForKey(std::string_view key) {

@@ -66,6 +66,8 @@ class NSKeyedUnarchiver {
   double decodeDoubleForKey(std::string_view key);       ///< Selector: decodeDoubleForKey:
   /// Selector: decodeBytesForKey:returnedLength:
   std::optional<Data> decodeBytesForKey(std::string_view key);
+  /// The text, number, data or date that stands in the object itself. Absent for anything else.
+  std::optional<Value> decodeInlineValueForKey(std::string_view key);
   /// Selector: decodeObjectForKey:
   std::optional<Value> decodeObjectForKey(std::string_view key);
   /// Where secure coding is not required, the list does not count.

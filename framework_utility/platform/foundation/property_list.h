@@ -14,10 +14,10 @@
 
 namespace FrameworkUtility {
 
-// Values as bytes, in the platform's binary property lists ("bplist00"). A list holds numbers,
-// texts, data, dates, arrays and dictionaries with texts as keys; a number keeps its kind, and one
-// made from a `float` its four bytes. Archives are property lists too: they refer to their objects
-// by `PropertyListUID`.
+// Values as bytes, in the platform's property lists: binary ones ("bplist00") are read and written,
+// those in XML read. A list holds numbers, texts, data, dates, arrays and dictionaries with texts
+// as keys; a number keeps its kind, and in a binary list one made from a `float` its four bytes.
+// Archives are property lists too: they refer to their objects by `PropertyListUID`.
 
 struct PropertyListError {
   static constexpr std::string_view domain = NSCocoaErrorDomain;
@@ -44,8 +44,8 @@ class PropertyListUID final : public NSObject {
   std::uint64_t number_;
 };
 
-/// What a reader accepts. A list can refer to one of its objects many times, so that a few bytes
-/// stand for more values than any memory holds.
+/// What a reader accepts. A binary list can refer to one of its objects many times, so that a few
+/// bytes stand for more values than any memory holds.
 struct PropertyListLimits {
   /// How deep values may nest: a text or number on its own is at 1. Never more than 512, which a
   /// thread's stack is sure to hold.
@@ -53,12 +53,19 @@ struct PropertyListLimits {
   /// How many times the size of the data all values may count together, above a free 64 KB. A value
   /// counts 8, a byte of text or data 1.
   std::size_t expansion = 16;
+  /// How many values there may be, keys among them.
+  std::size_t values = 10'000'000;
 };
 
-/// The value in the bytes of a binary property list. Fails with `readCorrupt`; what was read
-/// before is dropped. Two equal keys in one dictionary are corrupt. An unpaired surrogate in a text
-/// becomes U+FFFD. Time and memory are proportional to the size of the data. Thread: any.
-/// Selector: propertyListWithData:options:format:error:
+/// The value in the bytes of a property list, binary or XML. Fails with `readCorrupt`; what was
+/// read before is dropped. Two equal keys in one dictionary are corrupt. An unpaired surrogate in a
+/// text becomes U+FFFD. Time and memory are proportional to the size of the data.
+///
+/// Of XML, a DOCTYPE may name the property lists' own; one that declares anything is corrupt, and
+/// nothing outside of the data is read. A dictionary whose one key is "CF$UID" is a
+/// `PropertyListUID`. Integers may be hexadecimal, and lie in -2^63 ... 2^64 - 1.
+///
+/// Thread: any. Selector: propertyListWithData:options:format:error:
 [[nodiscard]] std::optional<Value> propertyListWithData(std::span<const std::byte> data,
                                                         const PropertyListLimits& limits = {},
                                                         Error* error = nullptr);

@@ -98,6 +98,25 @@ bool isWellFormed(std::string_view text) {
 
 bool isDirectoryForm(std::string_view path) { return path.size() > 1 && path.back() == '/'; }
 
+/// RFC 3986, section 5.2.4: "." names the folder itself, ".." the one around it.
+std::string withoutDotSegments(std::string_view path) {
+  const bool isRelative = !path.starts_with('/');
+  std::string out;
+  while (!path.empty()) {
+    const std::size_t slash = std::min(path.find('/', 1), path.size());
+    std::string_view segment = path.substr(0, slash);
+    if (segment.starts_with('/')) segment.remove_prefix(1);
+    path.remove_prefix(slash);
+    if (segment == "..") out.erase(std::min(out.rfind('/'), out.size()));
+    if (segment != "." && segment != "..")
+      (out += '/') += segment;
+    else if (path.empty())
+      out += '/';
+  }
+  if (isRelative) out.erase(0, 1);
+  return out;
+}
+
 std::string withPath(const Parts& parts, std::string_view path) {
   std::string text(parts.before);
   text += percentEncoded(path);
@@ -121,6 +140,30 @@ URL URL::fileURLWithPath(std::string_view path) {
 std::optional<URL> URL::withString(std::string_view text) {
   if (text.empty() || !isWellFormed(text)) return std::nullopt;
   return URL(std::string(text));
+}
+
+std::optional<URL> URL::withString(std::string_view text, const URL& base) {
+  if (!isWellFormed(text)) return std::nullopt;
+  const Parts own = split(text);
+  if (!own.scheme.empty()) return URL(std::string(text));
+  const Parts from = split(base.absolute_);
+  std::string whole(from.before);
+  if (own.path.empty() && own.before.empty()) {
+    whole += from.path;
+    // A new fragment stands behind the query that is there.
+    if (!own.after.starts_with('?')) whole += from.after.substr(0, from.after.find('#'));
+    whole += own.after;
+    return whole.empty() ? std::nullopt : std::optional(URL(std::move(whole)));
+  }
+  if (!own.before.empty()) whole = std::string(from.scheme) + ':' + std::string(own.before);
+  std::string path(own.path);
+  if (own.before.empty() && !path.starts_with('/')) {
+    const std::string_view folder = from.path.substr(0, from.path.rfind('/') + 1);
+    path.insert(0, folder.empty() && !from.before.empty() ? "/" : folder);
+  }
+  path = withoutDotSegments(path);
+  if (path.empty() && whole.empty()) path = "./";
+  return URL((whole += path) += own.after);
 }
 
 bool URL::isFileURL() const {

@@ -1,16 +1,31 @@
 #include <framework_utility/platform/foundation/keyed_archiver.h>
 #include <framework_utility/platform/foundation/keyed_unarchiver.h>
 #include <framework_utility/platform/foundation/property_list.h>
+#include <framework_utility/platform/foundation/set.h>
+#include <framework_utility/platform/foundation/uuid.h>
+#include <tests/platform/foundation/archives.h>
+#include <tests/platform/foundation/binary_list.h>
+#include <tests/support/is_error.h>
+#include <tests/support/temporary_folder.h>
 
 #include <gtest/gtest.h>
 
+#include <chrono>
+#include <cmath>
+#include <cstdlib>
+#include <fstream>
+#include <limits>
 #include <memory>
 #include <string>
+#include <vector>
 
 namespace FrameworkUtility {
 namespace {
 
-/// A value type: two numbers inline.
+using namespace std::chrono_literals;
+using namespace testing;
+
+/// A value type with numbers inline.
 struct Stroke {
   float width = 1;
   std::int64_t count = 0;
@@ -29,6 +44,66 @@ struct Stroke {
   static inline bool isSecure = true;
 };
 
+/// A class of objects that refer to each other, and one below it.
+class Node : public NSObject, public NSCoding {
+ public:
+  std::vector<std::shared_ptr<Node>> next;
+
+  std::string_view className() const override { return "Sketch.Node"; }
+  void encodeWithCoder(NSKeyedArchiver& coder) const override {
+    std::vector<Value> values(next.begin(), next.end());
+    std::vector<const Value*> objects;
+    for (const Value& value : values) objects.push_back(&value);
+    coder.encodeObjects(objects, "next");
+  }
+
+  template <class Kind>
+  static std::optional<Value> withCoder(NSKeyedUnarchiver& coder) {
+    ++made;
+    const auto node = std::make_shared<Kind>();
+    for (const Value& value : coder.decodeObjectsForKey("next").value_or(Array())) {
+      const auto* object = value.as<std::shared_ptr<NSObject>>();
+      node->next.push_back(object ? std::dynamic_pointer_cast<Node>(*object) : nullptr);
+    }
+    return Value(node);
+  }
+
+  static inline int made = 0;
+};
+
+class Leaf final : public Node {
+ public:
+  std::string_view className() const override { return "Sketch.Leaf"; }
+};
+
+const bool nodesAreKnown =
+    registerCodingClass({"Sketch.Node", {}, Node::withCoder<Node>, [] { return true; }}) &&
+    registerCodingClass(
+        {"Sketch.Leaf", {"Sketch.Node"}, Node::withCoder<Leaf>, [] { return true; }});
+
+std::shared_ptr<Node> nodeIn(const std::optional<Value>& value) {
+  const auto* object = value ? value->as<std::shared_ptr<NSObject>>() : nullptr;
+  return object ? std::dynamic_pointer_cast<Node>(*object) : nullptr;
+}
+
+std::optional<Data> archived(const Value& root, Error* error = nullptr) {
+  return NSKeyedArchiver::archivedDataWithRootObject(root, SecureCoding::required, error);
+}
+
+std::optional<Value> unarchived(const Data& data, Error* error = nullptr) {
+  return NSKeyedUnarchiver::unarchiveTopLevelObjectWithData(data, error);
+}
+
+std::optional<Value> unarchived(const ClassNames& classes, const Data& data,
+                                Error* error = nullptr) {
+  return NSKeyedUnarchiver::unarchivedObjectOfClasses(classes, data, error);
+}
+
+std::string reasonOf(const Error& error) {
+  const auto* reason = error.userInfo().get<std::string>(NSDebugDescriptionErrorKey);
+  return reason ? *reason : "";
+}
+
 /// A list's values with its references as texts, "#2", so that lists can be compared.
 Value withReferences(const Value& value) {
   if (const auto number = PropertyListUID::numberIn(value))
@@ -46,40 +121,565 @@ Value withReferences(const Value& value) {
   return value;
 }
 
-TEST(KeyedArchiver, WritesThePlatformsLayout) {
-  const auto data = NSKeyedArchiver::archivedDataWithRootObject(
-      Value(Array{boxed(Stroke{0.5, -3}), "text", boxed(Stroke{2, 7})}), SecureCoding::required);
+Value list(Array elements) { return Value(std::move(elements)); }
+
+TEST(KeyedArchiveTest, HasThePlatformsLayout) {
+  const NSUUID::Bytes bytes{std::byte{1}, std::byte{2}};
+  const auto data = archived(
+      list({boxed(Stroke{0.5, -3}), "text", boxed(Stroke{2, 7}), Value(),
+            Date(std::chrono::sys_days{2001y / 1 / 1} + 1500ms), URL::fileURLWithPath("/a b"),
+            Dictionary{{"key", true}, {17, Data()}}, Value(std::make_shared<NSUUID>(bytes)),
+            Value(std::make_shared<NSSet>(Array{-1}))}));
   ASSERT_TRUE(data);
-  const auto list = propertyListWithData(*data);
-  ASSERT_TRUE(list);
+  const auto read = propertyListWithData(*data);
+  ASSERT_TRUE(read);
   const Dictionary expected{
       {"$version", 100000},
       {"$archiver", "NSKeyedArchiver"},
       {"$top", Dictionary{{"root", "#1"}}},
-      {"$objects",
-       Value(Array{
-           "$null",
-           Dictionary{{"NS.objects", Value(Array{"#2", "#4", "#5"})}, {"$class", "#6"}},
-           Dictionary{{"width", 0.5F}, {"$$count", -3}, {"$class", "#3"}},
-           Dictionary{{"$classname", "Sketch.Stroke"},
-                      {"$classes", Value(Array{"Sketch.Stroke", "NSObject"})}},
-           "text",
-           Dictionary{{"width", 2.0F}, {"$$count", 7}, {"$class", "#3"}},
-           Dictionary{{"$classname", "NSArray"}, {"$classes", Value(Array{"NSArray", "NSObject"})}},
-       })}};
-  EXPECT_EQ(withReferences(*list), Value(expected)) << withReferences(*list);
+      {"$objects", list({
+                       "$null",
+                       Dictionary{{"NS.objects", list({"#2", "#4", "#5", "#6", "#8", "#10", "#13",
+                                                       "#19", "#21"})},
+                                  {"$class", "#24"}},
+                       Dictionary{{"width", 0.5F}, {"$$count", -3}, {"$class", "#3"}},
+                       record("Sketch.Stroke"),
+                       "text",
+                       Dictionary{{"width", 2.0F}, {"$$count", 7}, {"$class", "#3"}},
+                       Dictionary{{"$class", "#7"}},
+                       record("NSNull"),
+                       Dictionary{{"NS.time", 1.5}, {"$class", "#9"}},
+                       record("NSDate"),
+                       Dictionary{{"NS.base", "#0"}, {"NS.relative", "#11"}, {"$class", "#12"}},
+                       "file:///a%20b",
+                       record("NSURL"),
+                       Dictionary{{"NS.keys", list({"#14", "#15"})},
+                                  {"NS.objects", list({"#16", "#17"})},
+                                  {"$class", "#18"}},
+                       "key",
+                       17,
+                       true,
+                       Data(),
+                       record("NSDictionary"),
+                       Dictionary{{"NS.uuidbytes", Data(bytes)}, {"$class", "#20"}},
+                       record("NSUUID"),
+                       Dictionary{{"NS.objects", list({"#22"})}, {"$class", "#23"}},
+                       -1,
+                       record("NSSet"),
+                       record("NSArray"),
+                   })}};
+  EXPECT_EQ(withReferences(*read), Value(expected)) << withReferences(*read);
 
   Error error;
-  const auto root =
-      NSKeyedUnarchiver::unarchivedObjectOfClasses({"NSArray", "Sketch.Stroke"}, *data, &error);
-  ASSERT_TRUE(root) << error;
-  const auto* elements = root->as<Array>();
-  ASSERT_TRUE(elements);
-  ASSERT_EQ(elements->size(), 3U);
-  const auto* last = unboxed<Stroke>(elements->back());
-  ASSERT_TRUE(last);
-  EXPECT_EQ(last->width, 2);
-  EXPECT_EQ(last->count, 7);
+  const auto root = unarchived({"NSArray", "NSNull", "NSDate", "NSURL", "NSDictionary", "NSData",
+                                "NSUUID", "NSSet", "Sketch.Stroke"},
+                               *data, &error);
+  ASSERT_TRUE(root) << error << reasonOf(error);
+  const Array& elements = *root->as<Array>();
+  ASSERT_EQ(elements.size(), 9U);
+  EXPECT_EQ(unboxed<Stroke>(elements[0])->width, 0.5F);
+  EXPECT_EQ(unboxed<Stroke>(elements[0])->count, -3);
+  EXPECT_FALSE(unboxed<Stroke>(elements[1]));
+  EXPECT_EQ(elements[1], Value("text"));
+  EXPECT_TRUE(elements[3].isNull());
+  EXPECT_EQ(elements[4], Value(Date(std::chrono::sys_days{2001y / 1 / 1} + 1500ms)));
+  EXPECT_EQ(elements[5], Value(URL::fileURLWithPath("/a b")));
+  EXPECT_EQ(elements[6], Value(Dictionary{{"key", true}, {17, Data()}}));
+  const auto object = [&](std::size_t i) {
+    return elements[i].as<std::shared_ptr<NSObject>>()->get();
+  };
+  EXPECT_EQ(dynamic_cast<NSUUID&>(*object(7)).uuidBytes(), bytes);
+  EXPECT_EQ(dynamic_cast<NSSet&>(*object(8)).allObjects(), Array{-1});
+}
+
+TEST(KeyedArchiveTest, AnObjectThatIsMetAgainIsWrittenOnce) {
+  const auto top = std::make_shared<Node>();
+  const auto shared = std::make_shared<Leaf>();
+  top->next = {shared, shared, std::make_shared<Leaf>()};
+  const auto data = archived(Value(top));
+  ASSERT_TRUE(data);
+  const auto again = nodeIn(unarchived({"Sketch.Node"}, *data));
+  ASSERT_TRUE(again);
+  ASSERT_EQ(again->next.size(), 3U);
+  EXPECT_EQ(again->next[0], again->next[1]);
+  EXPECT_NE(again->next[0], again->next[2]);
+  EXPECT_EQ(again->next[2]->className(), "Sketch.Leaf");
+
+  shared->next = {top};
+  Error error;
+  EXPECT_FALSE(archived(Value(top), &error));
+  EXPECT_THAT(error, IsError(CoderError::invalidValue));
+  EXPECT_EQ(reasonOf(error),
+            "Caught exception during archival: the graph of objects reaches itself");
+  shared->next.clear();
+}
+
+TEST(KeyedArchiveTest, ReadsWhatOtherWritersWrite) {
+  const struct {
+    const char* what;
+    Array objects;
+    Value expected;
+  } cases[] = {
+      {"a mutable list",
+       {Dictionary{{"NS.objects", uids({3})}, {"$class", uid(2)}},
+        record("NSMutableArray", {"NSArray"}), 1.5},
+       list({1.5})},
+      {"a mutable dictionary",
+       {Dictionary{{"NS.keys", uids({3, 4})}, {"NS.objects", uids({4, 3})}, {"$class", uid(2)}},
+        record("NSMutableDictionary", {"NSDictionary"}), "a", 17},
+       Dictionary{{"a", 17}, {17, "a"}}},
+      {"a mutable text, inline",
+       {Dictionary{{"NS.string", "inline"}, {"$class", uid(2)}},
+        record("NSMutableString", {"NSString"})},
+       "inline"},
+      {"a mutable text, referred to",
+       {Dictionary{{"NS.string", uid(3)}, {"$class", uid(2)}},
+        record("NSMutableString", {"NSString"}), "elsewhere"},
+       "elsewhere"},
+      {"mutable data",
+       {Dictionary{{"NS.data", Data(std::as_bytes(std::span("x", 1)))}, {"$class", uid(2)}},
+        record("NSMutableData", {"NSData"})},
+       Data(std::as_bytes(std::span("x", 1)))},
+      {"a plain date", {Date()}, Date()},
+      {"a URL that is relative to another",
+       {Dictionary{{"NS.base", uid(3)}, {"NS.relative", uid(4)}, {"$class", uid(2)}},
+        record("NSURL"),
+        Dictionary{{"NS.base", uid(0)}, {"NS.relative", uid(5)}, {"$class", uid(2)}}, "../c?q",
+        "https://host/a/b/d"},
+       *URL::withString("https://host/a/c?q")},
+      {"a class of which only a hint is known",
+       {Dictionary{{"NS.objects", uids({})}, {"$class", uid(2)}},
+        Dictionary{{"$classname", "Unknown"},
+                   {"$classhints", list({"NSArray"})},
+                   {"$classes", list({"Unknown", "NSDictionary"})}}},
+       list({})},
+      {"a class of which only a superclass is known",
+       {Dictionary{{"NS.objects", uids({})}, {"$class", uid(2)}},
+        record("Unknown", {"AlsoUnknown", "NSMutableArray", "NSArray"})},
+       list({})},
+      {"a list that stands in two places",
+       {Dictionary{{"NS.objects", uids({3, 3})}, {"$class", uid(2)}}, record("NSArray"),
+        Dictionary{{"NS.objects", uids({4})}, {"$class", uid(2)}}, true},
+       list({list({true}), list({true})})},
+  };
+  for (const auto& c : cases) {
+    Error error;
+    EXPECT_EQ(unarchived(archive(c.objects), &error), c.expected) << c.what << reasonOf(error);
+  }
+
+  for (const char* name : {"Sketch.Stroke", "_TtC6Sketch6Stroke", "Stroke"}) {
+    const Data data =
+        archive({Dictionary{{"width", 2.0F}, {"$$count", 7}, {"$class", uid(2)}}, record(name)});
+    for (const char* allowed : {"Sketch.Stroke", "_TtC6Sketch6Stroke", "Stroke", "NSObject"}) {
+      const auto value = unarchived({allowed}, data);
+      const Stroke* stroke = value ? unboxed<Stroke>(*value) : nullptr;
+      ASSERT_TRUE(stroke) << name << ' ' << allowed;
+      EXPECT_EQ(stroke->count, 7);
+    }
+  }
+  for (const char* name : {"Other.Stroke", "_TtC5Other6Stroke", "_TtC6Sketch7Stroke", "_TtC6Sketch",
+                           "_TtC9999999999999999999999Sketch", "Sketch."})
+    EXPECT_FALSE(
+        unarchived(archive({Dictionary{{"width", 2.0F}, {"$class", uid(2)}}, record(name)})))
+        << name;
+}
+
+TEST(KeyedArchiveTest, NumbersAreReadAsWhatTheyAre) {
+  constexpr double none = -77;  // a failure
+  constexpr std::uint64_t large = std::numeric_limits<std::uint64_t>::max();
+  const struct {
+    Value stored;
+    double asBool, asInt32, asInt64, asFloat, asDouble;
+  } cases[] = {
+      {true, 1, 1, 1, none, none},
+      {0, 0, 0, 0, none, none},
+      {-3, 1, -3, -3, none, none},
+      {std::int64_t{1} << 31, 1, none, 0x1p31, none, none},
+      {std::int64_t{-1} << 31, 1, -0x1p31, -0x1p31, none, none},
+      {large, 1, none, none, none, none},
+      {0.1F, none, none, none, 0.1F, 0.1F},
+      {0.1, none, none, none, 0.1F, 0.1},
+      {1e300, none, none, none, none, 1e300},
+      {std::numeric_limits<double>::infinity(), none, none, none,
+       std::numeric_limits<double>::infinity(), std::numeric_limits<double>::infinity()},
+      {"1", none, none, none, none, none},
+      {uid(1), none, none, none, none, none},
+  };
+  for (const auto& c : cases) {
+    const Data data = archive({1}, {{"key", c.stored}});
+    const auto read = [&](auto call) {
+      NSKeyedUnarchiver coder(data);
+      EXPECT_TRUE(coder.containsValueForKey("key"));
+      const auto value = static_cast<double>((coder.*call)("key"));
+      if (!coder.error()) return value;
+      EXPECT_THAT(*coder.error(), IsError(CoderError::readCorrupt));
+      EXPECT_EQ(value, 0);
+      EXPECT_FALSE(coder.containsValueForKey("key"));  // nor anything else from then on
+      return none;
+    };
+    EXPECT_EQ(read(&NSKeyedUnarchiver::decodeBoolForKey), c.asBool) << c.stored;
+    EXPECT_EQ(read(&NSKeyedUnarchiver::decodeInt32ForKey), c.asInt32) << c.stored;
+    EXPECT_EQ(read(&NSKeyedUnarchiver::decodeInt64ForKey), c.asInt64) << c.stored;
+    EXPECT_EQ(read(&NSKeyedUnarchiver::decodeFloatForKey), c.asFloat) << c.stored;
+    EXPECT_EQ(read(&NSKeyedUnarchiver::decodeDoubleForKey), c.asDouble) << c.stored;
+  }
+
+  NSKeyedUnarchiver coder(archive({1}, {{"nil", uid(0)}}));
+  EXPECT_TRUE(coder.containsValueForKey("nil"));
+  EXPECT_FALSE(coder.decodeObjectForKey("nil"));
+  EXPECT_FALSE(coder.containsValueForKey("missing"));
+  EXPECT_FALSE(coder.decodeObjectForKey("missing"));
+  EXPECT_FALSE(coder.decodeBytesForKey("missing"));
+  EXPECT_FALSE(coder.decodeObjectsForKey("missing"));
+  EXPECT_EQ(coder.decodeDoubleForKey("missing"), 0);
+  EXPECT_FALSE(coder.error());
+}
+
+TEST(KeyedArchiveTest, KeysOfTheTopAreTheAppsOwn) {
+  NSKeyedArchiver archiver(SecureCoding::notRequired);
+  archiver.encodeBool(true, "yes");
+  archiver.encodeInt32(-5, "yes");  // replaces
+  archiver.encodeBytes(std::as_bytes(std::span("ab", 2)), "$class");
+  archiver.encodeObject(std::nullopt, "nil");
+  const std::optional<Data> data = archiver.encodedData();
+  ASSERT_TRUE(data);
+  archiver.encodeDouble(1, "late");
+  EXPECT_EQ(archiver.encodedData(), data);
+
+  NSKeyedUnarchiver coder(*data);
+  EXPECT_EQ(coder.decodeInt32ForKey("yes"), -5);
+  EXPECT_EQ(coder.decodeBytesForKey("$class"), Data(std::as_bytes(std::span("ab", 2))));
+  EXPECT_TRUE(coder.containsValueForKey("nil"));
+  EXPECT_FALSE(coder.containsValueForKey("late"));
+}
+
+TEST(KeyedArchiveTest, SecureDecodingMakesAllowedClassesOnly) {
+  const Data strokes = *archived(list({boxed(Stroke{}), "text", 5}));
+  const Data leaf = *archived(Value(std::make_shared<Leaf>()));
+  const Data bytes = *archived(list({Data()}));
+  const Data text = *archived("text");
+  const struct {
+    const Data* data;
+    ClassNames allowed;
+    const char* reason;  // null where it succeeds
+  } cases[] = {
+      {&strokes, {"NSArray", "Sketch.Stroke"}, nullptr},  // texts and numbers need no mention
+      {&strokes,
+       {"Sketch.Stroke"},
+       "value for key 'root' was of unexpected class 'NSArray'. Allowed classes are "
+       "'{(Sketch.Stroke)}'."},
+      {&strokes,
+       {"NSArray", "NSString"},
+       "value for key 'NS.objects' was of unexpected class 'Sketch.Stroke'. Allowed classes are "
+       "'{(NSArray, NSString)}'."},
+      {&leaf, {"Sketch.Node"}, nullptr},
+      {&leaf, {"Sketch.Leaf"}, nullptr},
+      {&bytes,
+       {"NSArray"},
+       "value for key 'NS.objects' was of unexpected class 'NSData'. Allowed classes are "
+       "'{(NSArray)}'."},
+      {&text, {"NSString"}, nullptr},
+      {&text,
+       {},
+       "value for key 'root' was of unexpected class 'NSString'. Allowed classes are '{()}'."},
+  };
+  for (const auto& c : cases) {
+    Error error;
+    EXPECT_EQ(unarchived(c.allowed, *c.data, &error).has_value(), !c.reason) << reasonOf(error);
+    if (!c.reason) continue;
+    EXPECT_THAT(error, IsError(CoderError::readCorrupt));
+    EXPECT_EQ(reasonOf(error), c.reason);
+  }
+  // Each object is judged where it is asked for, also one that was made already.
+  NSKeyedUnarchiver coder({"Sketch.Node"}, leaf);
+  EXPECT_TRUE(coder.decodeObjectForKey("root"));
+  EXPECT_FALSE(coder.decodeObjectOfClasses({"NSArray"}, "root"));
+  EXPECT_TRUE(coder.error());
+}
+
+TEST(KeyedArchiveTest, AClassThatIsNotSecureIsRefusedBothWays) {
+  const Data data = *archived(boxed(Stroke{}));
+  Stroke::isSecure = false;
+  Error error;
+  EXPECT_FALSE(archived(boxed(Stroke{}), &error));
+  EXPECT_THAT(error, IsError(CoderError::invalidValue));
+  EXPECT_FALSE(unarchived({"Sketch.Stroke"}, data, &error));
+  EXPECT_THAT(error, IsError(CoderError::readCorrupt));
+  EXPECT_TRUE(unarchived(data));
+  EXPECT_TRUE(
+      NSKeyedArchiver::archivedDataWithRootObject(boxed(Stroke{}), SecureCoding::notRequired));
+  Stroke::isSecure = true;
+  EXPECT_TRUE(unarchived({"Sketch.Stroke"}, data));
+}
+
+TEST(KeyedArchiveTest, WhatCannotBeArchivedIsRefused) {
+  class Stranger final : public NSObject {
+   public:
+    std::string_view className() const override { return "Sketch.Stranger"; }
+  };
+  class Unregistered final : public Node {
+   public:
+    std::string_view className() const override { return "Sketch.Unregistered"; }
+  };
+  const Value values[] = {Value(std::make_shared<Stranger>()),
+                          Value(std::make_shared<Unregistered>()),
+                          Error("Domain", 1),
+                          Date::max(),
+                          "\xFF",
+                          Dictionary{{"\xFF", 1}}};
+  for (const Value& value : values) {
+    Error error;
+    EXPECT_FALSE(archived(list({1, value}), &error)) << value;
+    EXPECT_THAT(error, IsError(CoderError::invalidValue));
+  }
+}
+
+TEST(KeyedArchiveTest, WhatIsNoArchiveIsRefused) {
+  const Dictionary whole{{"$version", 100000},
+                         {"$archiver", "NSKeyedArchiver"},
+                         {"$top", Dictionary{{"root", uid(1)}}},
+                         {"$objects", list({"$null", "root"})}};
+  const auto with = [&](const char* key, const Value& value) {
+    Dictionary changed = whole;
+    changed.set(key, value);
+    return *dataWithPropertyList(changed);
+  };
+  ASSERT_TRUE(unarchived(*dataWithPropertyList(whole)));
+  const auto of = [](const Dictionary& parts) {
+    return archive({parts, record("NSArray"), record("NSDictionary"), record("NSDate"),
+                    record("NSURL"), record("NSUUID"), 2, Dictionary(),
+                    Dictionary{{"$class", uid(99)}}, list({}), record("Unknown"),
+                    Dictionary{{"$classname", 5}}});
+  };
+  const Data archives[] = {
+      Data(std::as_bytes(std::span("not an archive"))),
+      *dataWithPropertyList("text"),
+      with("$version", 100001),
+      with("$archiver", "NSArchiver"),
+      with("$top", list({})),
+      with("$objects", Dictionary()),
+      with("$top", Dictionary{{"root", uid(2)}}),
+      with("$top", Dictionary{{"root", uid(~std::uint64_t{0})}}),
+      with("$top", Dictionary{{"root", -1}}),
+      with("$top", Dictionary{{"root", "root"}}),
+      of({{"NS.objects", uids({0})}, {"$class", uid(2)}}),
+      of({{"NS.objects", uids({8})}, {"$class", uid(2)}}),
+      of({{"NS.objects", uids({9})}, {"$class", uid(2)}}),
+      of({{"NS.objects", uids({10})}, {"$class", uid(2)}}),
+      of({{"NS.objects", list({1})}, {"$class", uid(2)}}),
+      of({{"NS.objects", uid(2)}, {"$class", uid(2)}}),
+      of({{"NS.objects", uids({1})}, {"$class", uid(2)}}),  // reaches itself
+      of({{"NS.objects", uids({})}, {"$class", uid(7)}}),
+      of({{"NS.objects", uids({})}, {"$class", uid(11)}}),
+      of({{"NS.objects", uids({})}, {"$class", uid(12)}}),
+      of({{"NS.objects", uids({})}, {"$class", 2}}),
+      of({{"NS.keys", uids({7})}, {"NS.objects", uids({})}, {"$class", uid(3)}}),
+      of({{"NS.keys", uids({})}, {"NS.objects", uids({7})}, {"$class", uid(3)}}),
+      of({{"NS.keys", uids({7, 7})}, {"NS.objects", uids({7, 7})}, {"$class", uid(3)}}),
+      of({{"NS.keys", uids({1})}, {"NS.objects", uids({7})}, {"$class", uid(3)}}),
+      of({{"NS.time", std::nan("")}, {"$class", uid(4)}}),
+      of({{"NS.time", 1e300}, {"$class", uid(4)}}),
+      of({{"NS.time", 1}, {"$class", uid(4)}}),
+      of({{"NS.relative", uid(7)}, {"$class", uid(5)}}),
+      of({{"NS.base", uid(7)}, {"NS.relative", uid(7)}, {"$class", uid(5)}}),
+      of({{"NS.base", uid(1)}, {"NS.relative", uid(7)}, {"$class", uid(5)}}),
+      of({{"NS.uuidbytes", Data()}, {"$class", uid(6)}}),
+      of({{"$class", uid(6)}}),
+  };
+  for (std::size_t i = 0; i < std::size(archives); ++i) {
+    Error error;
+    EXPECT_FALSE(unarchived(archives[i], &error)) << i;
+    EXPECT_THAT(error, IsError(CoderError::readCorrupt)) << i;
+    EXPECT_NE(reasonOf(error), "") << i;
+  }
+
+  Error error;
+  EXPECT_FALSE(unarchived(Data(), &error));
+  EXPECT_THAT(error, IsError(CoderError::readCorrupt));
+  EXPECT_EQ(reasonOf(error),
+            "data is empty; did you forget to send -finishEncoding to the NSKeyedArchiver?");
+  for (const Dictionary& top : {Dictionary(), Dictionary{{"root", uid(0)}}}) {
+    EXPECT_FALSE(unarchived(archive({}, top), &error));
+    EXPECT_THAT(error, IsError(CoderError::valueNotFound));
+  }
+  EXPECT_FALSE(unarchived(archive({}, {}), &error));
+  EXPECT_EQ(reasonOf(error), "requested key: 'root'");
+}
+
+TEST(KeyedArchiveTest, ARootThatCannotBeMadeIsMissing) {
+  const Data data = archive({Dictionary{{"$class", uid(2)}}, record("Sketch.Stroke")});
+  NSKeyedUnarchiver coder({"Sketch.Stroke"}, data);
+  EXPECT_FALSE(coder.decodeTopLevelObjectForKey("root"));
+  EXPECT_FALSE(coder.error());
+  Error error;
+  EXPECT_FALSE(unarchived({"Sketch.Stroke"}, data, &error));
+  EXPECT_THAT(error, IsError(CoderError::valueNotFound));
+}
+
+// ---- limits
+
+/// Levels of lists, each with two references to the next.
+Data doubling(std::uint64_t levels) {
+  Array objects;
+  for (std::uint64_t level = 1; level <= levels; ++level)
+    objects.push_back(
+        Dictionary{{"NS.objects", uids({level + 1, level + 1})}, {"$class", uid(levels + 2)}});
+  objects.push_back(1);
+  objects.push_back(record("NSArray"));
+  return archive(std::move(objects));
+}
+
+TEST(KeyedArchiveTest, WhatIsReferredToManyTimesIsReadOnceOrRefused) {
+  EXPECT_TRUE(unarchived(doubling(8)));
+  Error error;
+  EXPECT_FALSE(unarchived(doubling(24), &error));
+  EXPECT_THAT(error, IsError(CoderError::readCorrupt));
+  EXPECT_EQ(reasonOf(error), "the archive expands too much");
+
+  std::shared_ptr<Node> node = std::make_shared<Node>();
+  for (int level = 0; level < 24; ++level) {
+    auto above = std::make_shared<Node>();
+    above->next = {node, node};
+    node = std::move(above);
+  }
+  Node::made = 0;
+  EXPECT_TRUE(unarchived({"Sketch.Node"}, *archived(Value(node))));
+  EXPECT_EQ(Node::made, 25);
+}
+
+Value nested(std::size_t levels) {
+  Value value = 1;
+  for (std::size_t level = 1; level < levels; ++level) value = list({std::move(value)});
+  return value;
+}
+
+/// What writing and reading `value` within `limits` says; "" when both succeed.
+std::string refusal(const Value& value, const ArchiveLimits& limits) {
+  NSKeyedArchiver archiver(SecureCoding::required, limits);
+  archiver.encodeObject(value, NSKeyedArchiveRootObjectKey);
+  Error error;
+  const bool isWritten = archiver.encodedData(&error).has_value();
+
+  NSKeyedArchiver unlimited(SecureCoding::required, {.depth = 1'000});
+  unlimited.encodeObject(value, NSKeyedArchiveRootObjectKey);
+  const std::optional<Data> data = unlimited.encodedData();
+  if (!data) return "not written";
+  NSKeyedUnarchiver coder({"NSArray"}, *data, limits);
+  const bool isRead = coder.decodeObjectForKey(NSKeyedArchiveRootObjectKey).has_value();
+  EXPECT_EQ(isWritten, isRead) << reasonOf(error);
+  return isRead ? "" : reasonOf(*coder.error());
+}
+
+TEST(KeyedArchiveTest, LimitsBindBothWays) {
+  EXPECT_EQ(refusal(nested(65), {}), "");
+  EXPECT_EQ(refusal(nested(66), {}), "the graph of objects is too deep");
+  EXPECT_EQ(refusal(nested(66), {.depth = 65}), "");
+  EXPECT_EQ(refusal(nested(513), {.depth = 10'000}), "");
+  EXPECT_EQ(refusal(nested(514), {.depth = 10'000}), "not written");
+
+  const Value many = list(Array(97, Value(1)));  // with nil, the list and its class, 100
+  EXPECT_EQ(refusal(many, {.objects = 100}), "");
+  EXPECT_EQ(refusal(many, {.objects = 99}), "incomprehensible archive");
+
+  const std::size_t size = archived(many)->size();
+  EXPECT_EQ(refusal(many, {.bytes = size}), "");
+  EXPECT_EQ(refusal(many, {.bytes = size - 1}), "the archive is too large");
+
+  NSKeyedUnarchiver coder(doubling(14), {.expansion = 1000});
+  EXPECT_TRUE(coder.decodeObjectForKey("root"));
+  NSKeyedUnarchiver tight(doubling(14), {.expansion = 1});
+  EXPECT_FALSE(tight.decodeObjectForKey("root"));
+}
+
+/// An archive whose table refers to one object again and again.
+std::string withObjects(const std::string& object, std::uint64_t count) {
+  const auto text = [](const std::string& characters) {
+    return "\x5F\x10" + std::string(1, static_cast<char>(characters.size())) + characters;
+  };
+  std::string table = "\xAF\x12" + bigEndian(count, 4);
+  for (std::uint64_t i = 0; i < count; ++i) table += '\x0B';
+  return BinaryList{{std::string("\xD4\1\3\5\6\2\4\7\x0A", 9), text("$version"),
+                     "\x12" + bigEndian(100'000, 4), text("$archiver"), text("NSKeyedArchiver"),
+                     text("$top"), text("$objects"), std::string("\xD1\x08\x09", 3), text("root"),
+                     "\x80\1", table, object}}
+      .bytes();
+}
+
+TEST(KeyedArchiveTest, HostileTablesAreRefusedSoon) {
+  const auto reasonFor = [](const std::string& bytes) {
+    NSKeyedUnarchiver coder({"NSString"}, std::as_bytes(std::span(bytes)));
+    const auto root = coder.decodeTopLevelObjectForKey("root");
+    EXPECT_NE(root.has_value(), coder.error().has_value());
+    return root ? "" : reasonOf(*coder.error());
+  };
+  EXPECT_EQ(reasonFor(withObjects("\x51x", 100'000)), "");
+  EXPECT_EQ(reasonFor(withObjects("\x51x", 100'001)), "incomprehensible archive");
+  EXPECT_EQ(reasonFor(withObjects("\x51x", 1'000'000)), "incomprehensible archive");
+  EXPECT_EQ(reasonFor(withObjects("\x5F\x13" + bigEndian(~std::uint64_t{0}, 8), 2)),
+            "incomprehensible archive");
+
+  BinaryList deep;  // not even an archive: it must end all the same
+  deep.referenceSize = 3;
+  for (std::uint64_t i = 1; i < 200'000; ++i) deep.objects.push_back('\xA1' + bigEndian(i, 3));
+  deep.objects.emplace_back("\x09");
+  EXPECT_EQ(reasonFor(deep.bytes()), "incomprehensible archive");
+
+  Array objects;  // lists, each in the one before
+  for (std::uint64_t i = 1; i <= 20'000; ++i)
+    objects.push_back(Dictionary{{"NS.objects", uids({i + 1})}, {"$class", uid(20'001)}});
+  objects.push_back(record("NSArray"));
+  const Data data = archive(std::move(objects));
+  NSKeyedUnarchiver coder(data, {.depth = 1'000'000});
+  EXPECT_FALSE(coder.decodeObjectForKey("root"));
+  EXPECT_EQ(reasonOf(*coder.error()), "the graph of objects is too deep");
+}
+
+// ---- an independent reader
+
+TEST(KeyedArchiveTest, PythonReadsWhatIsWrittenAndWritesWhatIsRead) {
+  if (std::system("python3 -c 'import plistlib' 2>/dev/null") != 0)
+    GTEST_SKIP() << "python3 with plistlib is not installed";
+  const TemporaryFolder folder;
+  const Data written = *archived(list({boxed(Stroke{0.1F, -3}), "Grüße", Data()}));
+  std::ofstream(folder.path("ours"), std::ios::binary)
+      .write(reinterpret_cast<const char*>(written.data()),
+             static_cast<std::streamsize>(written.size()));
+  std::ofstream(folder.path("check.py")) << R"(import plistlib, struct, sys
+from plistlib import UID
+bytes = open(sys.argv[1], 'rb').read()
+d = plistlib.loads(bytes, fmt=plistlib.FMT_BINARY)
+assert d['$version'] == 100000 and d['$archiver'] == 'NSKeyedArchiver', d
+objects = d['$objects']
+assert objects[0] == '$null'
+array = objects[d['$top']['root']]
+assert objects[array['$class']] == {'$classname': 'NSArray', '$classes': ['NSArray', 'NSObject']}
+stroke, text, data = (objects[uid] for uid in array['NS.objects'])
+assert stroke['width'] == struct.unpack('f', struct.pack('f', 0.1))[0] and stroke['$$count'] == -3
+assert b'\x22' + struct.pack('>f', 0.1) in bytes
+assert objects[stroke['$class']]['$classname'] == 'Sketch.Stroke'
+assert text == 'Grüße' and data == b''
+theirs = {'$version': 100000, '$archiver': 'NSKeyedArchiver', '$top': {'root': UID(1)},
+  '$objects': ['$null', {'NS.objects': [UID(3), UID(5), UID(6)], '$class': UID(2)},
+    {'$classname': 'NSArray', '$classes': ['NSArray', 'NSObject']},
+    {'width': 0.25, '$$count': -2**40, '$class': UID(4)},
+    {'$classname': 'Sketch.Stroke', '$classes': ['Sketch.Stroke', 'NSObject']},
+    'text', 2**64 - 1]}
+plistlib.dump(theirs, open(sys.argv[2], 'wb'), fmt=plistlib.FMT_BINARY)
+)";
+  const std::string command = "python3 " + folder.path("check.py") + " " + folder.path("ours") +
+                              " " + folder.path("theirs");
+  ASSERT_EQ(std::system(command.c_str()), 0);
+
+  std::ifstream in(folder.path("theirs"), std::ios::binary);
+  const std::string bytes{std::istreambuf_iterator<char>(in), {}};
+  const auto theirs =
+      unarchived({"NSArray", "Sketch.Stroke"}, Data(std::as_bytes(std::span(bytes))));
+  ASSERT_TRUE(theirs);
+  const Array& elements = *theirs->as<Array>();
+  EXPECT_EQ(unboxed<Stroke>(elements[0])->width, 0.25F);
+  EXPECT_EQ(unboxed<Stroke>(elements[0])->count, -(std::int64_t{1} << 40));
+  EXPECT_EQ(elements[1], Value("text"));
+  EXPECT_EQ(elements[2], Value(std::numeric_limits<std::uint64_t>::max()));
 }
 
 }  // namespace

@@ -1,4 +1,5 @@
 #include <framework_utility/platform/foundation/property_list.h>
+#include <tests/platform/foundation/binary_list.h>
 #include <tests/support/is_error.h>
 #include <tests/support/temporary_folder.h>
 
@@ -16,6 +17,8 @@ namespace {
 
 using namespace std::chrono_literals;
 using namespace std::string_literals;
+using testing::bigEndian;
+using testing::BinaryList;
 
 template <class T>
 constexpr T largest = std::numeric_limits<T>::max();
@@ -26,36 +29,15 @@ std::string text(const Data& data) {
   return {reinterpret_cast<const char*>(data.data()), data.size()};
 }
 
-std::string bigEndian(std::uint64_t number, int size) {
-  std::string bytes;
-  for (int i = size - 1; i >= 0; --i) bytes += static_cast<char>(i > 7 ? 0 : number >> (8 * i));
-  return bytes;
-}
-
-struct List {
-  std::vector<std::string> objects;
-  int referenceSize = 1;
-  std::uint64_t top = 0;
-
-  std::string bytes() const {
-    std::string all = "bplist00", offsets;
-    for (const std::string& object : objects) {
-      offsets += bigEndian(all.size(), 4);
-      all += object;
-    }
-    const std::size_t table = all.size();
-    return all + offsets + "\0\0\0\0\0\0\4"s + static_cast<char>(referenceSize) +
-           bigEndian(objects.size(), 8) + bigEndian(top, 8) + bigEndian(table, 8);
-  }
-};
-
 std::optional<Value> read(const std::string& bytes, const PropertyListLimits& limits = {},
                           Error* error = nullptr) {
   return propertyListWithData(std::as_bytes(std::span(bytes)), limits, error);
 }
 
 /// The one object with these bytes.
-std::optional<Value> readOne(const std::string& object) { return read(List{{object}}.bytes()); }
+std::optional<Value> readOne(const std::string& object) {
+  return read(BinaryList{{object}}.bytes());
+}
 
 void expectRefused(const std::string& bytes, const PropertyListLimits& limits = {}) {
   Error error;
@@ -124,8 +106,10 @@ TEST(PropertyListTest, NumbersTakeThePlatformsBytes) {
   EXPECT_EQ(readOne("\x14"s + std::string(16, '\xFF')), Value(-1));
   EXPECT_EQ(readOne("\x14"s + std::string(8, '\xFF') + "\x80"s + std::string(7, '\0')),
             Value(smallest<std::int64_t>));
-  expectRefused(List{{"\x14"s + std::string(8, '\xFF') + "\x7F"s + std::string(7, '\0')}}.bytes());
-  expectRefused(List{{"\x14"s + std::string(7, '\0') + "\1"s + std::string(8, '\0')}}.bytes());
+  expectRefused(
+      BinaryList{{"\x14"s + std::string(8, '\xFF') + "\x7F"s + std::string(7, '\0')}}.bytes());
+  expectRefused(
+      BinaryList{{"\x14"s + std::string(7, '\0') + "\1"s + std::string(8, '\0')}}.bytes());
 }
 
 TEST(PropertyListTest, ArchivesReferToObjectsByNumber) {
@@ -143,7 +127,7 @@ TEST(PropertyListTest, TextsAreASCIIOrUTF16) {
   EXPECT_EQ(readOne("\x62\xD8\x3D\xDE\0"s), Value("\U0001F600"));
   EXPECT_EQ(readOne("\x62\xDE\0\xD8\x3D"s), Value("\uFFFD\uFFFD"));
   EXPECT_EQ(readOne("\x5F\x10\x10"s + std::string(16, 'x')), Value(std::string(16, 'x')));
-  expectRefused(List{{"\x51\xFC"}}.bytes());
+  expectRefused(BinaryList{{"\x51\xFC"}}.bytes());
   for (const char* invalid : {"\xFF", "a\xC3", "\xC0\x80", "\xED\xA0\x80", "\xF4\x90\x80\x80",
                               "\xE2\x82"
                               "a"}) {
@@ -178,7 +162,7 @@ TEST(PropertyListTest, DepthIsLimited) {
   expectRefused(text(*data), {.depth = 63});
   EXPECT_FALSE(dataWithPropertyList(nested(65)));
 
-  List deep;
+  BinaryList deep;
   deep.referenceSize = 3;
   for (std::uint64_t i = 1; i < 200'000; ++i) deep.objects.push_back("\xA1"s + bigEndian(i, 3));
   deep.objects.push_back("\x09");
@@ -187,29 +171,29 @@ TEST(PropertyListTest, DepthIsLimited) {
 }
 
 TEST(PropertyListTest, CyclesAreRefused) {
-  expectRefused(List{{"\xA1\0"s}}.bytes());
-  expectRefused(List{{"\xA1\1"s, "\xA1\0"s}}.bytes());
-  expectRefused(List{{"\xD1\1\0"s, "\x51k"}}.bytes());
-  EXPECT_TRUE(read(List{{"\xA2\1\1"s, "\xA0"}}.bytes()));  // sharing is no cycle
+  expectRefused(BinaryList{{"\xA1\0"s}}.bytes());
+  expectRefused(BinaryList{{"\xA1\1"s, "\xA1\0"s}}.bytes());
+  expectRefused(BinaryList{{"\xD1\1\0"s, "\x51k"}}.bytes());
+  EXPECT_TRUE(read(BinaryList{{"\xA2\1\1"s, "\xA0"}}.bytes()));  // sharing is no cycle
 }
 
 TEST(PropertyListTest, ExpansionIsLimited) {
-  List doubling;  // 24 levels of two references: 16 million values in 138 bytes
+  BinaryList doubling;  // 24 levels of two references: 16 million values in 138 bytes
   for (char i = 1; i <= 24; ++i) doubling.objects.push_back({'\xA2', i, i});
   doubling.objects.push_back("\x09");
   expectRefused(doubling.bytes());
 
   const std::string many = "\xAF\x12"s + bigEndian(100'000, 4) + std::string(100'000, '\1');
-  EXPECT_TRUE(read(List{{many, "\x09"}}.bytes()));
+  EXPECT_TRUE(read(BinaryList{{many, "\x09"}}.bytes()));
   for (const char* marker :
        {"\x4F\x12", "\x5F\x12"}) {  // one large object a hundred thousand times
     const std::string large = marker + bigEndian(100'000, 4) + std::string(100'000, 'x');
-    expectRefused(List{{many, large}}.bytes());
+    expectRefused(BinaryList{{many, large}}.bytes());
   }
 }
 
 TEST(PropertyListTest, DamageIsRefused) {
-  const std::string good = List{{"\xD1\1\2"s, "\x51k", "\x09"}}.bytes();
+  const std::string good = BinaryList{{"\xD1\1\2"s, "\x51k", "\x09"}}.bytes();
   ASSERT_TRUE(read(good));
   const auto with = [&](std::size_t fromEnd, const std::string& bytes) {
     return std::string(good).replace(good.size() - fromEnd, bytes.size(), bytes);
@@ -230,27 +214,27 @@ TEST(PropertyListTest, DamageIsRefused) {
       with(8, bigEndian(~0ULL, 8)),
       with(44, bigEndian(7, 4)),  // offset of an object
       with(44, bigEndian(~0U, 4)),
-      List{{"\xAF\x13\x7F\xFF\xFF\xFF\xFF\xFF\xFF\xFF"}}.bytes(),
-      List{{"\x4F\x13\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFF"}}.bytes(),
-      List{{"\xDF\x13\x20\0\0\0\0\0\0\0"s}}.bytes(),
-      List{{"\x4F\x51x"}}.bytes(),  // a length that is a text
-      List{{"\x52x"}}.bytes(),
-      List{{"\x13\0"s}}.bytes(),
-      List{{"\x15"}}.bytes(),
-      List{{"\x24"}}.bytes(),
-      List{{"\x33\x7F\xF0\0\0\0\0\0\0"s}}.bytes(),  // an infinite date
-      List{{"\x32\0\0\0\0"s}}.bytes(),
-      List{{"\x0F"}}.bytes(),
-      List{{"\x70"}}.bytes(),
-      List{{"\xD1\1\2"s, "\x10\1", "\x09"}}.bytes(),              // a number as key
-      List{{"\xD2\1\2\3\3"s, "\x51k", "\x51k", "\x09"}}.bytes(),  // a key twice
+      BinaryList{{"\xAF\x13\x7F\xFF\xFF\xFF\xFF\xFF\xFF\xFF"}}.bytes(),
+      BinaryList{{"\x4F\x13\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFF"}}.bytes(),
+      BinaryList{{"\xDF\x13\x20\0\0\0\0\0\0\0"s}}.bytes(),
+      BinaryList{{"\x4F\x51x"}}.bytes(),  // a length that is a text
+      BinaryList{{"\x52x"}}.bytes(),
+      BinaryList{{"\x13\0"s}}.bytes(),
+      BinaryList{{"\x15"}}.bytes(),
+      BinaryList{{"\x24"}}.bytes(),
+      BinaryList{{"\x33\x7F\xF0\0\0\0\0\0\0"s}}.bytes(),  // an infinite date
+      BinaryList{{"\x32\0\0\0\0"s}}.bytes(),
+      BinaryList{{"\x0F"}}.bytes(),
+      BinaryList{{"\x70"}}.bytes(),
+      BinaryList{{"\xD1\1\2"s, "\x10\1", "\x09"}}.bytes(),              // a number as key
+      BinaryList{{"\xD2\1\2\3\3"s, "\x51k", "\x51k", "\x09"}}.bytes(),  // a key twice
   };
   for (std::size_t i = 0; i < std::size(lists); ++i) {
     SCOPED_TRACE(i);
     expectRefused(lists[i]);
   }
 
-  List large{{"\xDF\x10\x20"s}};  // a key twice among many
+  BinaryList large{{"\xDF\x10\x20"s}};  // a key twice among many
   for (char i = 0; i < 32; ++i) large.objects[0] += static_cast<char>(1 + i % 31);
   large.objects[0] += std::string(32, '\1');
   for (char i = 0; i < 31; ++i) large.objects.push_back({'\x51', static_cast<char>('A' + i)});

@@ -80,5 +80,53 @@ TEST(URLTest, OtherAddresses) {
     EXPECT_FALSE(URL::withString(text)) << text;
 }
 
+/// The examples of RFC 3986, section 5.4.
+TEST(URLTest, OneAddressNamesAnother) {
+  const URL base = *URL::withString("http://a/b/c/d;p?q");
+  const std::pair<const char*, const char*> cases[] = {
+      {"g:h", "g:h"},
+      {"g", "http://a/b/c/g"},
+      {"./g", "http://a/b/c/g"},
+      {"g/", "http://a/b/c/g/"},
+      {"/g", "http://a/g"},
+      {"//g", "http://g"},
+      {"?y", "http://a/b/c/d;p?y"},
+      {"g?y", "http://a/b/c/g?y"},
+      {"#s", "http://a/b/c/d;p?q#s"},
+      {"g#s", "http://a/b/c/g#s"},
+      {"g?y#s", "http://a/b/c/g?y#s"},
+      {";x", "http://a/b/c/;x"},
+      {"g;x?y#s", "http://a/b/c/g;x?y#s"},
+      {"", "http://a/b/c/d;p?q"},
+      {".", "http://a/b/c/"},
+      {"./", "http://a/b/c/"},
+      {"..", "http://a/b/"},
+      {"../", "http://a/b/"},
+      {"../g", "http://a/b/g"},
+      {"../..", "http://a/"},
+      {"../../g", "http://a/g"},
+      {"../../../g", "http://a/g"},
+      {"/./g", "http://a/g"},
+      {"/../g", "http://a/g"},
+      {"g.", "http://a/b/c/g."},
+      {".g", "http://a/b/c/.g"},
+      {"..g", "http://a/b/c/..g"},
+      {"./../g", "http://a/b/g"},
+      {"./g/.", "http://a/b/c/g/"},
+      {"g/./h", "http://a/b/c/g/h"},
+      {"g/../h", "http://a/b/c/h"},
+      {"g;x=1/../y", "http://a/b/c/y"},
+      {"g?y/../x", "http://a/b/c/g?y/../x"},
+      {"g#s/../x", "http://a/b/c/g#s/../x"},
+  };
+  for (const auto& [text, expected] : cases)
+    EXPECT_EQ(URL::withString(text, base)->absoluteString(), expected) << text;
+  EXPECT_EQ(URL::withString("g", *URL::withString("http://a?q"))->absoluteString(), "http://a/g");
+  EXPECT_EQ(URL::withString("../g", *URL::withString("a/b/c"))->absoluteString(), "a/g");
+  EXPECT_EQ(URL::withString("..", *URL::withString("a"))->absoluteString(), "./");
+  EXPECT_FALSE(URL::withString("", *URL::withString("#a")));
+  EXPECT_FALSE(URL::withString("a b", base));
+}
+
 }  // namespace
 }  // namespace FrameworkUtility

@@ -1,15 +1,13 @@
-#include <framework_utility/platform/foundation/property_list.h>
+#include <framework_utility/platform/foundation/property_list_readers.h>
 
 #include <framework_utility/platform/foundation/equal_keys.h>
-#include <framework_utility/platform/foundation/platform_error.h>
+#include <framework_utility/platform/foundation/expansion_budget.h>
 #include <framework_utility/platform/foundation/property_list_format.h>
 #include <framework_utility/platform/foundation/reference_date.h>
 #include <framework_utility/platform/foundation/utf16.h>
 
 #include <algorithm>
 #include <bit>
-#include <limits>
-#include <new>
 #include <utility>
 #include <vector>
 
@@ -18,10 +16,6 @@ namespace {
 
 using namespace detail;
 using Bytes = std::span<const std::byte>;
-
-constexpr std::size_t freeExpansion = 64 * 1024;
-constexpr std::size_t valueCost = 8;
-constexpr std::size_t largestDepth = 512;
 
 /// At most 8 bytes.
 std::uint64_t bigEndian(Bytes bytes) {
@@ -34,15 +28,12 @@ std::uint64_t bigEndian(Bytes bytes) {
 class Reader {
  public:
   Reader(Bytes data, const PropertyListLimits& limits)
-      : depth_(std::min(limits.depth, largestDepth)) {
-    const std::size_t perByte = std::max<std::size_t>(limits.expansion, 1);
-    constexpr std::size_t all = std::numeric_limits<std::size_t>::max() - freeExpansion;
-    budget_ = freeExpansion + (data.size() > all / perByte ? all : data.size() * perByte);
+      : depth_(limits.depth), budget_(data.size(), limits.expansion, limits.values) {
     isWhole_ = findTables(data);
   }
 
   std::optional<Value> readTop() {
-    if (!isWhole_) return std::nullopt;
+    if (!isWhole_ || !budget_.spendValues(1)) return std::nullopt;
     return readObject(topObject_);
   }
 
@@ -57,10 +48,6 @@ class Reader {
   bool findTables(Bytes data) {
     constexpr std::size_t headerSize = sizeof propertyListSignature;
     if (data.size() < headerSize + trailer::size) return false;
-    const auto isSame = [](std::byte a, char b) { return a == static_cast<std::byte>(b); };
-    if (!std::equal(data.begin(), data.begin() + headerSize, propertyListSignature, isSame))
-      return false;
-
     const Bytes end = data.last(trailer::size);
     offsetSize_ = std::to_integer<std::size_t>(end[trailer::offsetSize]);
     referenceSize_ = std::to_integer<std::size_t>(end[trailer::referenceSize]);
@@ -76,13 +63,6 @@ class Reader {
     objects_ = data.first(table);
     offsets_ = data.subspan(table, count * offsetSize_);
     isOpen_.resize(count);
-    return true;
-  }
-
-  /// Takes from what the list may still expand to.
-  bool spend(std::size_t cost) {
-    if (cost > budget_) return false;
-    budget_ -= cost;
     return true;
   }
 
@@ -122,7 +102,7 @@ class Reader {
 
   std::optional<Value> readObject(std::uint64_t number) {
     const std::optional<Object> object = this->object(number);
-    if (!object || depth_ == 0 || !spend(valueCost)) return std::nullopt;
+    if (!object || depth_ == 0) return std::nullopt;
     switch (object->marker) {
       case Marker::simple:
         if (object->low == nullMarker) return Value();
@@ -182,14 +162,14 @@ class Reader {
 
   std::optional<Value> readData(const Object& object) {
     const std::optional<Bytes> bytes = elements(object, 1);
-    if (!bytes || !spend(bytes->size())) return std::nullopt;
+    if (!bytes || !budget_.spendBytes(bytes->size())) return std::nullopt;
     return Value(Data(*bytes));
   }
 
   std::optional<std::string> readText(const Object& object) {
     const bool isASCII = object.marker == Marker::ascii;
     const std::optional<Bytes> bytes = elements(object, isASCII ? 1 : 2);
-    if (!bytes || !spend(bytes->size())) return std::nullopt;
+    if (!bytes || !budget_.spendBytes(bytes->size())) return std::nullopt;
     if (isASCII) {
       std::byte allBits{};
       for (const std::byte byte : *bytes) allBits |= byte;
@@ -229,7 +209,7 @@ class Reader {
     const std::optional<Bytes> references = elements(object, referenceSize_);
     if (!references) return std::nullopt;
     const std::size_t count = references->size() / referenceSize_;
-    if (count > budget_ / valueCost) return std::nullopt;
+    if (!budget_.spendValues(count)) return std::nullopt;  // before they are given memory
     Array array;
     array.reserve(count);
     for (std::size_t i = 0; i < count; ++i) {
@@ -244,13 +224,12 @@ class Reader {
     const std::optional<Bytes> references = elements(object, 2 * referenceSize_);
     if (!references) return std::nullopt;
     const std::size_t count = references->size() / (2 * referenceSize_);
-    if (count > budget_ / (2 * valueCost)) return std::nullopt;
+    if (!budget_.spendValues(2 * count)) return std::nullopt;
     Dictionary dictionary;
     dictionary.reserve(count);
     for (std::size_t i = 0; i < count; ++i) {
       const std::optional<Object> keyObject = this->object(reference(*references, i));
-      if (!keyObject || !spend(valueCost) ||
-          (keyObject->marker != Marker::ascii && keyObject->marker != Marker::utf16))
+      if (!keyObject || (keyObject->marker != Marker::ascii && keyObject->marker != Marker::utf16))
         return std::nullopt;
       std::optional<std::string> key = readText(*keyObject);
       if (!key) return std::nullopt;
@@ -269,26 +248,21 @@ class Reader {
   std::uint64_t topObject_ = 0;
   std::vector<bool> isOpen_;  // whether the object is being read
   std::size_t depth_;         // how much deeper values may nest
-  std::size_t budget_ = 0;
+  ExpansionBudget budget_;
   bool isWhole_ = false;
 };
 
 }  // namespace
 
-std::optional<std::uint64_t> PropertyListUID::numberIn(const Value& value) {
-  const auto* object = value.as<std::shared_ptr<NSObject>>();
-  const auto* uid = object ? dynamic_cast<const PropertyListUID*>(object->get()) : nullptr;
-  return uid ? std::optional(uid->number()) : std::nullopt;
+std::optional<Value> detail::readBinaryPropertyList(Bytes data, const PropertyListLimits& limits) {
+  return Reader(data, limits).readTop();
 }
 
-std::optional<Value> propertyListWithData(std::span<const std::byte> data,
-                                          const PropertyListLimits& limits, Error* error) {
-  try {
-    if (std::optional<Value> value = Reader(data, limits).readTop()) return value;
-  } catch (const std::bad_alloc&) {
-    // More than the memory holds, within the limits that the caller set.
-  }
-  return detail::failed(error, PropertyListError::readCorrupt);
+bool detail::isBinaryPropertyList(Bytes data) {
+  constexpr std::size_t size = sizeof propertyListSignature;
+  const auto isSame = [](std::byte a, char b) { return a == static_cast<std::byte>(b); };
+  return data.size() >= size &&
+         std::equal(data.begin(), data.begin() + size, propertyListSignature, isSame);
 }
 
 }  // namespace FrameworkUtility
