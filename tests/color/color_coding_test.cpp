@@ -3,7 +3,7 @@
 #include <framework_utility/platform/foundation/keyed_archiver.h>
 #include <framework_utility/services/errors/archive_error.h>
 
-#include <tests/color/color_archives.h>
+#include <tests/support/archives.h>
 #include <tests/support/is_error.h>
 
 #include <gmock/gmock.h>

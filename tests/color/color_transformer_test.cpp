@@ -1,7 +1,7 @@
 #include <framework_utility/color/color_transformer.h>
 #include <framework_utility/platform/foundation/keyed_archiver.h>
 
-#include <tests/color/color_archives.h>
+#include <tests/support/archives.h>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

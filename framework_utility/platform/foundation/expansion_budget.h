@@ -32,7 +32,7 @@ class ExpansionBudget {
   }
 
  private:
-  static constexpr std::size_t freeCost = 64 * 1024;
+  static constexpr std::size_t freeCost = std::size_t{64} * 1024;
   static constexpr std::size_t valueCost = 8;
 
   std::size_t values_;

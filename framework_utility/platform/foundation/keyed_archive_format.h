@@ -1,7 +1,9 @@
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <limits>
 #include <string>
 #include <string_view>
 
@@ -31,8 +33,11 @@ inline constexpr std::string_view rootClassName = "NSObject";
 
 /// A thread's stack is sure to hold objects that nest this deep.
 inline constexpr std::size_t largestDepth = 512;
-/// The property list may hold this many values for each object of the table.
-inline constexpr std::size_t valuesPerObject = 16;
+/// How many values the property list of an archive of so many objects may hold.
+constexpr std::size_t valuesOf(std::size_t objects) {
+  constexpr std::size_t each = 16;
+  return std::min(objects, std::numeric_limits<std::size_t>::max() / each) * each;
+}
 
 /// The key in an object's dictionary: one with "$" in front gets one more, so that none is taken
 /// for the archive's own.

@@ -33,7 +33,7 @@ class NSKeyedUnarchiver::Archive {
       : coder_(coder),
         classes_(std::move(classes)),
         depth_(std::min(limits.depth, largestDepth)),
-        budget_(data.size(), limits.expansion, valuesPerObject * limits.objects) {
+        budget_(data.size(), limits.expansion, valuesOf(limits.objects)) {
     read(data, limits);
   }
 
@@ -109,7 +109,7 @@ class NSKeyedUnarchiver::Archive {
           "data is empty; did you forget to send -finishEncoding to the NSKeyedArchiver?");
     if (data.size() > limits.bytes) return failBecause("the archive is too large");
     list_ = propertyListWithData(
-        data, {.expansion = limits.expansion, .values = valuesPerObject * limits.objects});
+        data, {.expansion = limits.expansion, .values = valuesOf(limits.objects)});
     if (!list_ || !findTable(limits)) failBecause("incomprehensible archive");
   }
 

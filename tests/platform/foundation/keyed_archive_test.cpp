@@ -3,8 +3,8 @@
 #include <framework_utility/platform/foundation/property_list.h>
 #include <framework_utility/platform/foundation/set.h>
 #include <framework_utility/platform/foundation/uuid.h>
-#include <tests/platform/foundation/archives.h>
 #include <tests/platform/foundation/binary_list.h>
+#include <tests/support/archives.h>
 #include <tests/support/is_error.h>
 #include <tests/support/temporary_folder.h>
 
@@ -143,16 +143,16 @@ TEST(KeyedArchiveTest, HasThePlatformsLayout) {
                                                        "#19", "#21"})},
                                   {"$class", "#24"}},
                        Dictionary{{"width", 0.5F}, {"$$count", -3}, {"$class", "#3"}},
-                       record("Sketch.Stroke"),
+                       classRecord("Sketch.Stroke"),
                        "text",
                        Dictionary{{"width", 2.0F}, {"$$count", 7}, {"$class", "#3"}},
                        Dictionary{{"$class", "#7"}},
-                       record("NSNull"),
+                       classRecord("NSNull"),
                        Dictionary{{"NS.time", 1.5}, {"$class", "#9"}},
-                       record("NSDate"),
+                       classRecord("NSDate"),
                        Dictionary{{"NS.base", "#0"}, {"NS.relative", "#11"}, {"$class", "#12"}},
                        "file:///a%20b",
-                       record("NSURL"),
+                       classRecord("NSURL"),
                        Dictionary{{"NS.keys", list({"#14", "#15"})},
                                   {"NS.objects", list({"#16", "#17"})},
                                   {"$class", "#18"}},
@@ -160,13 +160,13 @@ TEST(KeyedArchiveTest, HasThePlatformsLayout) {
                        17,
                        true,
                        Data(),
-                       record("NSDictionary"),
+                       classRecord("NSDictionary"),
                        Dictionary{{"NS.uuidbytes", Data(bytes)}, {"$class", "#20"}},
-                       record("NSUUID"),
+                       classRecord("NSUUID"),
                        Dictionary{{"NS.objects", list({"#22"})}, {"$class", "#23"}},
                        -1,
-                       record("NSSet"),
-                       record("NSArray"),
+                       classRecord("NSSet"),
+                       classRecord("NSArray"),
                    })}};
   EXPECT_EQ(withReferences(*read), Value(expected)) << withReferences(*read);
 
@@ -221,55 +221,60 @@ TEST(KeyedArchiveTest, ReadsWhatOtherWritersWrite) {
     Value expected;
   } cases[] = {
       {"a mutable list",
-       {Dictionary{{"NS.objects", uids({3})}, {"$class", uid(2)}},
-        record("NSMutableArray", {"NSArray"}), 1.5},
+       {Dictionary{{"NS.objects", references({3})}, {"$class", reference(2)}},
+        classRecord("NSMutableArray", {"NSArray"}), 1.5},
        list({1.5})},
       {"a mutable dictionary",
-       {Dictionary{{"NS.keys", uids({3, 4})}, {"NS.objects", uids({4, 3})}, {"$class", uid(2)}},
-        record("NSMutableDictionary", {"NSDictionary"}), "a", 17},
+       {Dictionary{{"NS.keys", references({3, 4})},
+                   {"NS.objects", references({4, 3})},
+                   {"$class", reference(2)}},
+        classRecord("NSMutableDictionary", {"NSDictionary"}), "a", 17},
        Dictionary{{"a", 17}, {17, "a"}}},
       {"a mutable text, inline",
-       {Dictionary{{"NS.string", "inline"}, {"$class", uid(2)}},
-        record("NSMutableString", {"NSString"})},
+       {Dictionary{{"NS.string", "inline"}, {"$class", reference(2)}},
+        classRecord("NSMutableString", {"NSString"})},
        "inline"},
       {"a mutable text, referred to",
-       {Dictionary{{"NS.string", uid(3)}, {"$class", uid(2)}},
-        record("NSMutableString", {"NSString"}), "elsewhere"},
+       {Dictionary{{"NS.string", reference(3)}, {"$class", reference(2)}},
+        classRecord("NSMutableString", {"NSString"}), "elsewhere"},
        "elsewhere"},
       {"mutable data",
-       {Dictionary{{"NS.data", Data(std::as_bytes(std::span("x", 1)))}, {"$class", uid(2)}},
-        record("NSMutableData", {"NSData"})},
+       {Dictionary{{"NS.data", Data(std::as_bytes(std::span("x", 1)))}, {"$class", reference(2)}},
+        classRecord("NSMutableData", {"NSData"})},
        Data(std::as_bytes(std::span("x", 1)))},
       {"a plain date", {Date()}, Date()},
       {"a URL that is relative to another",
-       {Dictionary{{"NS.base", uid(3)}, {"NS.relative", uid(4)}, {"$class", uid(2)}},
-        record("NSURL"),
-        Dictionary{{"NS.base", uid(0)}, {"NS.relative", uid(5)}, {"$class", uid(2)}}, "../c?q",
-        "https://host/a/b/d"},
+       {Dictionary{
+            {"NS.base", reference(3)}, {"NS.relative", reference(4)}, {"$class", reference(2)}},
+        classRecord("NSURL"),
+        Dictionary{
+            {"NS.base", reference(0)}, {"NS.relative", reference(5)}, {"$class", reference(2)}},
+        "../c?q", "https://host/a/b/d"},
        *URL::withString("https://host/a/c?q")},
       {"a class of which only a hint is known",
-       {Dictionary{{"NS.objects", uids({})}, {"$class", uid(2)}},
+       {Dictionary{{"NS.objects", references({})}, {"$class", reference(2)}},
         Dictionary{{"$classname", "Unknown"},
                    {"$classhints", list({"NSArray"})},
                    {"$classes", list({"Unknown", "NSDictionary"})}}},
        list({})},
       {"a class of which only a superclass is known",
-       {Dictionary{{"NS.objects", uids({})}, {"$class", uid(2)}},
-        record("Unknown", {"AlsoUnknown", "NSMutableArray", "NSArray"})},
+       {Dictionary{{"NS.objects", references({})}, {"$class", reference(2)}},
+        classRecord("Unknown", {"AlsoUnknown", "NSMutableArray", "NSArray"})},
        list({})},
       {"a list that stands in two places",
-       {Dictionary{{"NS.objects", uids({3, 3})}, {"$class", uid(2)}}, record("NSArray"),
-        Dictionary{{"NS.objects", uids({4})}, {"$class", uid(2)}}, true},
+       {Dictionary{{"NS.objects", references({3, 3})}, {"$class", reference(2)}},
+        classRecord("NSArray"),
+        Dictionary{{"NS.objects", references({4})}, {"$class", reference(2)}}, true},
        list({list({true}), list({true})})},
   };
   for (const auto& c : cases) {
     Error error;
-    EXPECT_EQ(unarchived(archive(c.objects), &error), c.expected) << c.what << reasonOf(error);
+    EXPECT_EQ(unarchived(archiveOf(c.objects), &error), c.expected) << c.what << reasonOf(error);
   }
 
   for (const char* name : {"Sketch.Stroke", "_TtC6Sketch6Stroke", "Stroke"}) {
-    const Data data =
-        archive({Dictionary{{"width", 2.0F}, {"$$count", 7}, {"$class", uid(2)}}, record(name)});
+    const Data data = archiveOf(
+        {Dictionary{{"width", 2.0F}, {"$$count", 7}, {"$class", reference(2)}}, classRecord(name)});
     for (const char* allowed : {"Sketch.Stroke", "_TtC6Sketch6Stroke", "Stroke", "NSObject"}) {
       const auto value = unarchived({allowed}, data);
       const Stroke* stroke = value ? unboxed<Stroke>(*value) : nullptr;
@@ -279,8 +284,8 @@ TEST(KeyedArchiveTest, ReadsWhatOtherWritersWrite) {
   }
   for (const char* name : {"Other.Stroke", "_TtC5Other6Stroke", "_TtC6Sketch7Stroke", "_TtC6Sketch",
                            "_TtC9999999999999999999999Sketch", "Sketch."})
-    EXPECT_FALSE(
-        unarchived(archive({Dictionary{{"width", 2.0F}, {"$class", uid(2)}}, record(name)})))
+    EXPECT_FALSE(unarchived(
+        archiveOf({Dictionary{{"width", 2.0F}, {"$class", reference(2)}}, classRecord(name)})))
         << name;
 }
 
@@ -303,10 +308,10 @@ TEST(KeyedArchiveTest, NumbersAreReadAsWhatTheyAre) {
       {std::numeric_limits<double>::infinity(), none, none, none,
        std::numeric_limits<double>::infinity(), std::numeric_limits<double>::infinity()},
       {"1", none, none, none, none, none},
-      {uid(1), none, none, none, none, none},
+      {reference(1), none, none, none, none, none},
   };
   for (const auto& c : cases) {
-    const Data data = archive({1}, {{"key", c.stored}});
+    const Data data = archiveOf({1}, {{"key", c.stored}});
     const auto read = [&](auto call) {
       NSKeyedUnarchiver coder(data);
       EXPECT_TRUE(coder.containsValueForKey("key"));
@@ -324,7 +329,7 @@ TEST(KeyedArchiveTest, NumbersAreReadAsWhatTheyAre) {
     EXPECT_EQ(read(&NSKeyedUnarchiver::decodeDoubleForKey), c.asDouble) << c.stored;
   }
 
-  NSKeyedUnarchiver coder(archive({1}, {{"nil", uid(0)}}));
+  NSKeyedUnarchiver coder(archiveOf({1}, {{"nil", reference(0)}}));
   EXPECT_TRUE(coder.containsValueForKey("nil"));
   EXPECT_FALSE(coder.decodeObjectForKey("nil"));
   EXPECT_FALSE(coder.containsValueForKey("missing"));
@@ -437,7 +442,7 @@ TEST(KeyedArchiveTest, WhatCannotBeArchivedIsRefused) {
 TEST(KeyedArchiveTest, WhatIsNoArchiveIsRefused) {
   const Dictionary whole{{"$version", 100000},
                          {"$archiver", "NSKeyedArchiver"},
-                         {"$top", Dictionary{{"root", uid(1)}}},
+                         {"$top", Dictionary{{"root", reference(1)}}},
                          {"$objects", list({"$null", "root"})}};
   const auto with = [&](const char* key, const Value& value) {
     Dictionary changed = whole;
@@ -446,10 +451,10 @@ TEST(KeyedArchiveTest, WhatIsNoArchiveIsRefused) {
   };
   ASSERT_TRUE(unarchived(*dataWithPropertyList(whole)));
   const auto of = [](const Dictionary& parts) {
-    return archive({parts, record("NSArray"), record("NSDictionary"), record("NSDate"),
-                    record("NSURL"), record("NSUUID"), 2, Dictionary(),
-                    Dictionary{{"$class", uid(99)}}, list({}), record("Unknown"),
-                    Dictionary{{"$classname", 5}}});
+    return archiveOf({parts, classRecord("NSArray"), classRecord("NSDictionary"),
+                      classRecord("NSDate"), classRecord("NSURL"), classRecord("NSUUID"), 2,
+                      Dictionary(), Dictionary{{"$class", reference(99)}}, list({}),
+                      classRecord("Unknown"), Dictionary{{"$classname", 5}}});
   };
   const Data archives[] = {
       Data(std::as_bytes(std::span("not an archive"))),
@@ -458,33 +463,35 @@ TEST(KeyedArchiveTest, WhatIsNoArchiveIsRefused) {
       with("$archiver", "NSArchiver"),
       with("$top", list({})),
       with("$objects", Dictionary()),
-      with("$top", Dictionary{{"root", uid(2)}}),
-      with("$top", Dictionary{{"root", uid(~std::uint64_t{0})}}),
+      with("$top", Dictionary{{"root", reference(2)}}),
+      with("$top", Dictionary{{"root", reference(~std::uint64_t{0})}}),
       with("$top", Dictionary{{"root", -1}}),
       with("$top", Dictionary{{"root", "root"}}),
-      of({{"NS.objects", uids({0})}, {"$class", uid(2)}}),
-      of({{"NS.objects", uids({8})}, {"$class", uid(2)}}),
-      of({{"NS.objects", uids({9})}, {"$class", uid(2)}}),
-      of({{"NS.objects", uids({10})}, {"$class", uid(2)}}),
-      of({{"NS.objects", list({1})}, {"$class", uid(2)}}),
-      of({{"NS.objects", uid(2)}, {"$class", uid(2)}}),
-      of({{"NS.objects", uids({1})}, {"$class", uid(2)}}),  // reaches itself
-      of({{"NS.objects", uids({})}, {"$class", uid(7)}}),
-      of({{"NS.objects", uids({})}, {"$class", uid(11)}}),
-      of({{"NS.objects", uids({})}, {"$class", uid(12)}}),
-      of({{"NS.objects", uids({})}, {"$class", 2}}),
-      of({{"NS.keys", uids({7})}, {"NS.objects", uids({})}, {"$class", uid(3)}}),
-      of({{"NS.keys", uids({})}, {"NS.objects", uids({7})}, {"$class", uid(3)}}),
-      of({{"NS.keys", uids({7, 7})}, {"NS.objects", uids({7, 7})}, {"$class", uid(3)}}),
-      of({{"NS.keys", uids({1})}, {"NS.objects", uids({7})}, {"$class", uid(3)}}),
-      of({{"NS.time", std::nan("")}, {"$class", uid(4)}}),
-      of({{"NS.time", 1e300}, {"$class", uid(4)}}),
-      of({{"NS.time", 1}, {"$class", uid(4)}}),
-      of({{"NS.relative", uid(7)}, {"$class", uid(5)}}),
-      of({{"NS.base", uid(7)}, {"NS.relative", uid(7)}, {"$class", uid(5)}}),
-      of({{"NS.base", uid(1)}, {"NS.relative", uid(7)}, {"$class", uid(5)}}),
-      of({{"NS.uuidbytes", Data()}, {"$class", uid(6)}}),
-      of({{"$class", uid(6)}}),
+      of({{"NS.objects", references({0})}, {"$class", reference(2)}}),
+      of({{"NS.objects", references({8})}, {"$class", reference(2)}}),
+      of({{"NS.objects", references({9})}, {"$class", reference(2)}}),
+      of({{"NS.objects", references({10})}, {"$class", reference(2)}}),
+      of({{"NS.objects", list({1})}, {"$class", reference(2)}}),
+      of({{"NS.objects", reference(2)}, {"$class", reference(2)}}),
+      of({{"NS.objects", references({1})}, {"$class", reference(2)}}),  // reaches itself
+      of({{"NS.objects", references({})}, {"$class", reference(7)}}),
+      of({{"NS.objects", references({})}, {"$class", reference(11)}}),
+      of({{"NS.objects", references({})}, {"$class", reference(12)}}),
+      of({{"NS.objects", references({})}, {"$class", 2}}),
+      of({{"NS.keys", references({7})}, {"NS.objects", references({})}, {"$class", reference(3)}}),
+      of({{"NS.keys", references({})}, {"NS.objects", references({7})}, {"$class", reference(3)}}),
+      of({{"NS.keys", references({7, 7})},
+          {"NS.objects", references({7, 7})},
+          {"$class", reference(3)}}),
+      of({{"NS.keys", references({1})}, {"NS.objects", references({7})}, {"$class", reference(3)}}),
+      of({{"NS.time", std::nan("")}, {"$class", reference(4)}}),
+      of({{"NS.time", 1e300}, {"$class", reference(4)}}),
+      of({{"NS.time", 1}, {"$class", reference(4)}}),
+      of({{"NS.relative", reference(7)}, {"$class", reference(5)}}),
+      of({{"NS.base", reference(7)}, {"NS.relative", reference(7)}, {"$class", reference(5)}}),
+      of({{"NS.base", reference(1)}, {"NS.relative", reference(7)}, {"$class", reference(5)}}),
+      of({{"NS.uuidbytes", Data()}, {"$class", reference(6)}}),
+      of({{"$class", reference(6)}}),
   };
   for (std::size_t i = 0; i < std::size(archives); ++i) {
     Error error;
@@ -498,16 +505,16 @@ TEST(KeyedArchiveTest, WhatIsNoArchiveIsRefused) {
   EXPECT_THAT(error, IsError(CoderError::readCorrupt));
   EXPECT_EQ(reasonOf(error),
             "data is empty; did you forget to send -finishEncoding to the NSKeyedArchiver?");
-  for (const Dictionary& top : {Dictionary(), Dictionary{{"root", uid(0)}}}) {
-    EXPECT_FALSE(unarchived(archive({}, top), &error));
+  for (const Dictionary& top : {Dictionary(), Dictionary{{"root", reference(0)}}}) {
+    EXPECT_FALSE(unarchived(archiveOf({}, top), &error));
     EXPECT_THAT(error, IsError(CoderError::valueNotFound));
   }
-  EXPECT_FALSE(unarchived(archive({}, {}), &error));
+  EXPECT_FALSE(unarchived(archiveOf({}, {}), &error));
   EXPECT_EQ(reasonOf(error), "requested key: 'root'");
 }
 
 TEST(KeyedArchiveTest, ARootThatCannotBeMadeIsMissing) {
-  const Data data = archive({Dictionary{{"$class", uid(2)}}, record("Sketch.Stroke")});
+  const Data data = archiveOf({Dictionary{{"$class", reference(2)}}, classRecord("Sketch.Stroke")});
   NSKeyedUnarchiver coder({"Sketch.Stroke"}, data);
   EXPECT_FALSE(coder.decodeTopLevelObjectForKey("root"));
   EXPECT_FALSE(coder.error());
@@ -522,11 +529,11 @@ TEST(KeyedArchiveTest, ARootThatCannotBeMadeIsMissing) {
 Data doubling(std::uint64_t levels) {
   Array objects;
   for (std::uint64_t level = 1; level <= levels; ++level)
-    objects.push_back(
-        Dictionary{{"NS.objects", uids({level + 1, level + 1})}, {"$class", uid(levels + 2)}});
+    objects.push_back(Dictionary{{"NS.objects", references({level + 1, level + 1})},
+                                 {"$class", reference(levels + 2)}});
   objects.push_back(1);
-  objects.push_back(record("NSArray"));
-  return archive(std::move(objects));
+  objects.push_back(classRecord("NSArray"));
+  return archiveOf(std::move(objects));
 }
 
 TEST(KeyedArchiveTest, WhatIsReferredToManyTimesIsReadOnceOrRefused) {
@@ -626,9 +633,10 @@ TEST(KeyedArchiveTest, HostileTablesAreRefusedSoon) {
 
   Array objects;  // lists, each in the one before
   for (std::uint64_t i = 1; i <= 20'000; ++i)
-    objects.push_back(Dictionary{{"NS.objects", uids({i + 1})}, {"$class", uid(20'001)}});
-  objects.push_back(record("NSArray"));
-  const Data data = archive(std::move(objects));
+    objects.push_back(
+        Dictionary{{"NS.objects", references({i + 1})}, {"$class", reference(20'001)}});
+  objects.push_back(classRecord("NSArray"));
+  const Data data = archiveOf(std::move(objects));
   NSKeyedUnarchiver coder(data, {.depth = 1'000'000});
   EXPECT_FALSE(coder.decodeObjectForKey("root"));
   EXPECT_EQ(reasonOf(*coder.error()), "the graph of objects is too deep");
