@@ -14,12 +14,13 @@ namespace FrameworkUtility {
 /// A shape of four corners, used as a rect that may be turned: a crop area, or the frame of a
 /// turned picture that must cover it.
 ///
-///                 p1
-///               ╱    ╲           The corners go clockwise on the screen, where y grows
-///            p4        ╲         downwards, from the top left one of the upright shape.
-///              ╲        p2       p1-p2 is the width, p2-p3 the height. Angles are in
-///                ╲    ╱          radians, and positive ones turn clockwise.
-///                  p3
+///              p1
+///             ╱   ╲               The corners go clockwise on the screen, where y grows downwards,
+///           ╱       ╲             and begin at the top left one of the upright shape. p1-p2 is the
+///         p4          p2          width, p2-p3 the height. Angles are in radians; positive ones
+///           ╲       ╱             turn clockwise.
+///             ╲   ╱
+///              p3
 ///
 /// It is taken to be convex, which nothing checks. What is not finite gives what is not finite, or
 /// an answer of no meaning.
@@ -100,16 +101,18 @@ class KvRectangle {
   /// empty: the smallest rect of the proportions of `content`, centred at `center` and turned by
   /// -`angle`, that holds this shape's corners.
   ///
-  ///        p1 · · ·                The result may also be smaller than the upright cover.
-  ///      ·┌────────· · p2
-  ///     · │  this  │·              For 0, π, 2π and what steps of 2π bring there (only the very
-  ///    ·  │ shape  │ ·             double within 2.2e-16) it is the upright cover at (0, 0), not
-  ///   p4 ·└────────┘·              centred and not grown, which is meant.
-  ///        · · · · p3
+  ///              . · ' p2
+  ///    p1 · '┌──────────┐        p1 to p4 are the result's corners, for an angle above 0. It may
+  ///      .   │   this   │ .      also be smaller than the upright cover.
+  ///       .  │  shape   │  .
+  ///        . └──────────┘. · p3  For 0, π, 2π and what steps of 2π bring there (only the very
+  ///         p4 · '               double within 2.2e-16) it is the upright cover at (0, 0), not
+  ///                              centred and not grown, which is meant.
   ///
-  /// The corners are projected along slopes of tan(angle) and its inverse: within 1e-14 of a
-  /// quarter turn, but not at it, those are too steep to give a result of use. A side of `content`
-  /// that is not above 0 gives corners at (0, 0) for the angles above, and NaN for all others.
+  /// The corners are projected along slopes of tan(angle) and its inverse: within some 1e-13 of a
+  /// multiple of a quarter turn, but not at it, those are too steep for the result to be exact, or
+  /// of any use within 1e-15. A side of `content` that is not above 0 gives corners at (0, 0) for
+  /// the angles above, and NaN for all others.
   /// Selector: rectangleFilledWithRectRotated:rotationCenter:rotationAngle:
   KvRectangle rectangleFilledWithRectRotated(Size content, Point center, double angle) const;
 

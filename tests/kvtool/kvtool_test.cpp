@@ -158,7 +158,7 @@ TEST_F(KvtoolTest, ACommandLineThatCannotBeUnderstoodGivesTwo) {
     EXPECT_EQ(result.exitCode, 2);
     EXPECT_THAT(result.problems, Not(""));
   }
-  for (const char* command : {"", "metadata ", "save ", "thumbnail "}) {
+  for (const char* command : {"", "metadata ", "save ", "thumbnail ", "cover "}) {
     const ProgramResult help = run(std::string(command) + "--help");
     EXPECT_EQ(help.exitCode, 0);
     EXPECT_THAT(help.output, HasSubstr("Examples:"));

@@ -36,4 +36,14 @@ struct ThumbnailOptions {
 };
 [[nodiscard]] bool writeThumbnail(const ThumbnailOptions& options);
 
+struct CoverOptions {
+  std::pair<double, double> area;     ///< Width and height of what must be covered, at (0, 0).
+  std::pair<double, double> content;  ///< Width and height whose proportions count.
+  std::pair<double, double> center;   ///< What the content is turned about.
+  double angle = 0;                   ///< In radians.
+  bool json = false;
+  std::string svg;  ///< A file to draw both into; empty for none.
+};
+[[nodiscard]] bool printCover(const CoverOptions& options);
+
 }  // namespace kvtool

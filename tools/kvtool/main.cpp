@@ -2,6 +2,7 @@
 
 #include <tools/kvtool/commands.h>
 #include <tools/kvtool/console.h>
+#include <tools/kvtool/number_pair.h>
 
 // The only place that includes it: it compiles slowly.
 #include <CLI/CLI.hpp>
@@ -9,6 +10,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <exception>
+#include <limits>
 
 namespace {
 
@@ -81,8 +83,46 @@ Examples:
   command->callback([&] { worked = kvtool::writeThumbnail(options); });
 }
 
+/// A required option of two numbers above `bound`.
+void addPair(CLI::App& command, const std::string& name, std::pair<double, double>& numbers,
+             double bound, const std::string& what) {
+  const auto read = [&numbers, name, bound](const std::string& text) {
+    const auto pair = kvtool::numberPair(text);
+    if (!pair || !(pair->first > bound && pair->second > bound))
+      throw CLI::ValidationError(name, "\"" + text + "\" is not like 300,200");
+    numbers = *pair;
+  };
+  command.add_option_function<std::string>(name, read, what)->required();
+}
+
+void addCover(CLI::App& tool, kvtool::CoverOptions& options, bool& worked) {
+  CLI::App* command = tool.add_subcommand(
+      "cover", "Find how large a turned picture must be shown to cover a crop area");
+  addPair(*command, "--area", options.area, 0, "The crop area at 0,0: WIDTH,HEIGHT");
+  addPair(*command, "--content", options.content, 0, "The picture's proportions: WIDTH,HEIGHT");
+  addPair(*command, "--center", options.center, -std::numeric_limits<double>::infinity(),
+          "What the picture is turned about: X,Y");
+  command->add_option("--angle", options.angle, "By how much, in radians, counterclockwise")
+      ->required();
+  command->add_flag("--json", options.json,
+                    R"({"p1": [x, y], ...}, with digits that read back as the same numbers)");
+  command->add_option("--svg", options.svg, "Draw both into a file of this name");
+  command->footer(
+      R"(Prints the corners of the smallest such picture, clockwise from its top left one, y downwards, then
+its size, and its zoom: how many times it is as wide as the smallest upright one. For a whole or half
+turn, 0 included, the answer is that upright one at 0,0, whatever the center.
+
+Examples:
+  kvtool cover --area 300,200 --content 4032,3024 --center 150,100 --angle 0.12
+  kvtool cover --area 3,2 --content 4,3 --center 1.5,1 --angle -0.5 --svg cover.svg
+  kvtool cover --json --area 3,2 --content 4,3 --center 1.5,1 --angle 0.5 | jq .p1[0])");
+  command->callback([&] { worked = kvtool::printCover(options); });
+}
+
 int run(int argc, char** argv) {
-  CLI::App tool{"Reads, rewrites and reduces photos the way the apps of the family do.", "kvtool"};
+  CLI::App tool{
+      "Reads, rewrites, reduces and straightens photos the way the apps of the family do.",
+      "kvtool"};
   tool.footer(
       R"(Exit code: 0 when everything worked, 1 when a file failed (the others still go on), 2 for a command
 line that cannot be understood. "kvtool COMMAND --help" shows a command's options and examples.
@@ -90,16 +130,19 @@ line that cannot be understood. "kvtool COMMAND --help" shows a command's option
 Examples:
   kvtool metadata photo.jpg
   kvtool save photo.jpg --orientation 1
-  kvtool thumbnail photo.jpg --size 256 --out small.jpg)");
+  kvtool thumbnail photo.jpg --size 256 --out small.jpg
+  kvtool cover --area 300,200 --content 4032,3024 --center 150,100 --angle 0.12)");
   tool.require_subcommand(1);
 
   kvtool::MetadataOptions metadata;
   kvtool::SaveOptions save;
   kvtool::ThumbnailOptions thumbnail;
+  kvtool::CoverOptions cover;
   bool worked = false;
   addMetadata(tool, metadata, worked);
   addSave(tool, save, worked);
   addThumbnail(tool, thumbnail, worked);
+  addCover(tool, cover, worked);
   try {
     tool.parse(argc, argv);
   } catch (const CLI::ParseError& problem) {

@@ -1,5 +1,6 @@
 #include <tools/kvtool/commands.h>
 #include <tools/kvtool/console.h>
+#include <tools/kvtool/number_pair.h>
 
 #include <framework_utility/imageio/image_metadata.h>
 #include <framework_utility/imageio/image_writer.h>
@@ -7,7 +8,6 @@
 #include <framework_utility/platform/foundation/path.h>
 
 #include <array>
-#include <charconv>
 #include <chrono>
 #include <cmath>
 
@@ -48,22 +48,14 @@ std::optional<Date> dateFromIso(std::string_view text) {
          std::chrono::seconds(second);
 }
 
-std::optional<double> degrees(std::string_view text, double limit) {
-  double value = 0;
-  const auto [end, problem] = std::from_chars(text.data(), text.data() + text.size(), value);
-  if (problem != std::errc() || end != text.data() + text.size()) return std::nullopt;
-  return std::abs(value) <= limit ? std::optional(value) : std::nullopt;
-}
-
 /// Reads "48.2082,16.3738".
 std::optional<CLLocation> locationFromText(std::string_view text) {
-  const std::size_t comma = text.find(',');
-  if (comma == std::string_view::npos) return std::nullopt;
-  const std::optional<double> latitude = degrees(text.substr(0, comma), 90);
-  const std::optional<double> longitude = degrees(text.substr(comma + 1), 180);
-  if (!latitude || !longitude) return std::nullopt;
-  return CLLocation{
-      .latitude = *latitude, .longitude = *longitude, .timestamp = Clock::current().now()};
+  const auto degrees = numberPair(text);
+  if (!degrees || std::abs(degrees->first) > 90 || std::abs(degrees->second) > 180)
+    return std::nullopt;
+  return CLLocation{.latitude = degrees->first,
+                    .longitude = degrees->second,
+                    .timestamp = Clock::current().now()};
 }
 
 std::optional<UTType> typeNamed(std::string_view name) {
