@@ -70,7 +70,7 @@ concept CodableValue = requires(const T& value, NSKeyedArchiver& archiver,
                                 NSKeyedUnarchiver& unarchiver) {
   { T::className() } -> std::same_as<std::string_view>;
   { T::supportsSecureCoding() } -> std::same_as<bool>;
-  { T::withCoder(unarchiver) } -> std::same_as<std::optional<T>>;
+  { T::withCoder(unarchiver) } -> std::convertible_to<std::optional<T>>;
   value.encodeWithCoder(archiver);
 };
 
