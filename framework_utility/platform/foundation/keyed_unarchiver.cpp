@@ -208,17 +208,17 @@ class NSKeyedUnarchiver::Archive {
 
   bool isAllowed(const CodingClass& codingClass, std::string_view key) {
     if (!isSecure()) return true;
-    const std::string name = '\'' + std::string(codingClass.name) + '\'';
     if (!isKindOfAny(codingClass, *classes_)) {
-      std::string allowed;
-      for (const std::string_view one : *classes_) (allowed += allowed.empty() ? "" : ", ") += one;
-      failAt(key,
-             "was of unexpected class " + name + ". Allowed classes are '{(" + allowed + ")}'.");
+      std::string reason = "was of unexpected class '" + std::string(codingClass.name) +
+                           "'. Allowed classes are '{(";
+      for (const std::string_view one : *classes_)
+        (reason += reason.ends_with('(') ? "" : ", ") += one;
+      failAt(key, reason += ")}'.");
       return false;
     }
     if (!codingClass.supportsSecureCoding()) {
-      failBecause("This decoder will only decode classes that adopt NSSecureCoding. Class " + name +
-                  " does not adopt it.");
+      failBecause("This decoder will only decode classes that adopt NSSecureCoding. Class '" +
+                  std::string(codingClass.name) + "' does not adopt it.");
       return false;
     }
     return true;

@@ -19,6 +19,7 @@ using Bytes = std::span<const std::byte>;
 
 /// At most 8 bytes.
 std::uint64_t bigEndian(Bytes bytes) {
+  if (bytes.size() == 1) return std::to_integer<std::uint64_t>(bytes[0]);  // most references
   std::uint64_t value = 0;
   for (const std::byte byte : bytes) value = value << 8 | std::to_integer<std::uint64_t>(byte);
   return value;
