@@ -1,0 +1,79 @@
+#include <framework_utility/color/images/color_buckets.h>
+
+#include <tests/platform/graphics/pictures.h>
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstdint>
+#include <map>
+#include <tuple>
+#include <utility>
+#include <vector>
+
+namespace FrameworkUtility {
+namespace {
+
+using detail::ColorBuckets;
+using detail::VectorUnits;
+
+/// Blue, green, red: the order in which buckets come.
+using Bucket = std::tuple<std::uint32_t, std::uint32_t, std::uint32_t>;
+using Counts = std::vector<std::pair<Bucket, std::int64_t>>;
+
+Counts counted(const ColorBuckets& buckets, std::int64_t threshold = 0) {
+  Counts counts;
+  for (const auto& [red, green, blue, count] : buckets.above(threshold))
+    counts.push_back({{blue, green, red}, count});
+  return counts;
+}
+
+Counts countedOneByOne(const std::vector<std::uint8_t>& rgba, bool isOpaque) {
+  const auto tens = [](std::uint8_t component) {
+    return static_cast<std::uint32_t>(std::round(component / 10.0));
+  };
+  std::map<Bucket, std::int64_t> counts;
+  for (std::size_t i = 0; i < rgba.size(); i += 4)
+    if (isOpaque || rgba[i + 3] != 0)
+      ++counts[{tens(rgba[i + 2]), tens(rgba[i + 1]), tens(rgba[i])}];
+  return {counts.begin(), counts.end()};
+}
+
+TEST(ColorBucketsTest, EveryComponentIsRoundedToTens) {
+  for (std::size_t place = 0; place < 3; ++place) {
+    std::vector<std::uint8_t> ramp(256 * 4, 255);
+    for (std::size_t i = 0; i < 256; ++i) ramp[4 * i + place] = static_cast<std::uint8_t>(i);
+    ColorBuckets buckets;
+    buckets.add(ramp.data(), 256, false);
+    EXPECT_EQ(counted(buckets), countedOneByOne(ramp, false)) << place;
+  }
+}
+
+TEST(ColorBucketsTest, AnyNumberOfPixelsOnAnyVectorUnits) {
+  for (const VectorUnits units : {VectorUnits::baseline, detail::vectorUnits()})
+    for (const bool isOpaque : {false, true})
+      for (const std::size_t pixels : {0U, 1U, 3U, 63U, 64U, 65U, 127U, 128U, 200U, 70'000U}) {
+        SCOPED_TRACE(::testing::Message() << pixels << " pixels, opaque: " << isOpaque);
+        auto rgba = testing::noise(pixels * 4, 7);
+        for (std::size_t i = 0; i < rgba.size(); i += 12) rgba[i + 3] = 0;
+        ColorBuckets buckets;
+        buckets.add(rgba.data(), pixels, isOpaque, units);
+        EXPECT_EQ(counted(buckets), countedOneByOne(rgba, isOpaque));
+      }
+}
+
+TEST(ColorBucketsTest, OnlyWhatIsAboveTheThreshold) {
+  std::vector<std::uint8_t> rgba(7 * 4, 255);
+  for (std::size_t i = 0; i < 3; ++i) rgba[4 * i] = 0;  // three of cyan, four of white
+  ColorBuckets buckets;
+  buckets.add(rgba.data(), 4, false);
+  buckets.add(rgba.data() + 16, 3, false);
+  const std::pair<Bucket, std::int64_t> cyan{{26, 26, 0}, 3};
+  const std::pair<Bucket, std::int64_t> white{{26, 26, 26}, 4};
+  EXPECT_EQ(counted(buckets), (Counts{cyan, white}));
+  EXPECT_EQ(counted(buckets, 3), Counts{white});
+  EXPECT_EQ(counted(buckets, 4), Counts{});
+}
+
+}  // namespace
+}  // namespace FrameworkUtility
