@@ -32,6 +32,18 @@ class Side {
     return (along(point) - along(start_)) / (along(end_) - along(start_));
   }
 
+  /// Whether the parameter, rounded as it is, lies above the machine epsilon and not above 1: the
+  /// start does not belong to the side here, the end does.
+  ///
+  /// Found without the division, and the same for all doubles. What is above `whole` is so by more
+  /// than half an epsilon of it, so that the quotient rounds to above 1. For the epsilon the same
+  /// holds of the part times 2^52, which is exact; where it overflows the quotient is above, too.
+  bool reaches(Point point) const {
+    const double whole = along(end_) - along(start_);
+    const double part = (along(point) - along(start_)) * std::copysign(1.0, whole);
+    return (part * 0x1p52 > std::abs(whole)) & (part <= std::abs(whole));
+  }
+
   /// Both ends belong to the side here.
   bool crosses(const Side& other) const {
     const std::optional<Point> at = detail::intersection(line_, other.line_);
@@ -140,9 +152,7 @@ bool KvRectangle::isPointInside(Point point) const {
     const Side side(corners_[i], corners_[(i + 1) % corners_.size()]);
     const std::optional<Point> at = detail::intersection(side.line(), probe);
     if (!at) continue;
-    const double parameter = side.parameter(*at);
-    if (parameter > machineEpsilon && parameter <= 1 && side.along(*at) > side.along(point))
-      ++crossings;
+    if (side.reaches(*at) && side.along(*at) > side.along(point)) ++crossings;
   }
   return crossings == 1;
 }
