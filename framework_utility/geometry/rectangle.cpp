@@ -41,7 +41,7 @@ class Side {
   bool reaches(Point point) const {
     const double whole = along(end_) - along(start_);
     const double part = (along(point) - along(start_)) * std::copysign(1.0, whole);
-    return (part * 0x1p52 > std::abs(whole)) & (part <= std::abs(whole));
+    return part * 0x1p52 > std::abs(whole) && part <= std::abs(whole);
   }
 
   /// Both ends belong to the side here.
