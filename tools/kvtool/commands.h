@@ -46,4 +46,13 @@ struct CoverOptions {
 };
 [[nodiscard]] bool printCover(const CoverOptions& options);
 
+struct PaletteOptions {
+  std::string file;
+  int count = 5;                   ///< At most; 0 for all.
+  std::string quality = "medium";  ///< Or low, high, full.
+  bool json = false;
+  std::string png;  ///< A file to draw the photo and its colours into; empty for none.
+};
+[[nodiscard]] bool printPalette(const PaletteOptions& options);
+
 }  // namespace kvtool

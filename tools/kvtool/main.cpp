@@ -119,9 +119,35 @@ Examples:
   command->callback([&] { worked = kvtool::printCover(options); });
 }
 
+void addPalette(CLI::App& tool, kvtool::PaletteOptions& options, bool& worked) {
+  CLI::App* command = tool.add_subcommand("palette", "Name a photo's main colours");
+  command->add_option("PHOTO", options.file, "The picture")->required();
+  command->add_option("--count", options.count, "At most so many colours, 0 for all")
+      ->check(CLI::NonNegativeNumber)
+      ->capture_default_str();
+  command->add_option("--quality", options.quality, "How large the photo is looked at")
+      ->check(CLI::IsMember({"low", "medium", "high", "full"}))
+      ->capture_default_str();
+  command->add_flag("--json", options.json,
+                    R"({"containsAlpha": …, "colors": [{"hex": …, "red": …, …}]}, 0 to 1)");
+  command->add_option("--png", options.png, "Draw the photo and its colours into a PNG file");
+  command->footer(
+      R"(The most frequent colour comes first, as "#RRGGBB" and as three numbers of 0 to 255; each differs
+from those above it by more than a quarter in red, green or blue. Photos are reduced to 50, 100 or 250
+pixels first, with full not at all. Grey and CMYK pictures have no answer.
+
+Examples:
+  kvtool palette photo.jpg
+  kvtool palette photo.jpg --count 8 --quality high --png palette.png
+  kvtool palette --json photo.jpg | jq -r '.colors[0].hex')");
+  command->callback([&] { worked = kvtool::printPalette(options); });
+}
+
 int run(int argc, char** argv) {
   CLI::App tool{
-      "Reads, rewrites, reduces and straightens photos the way the apps of the family do.",
+      "Reads, rewrites, reduces, straightens and names the colours of photos the way the apps of "
+      "the "
+      "family do.",
       "kvtool"};
   tool.footer(
       R"(Exit code: 0 when everything worked, 1 when a file failed (the others still go on), 2 for a command
@@ -131,18 +157,21 @@ Examples:
   kvtool metadata photo.jpg
   kvtool save photo.jpg --orientation 1
   kvtool thumbnail photo.jpg --size 256 --out small.jpg
-  kvtool cover --area 300,200 --content 4032,3024 --center 150,100 --angle 0.12)");
+  kvtool cover --area 300,200 --content 4032,3024 --center 150,100 --angle 0.12
+  kvtool palette photo.jpg --png palette.png)");
   tool.require_subcommand(1);
 
   kvtool::MetadataOptions metadata;
   kvtool::SaveOptions save;
   kvtool::ThumbnailOptions thumbnail;
   kvtool::CoverOptions cover;
+  kvtool::PaletteOptions palette;
   bool worked = false;
   addMetadata(tool, metadata, worked);
   addSave(tool, save, worked);
   addThumbnail(tool, thumbnail, worked);
   addCover(tool, cover, worked);
+  addPalette(tool, palette, worked);
   try {
     tool.parse(argc, argv);
   } catch (const CLI::ParseError& problem) {

@@ -1,13 +1,10 @@
 #include <tools/kvtool/commands.h>
 #include <tools/kvtool/console.h>
+#include <tools/kvtool/picture_file.h>
 
 #include <framework_utility/imageio/image_writer.h>
 #include <framework_utility/imageio/type_utility.h>
-#include <framework_utility/platform/foundation/files.h>
 #include <framework_utility/platform/foundation/path.h>
-#include <framework_utility/platform/imageio/image_destination.h>
-
-#include <fmt/core.h>
 
 namespace kvtool {
 
@@ -22,23 +19,7 @@ bool writeThumbnail(const ThumbnailOptions& options) {
     return false;
   }
   const UTType type = robustType(paths::pathExtension(options.out)).value_or(UTTypeJPEG);
-  const std::unique_ptr<CGImageDestination> destination =
-      CGImageDestination::createInMemory(type.identifier(), 1);
-  if (!destination) {
-    printProblem(options.out, fmt::format("nothing here writes {}", type.identifier()));
-    return false;
-  }
-  destination->addImage(*thumbnail->cgImage());
-  if (!destination->finalize()) {
-    printProblem(options.out, "the thumbnail cannot be encoded");
-    return false;
-  }
-  Error error;
-  if (!FileManager::defaultManager().writeAtomically(*destination->data(), options.out, &error)) {
-    printProblem(options.out, error);
-    return false;
-  }
-  return true;
+  return writePicture(*thumbnail->cgImage(), type.identifier(), options.out);
 }
 
 }  // namespace kvtool
