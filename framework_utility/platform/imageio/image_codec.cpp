@@ -1,7 +1,7 @@
 #include <framework_utility/platform/imageio/image_codec.h>
 
-#include <framework_utility/platform/imageio/jpeg_codec.h>
-#include <framework_utility/platform/imageio/png_codec.h>
+#include <framework_utility/platform/imageio/jpeg/jpeg_codec.h>
+#include <framework_utility/platform/imageio/png/png_codec.h>
 
 #include <array>
 

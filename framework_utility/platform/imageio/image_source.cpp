@@ -3,7 +3,7 @@
 #include <framework_utility/platform/foundation/files.h>
 #include <framework_utility/platform/graphics/image_transform.h>
 #include <framework_utility/platform/imageio/byte_source.h>
-#include <framework_utility/platform/imageio/embedded_thumbnail.h>
+#include <framework_utility/platform/imageio/exif/embedded_thumbnail.h>
 #include <framework_utility/platform/imageio/image_codec.h>
 #include <framework_utility/platform/imageio/metadata_codec.h>
 #include <framework_utility/platform/imageio/profile_description.h>

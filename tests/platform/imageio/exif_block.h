@@ -1,8 +1,8 @@
 #pragma once
 
 #include <framework_utility/platform/foundation/value.h>
+#include <framework_utility/platform/imageio/exif/tiff_structure.h>
 #include <framework_utility/platform/imageio/metadata_codec.h>
-#include <framework_utility/platform/imageio/tiff_structure.h>
 
 #include <algorithm>
 #include <bit>

@@ -1,6 +1,6 @@
-#include <framework_utility/platform/imageio/jpeg_decode.h>
-#include <framework_utility/platform/imageio/jpeg_encode.h>
-#include <framework_utility/platform/imageio/jpeg_header.h>
+#include <framework_utility/platform/imageio/jpeg/jpeg_decode.h>
+#include <framework_utility/platform/imageio/jpeg/jpeg_encode.h>
+#include <framework_utility/platform/imageio/jpeg/jpeg_header.h>
 #include <framework_utility/platform/imageio/property_keys.h>
 #include <tests/platform/imageio/jpeg_file.h>
 

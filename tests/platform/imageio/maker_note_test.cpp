@@ -1,4 +1,4 @@
-#include <framework_utility/platform/imageio/maker_note.h>
+#include <framework_utility/platform/imageio/exif/maker_note.h>
 #include <tests/platform/imageio/exif_block.h>
 
 #include <gmock/gmock.h>

@@ -1,4 +1,4 @@
-#include <framework_utility/platform/imageio/png_codec.h>
+#include <framework_utility/platform/imageio/png/png_codec.h>
 #include <framework_utility/platform/imageio/property_keys.h>
 
 #include <tests/platform/imageio/png_file.h>

@@ -1,6 +1,6 @@
 #include <framework_utility/platform/graphics/image_transform.h>
 #include <framework_utility/platform/graphics/rgba_rows.h>
-#include <framework_utility/platform/imageio/png_codec.h>
+#include <framework_utility/platform/imageio/png/png_codec.h>
 #include <framework_utility/platform/imageio/property_keys.h>
 
 #include <tests/platform/graphics/pictures.h>

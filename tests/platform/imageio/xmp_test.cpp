@@ -1,7 +1,7 @@
 #include <framework_utility/platform/foundation/value.h>
 #include <framework_utility/platform/imageio/metadata_codec.h>
 #include <framework_utility/platform/imageio/text_encoding.h>
-#include <framework_utility/platform/imageio/xmp_values.h>
+#include <framework_utility/platform/imageio/xmp/xmp_values.h>
 
 #include <gtest/gtest.h>
 

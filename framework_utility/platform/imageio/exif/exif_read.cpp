@@ -1,0 +1,96 @@
+#include <framework_utility/platform/imageio/exif/exif_directories.h>
+#include <framework_utility/platform/imageio/exif/exif_tags.h>
+#include <framework_utility/platform/imageio/exif/exif_values.h>
+#include <framework_utility/platform/imageio/exif/maker_note.h>
+#include <framework_utility/platform/imageio/exif/tiff_structure.h>
+#include <framework_utility/platform/imageio/metadata_codec.h>
+#include <framework_utility/platform/imageio/property_keys.h>
+
+#include <algorithm>
+#include <bitset>
+#include <optional>
+#include <string_view>
+#include <utility>
+
+namespace FrameworkUtility::detail {
+namespace {
+
+class Reading {
+ public:
+  explicit Reading(const TiffReader& reader) : reader_(reader), at_(exifDirectories(reader)) {}
+
+  void addTo(Dictionary& properties) {
+    Dictionary image = directory(ExifDirectory::image, at_.image);
+    Dictionary exif = directory(ExifDirectory::exif, at_.exif);
+    Dictionary gps = directory(ExifDirectory::gps, at_.gps);
+    addTopLevel(image, properties);
+    add(kCGImagePropertyTIFFDictionary, std::move(image), properties);
+    add(kCGImagePropertyExifDictionary, std::move(exif), properties);
+    add("{ExifAux}", std::move(auxiliary_), properties);
+    add(kCGImagePropertyGPSDictionary, std::move(gps), properties);
+    if (makerNote_) add(kCGImagePropertyMakerAppleDictionary, std::move(*makerNote_), properties);
+  }
+
+ private:
+  Dictionary directory(ExifDirectory which, std::uint32_t offset) {
+    Dictionary values;
+    std::bitset<exifTagLimit> seen;
+    const ExifTag* const tags = exifTags(which).data();
+    const std::uint32_t count = offset == 0 ? 0 : reader_.entryCount(offset);
+    values.reserve(std::min<std::size_t>(count, exifTags(which).size()));
+    for (std::uint32_t i = 0; i < count; ++i) {
+      const TiffEntry entry = reader_.entry(offset, i);
+      if (which == ExifDirectory::exif && entry.tag == makerNoteTag &&
+          !std::exchange(sawNote_, true))
+        makerNote_ = readMakerNote(entry.value);
+      const ExifTag* tag = exifTag(which, entry.tag);
+      // Of records with the same tag the first one counts.
+      if (!tag || seen.test(static_cast<std::size_t>(tag - tags))) continue;
+      seen.set(static_cast<std::size_t>(tag - tags));
+      const Value* value = appendExifValue(values, *tag, reader_, entry);
+      if (value && !tag->auxiliaryKey.empty())
+        auxiliary_.append(Key::withConstant(tag->auxiliaryKey), *value);
+    }
+    return values;
+  }
+
+  // In inches when no unit is given; with the unit 1, none, the two only give a pixel's shape.
+  static void addTopLevel(const Dictionary& image, Dictionary& properties) {
+    if (const Number* orientation = image.get<Number>(kCGImagePropertyTIFFOrientation))
+      properties.set(Key::withConstant(kCGImagePropertyOrientation), *orientation);
+    const Number* unit = image.get<Number>("ResolutionUnit");
+    const double inInches = !unit || *unit == 2 ? 1 : *unit == 3 ? 2.54 : 0;
+    if (inInches == 0) return;
+    for (const auto& [resolution, key] :
+         {std::pair<std::string_view, std::string_view>{"XResolution", "DPIWidth"},
+          {"YResolution", "DPIHeight"}})
+      if (const Number* number = image.get<Number>(resolution))
+        properties.set(Key::withConstant(key),
+                       inInches == 1 ? *number : Number(number->doubleValue() * inInches));
+  }
+
+  static void add(std::string_view key, Dictionary&& values, Dictionary& properties) {
+    if (values.empty()) return;
+    if (!properties.find(key)) {
+      properties.append(Key::withConstant(key), std::move(values));
+      return;
+    }
+    Dictionary& present = properties.subdictionary(Key::withConstant(key));
+    for (const auto& [name, value] : values) present.set(name, value);
+  }
+
+  const TiffReader& reader_;
+  const ExifDirectories at_;
+  Dictionary auxiliary_;
+  std::optional<Dictionary> makerNote_;
+  bool sawNote_ = false;  // The first record counts here too.
+};
+
+}  // namespace
+
+void readExif(std::span<const std::byte> tiff, Dictionary& properties) {
+  if (const std::optional<TiffReader> reader = TiffReader::open(tiff))
+    Reading(*reader).addTo(properties);
+}
+
+}  // namespace FrameworkUtility::detail

@@ -1,0 +1,99 @@
+#include <framework_utility/platform/imageio/jpeg/jpeg_decode.h>
+
+#include <framework_utility/platform/graphics/area_scaler.h>
+#include <framework_utility/platform/graphics/pixel_buffer.h>
+#include <framework_utility/platform/imageio/jpeg/jpeg_reader.h>
+
+#include <utility>
+
+namespace FrameworkUtility::detail {
+
+namespace {
+
+std::byte* bytes(std::uint8_t* samples) { return reinterpret_cast<std::byte*>(samples); }
+
+/// The profile's space, else the plain one for as many components.
+CGColorSpace spaceFor(const Data& profile, const JpegReader& reader) {
+  const std::size_t components = reader.bytesPerPixel() == 1 ? 1 : reader.isCmyk() ? 4 : 3;
+  if (!profile.empty()) {
+    const std::optional<CGColorSpace> space = CGColorSpace::createWithICCData(profile);
+    if (space && space->numberOfComponents() == components) {
+      return *space;
+    }
+  }
+  return components == 1   ? CGColorSpace::createDeviceGray()
+         : components == 4 ? CGColorSpace::createDeviceCMYK()
+                           : CGColorSpace::createDeviceRGB();
+}
+
+std::optional<CGImage> makeImage(PixelBuffer pixels, const PixelSize& size,
+                                 const JpegReader& reader, const Data& profile) {
+  const bool isRgb = reader.bytesPerPixel() == 4 && !reader.isCmyk();
+  return CGImage::create(
+      {.width = size.width,
+       .height = size.height,
+       .bitsPerPixel = 8 * reader.bytesPerPixel(),
+       .bytesPerRow = pixels.bytesPerRow(),
+       .alphaInfo = isRgb ? CGImageAlphaInfo::noneSkipLast : CGImageAlphaInfo::none},
+      spaceFor(profile, reader), std::move(pixels).share());
+}
+
+/// The rest of a reader that has been started, as it comes.
+std::optional<CGImage> readAll(JpegReader& reader, const Data& profile) {
+  const PixelSize size{reader.width(), reader.height()};
+  std::optional<PixelBuffer> pixels =
+      PixelBuffer::allocate(size.height, size.width * reader.bytesPerPixel());
+  if (!pixels || !reader.readRows(bytes(pixels->data()), pixels->bytesPerRow(), size.height)) {
+    return std::nullopt;
+  }
+  return makeImage(*std::move(pixels), size, reader, profile);
+}
+
+/// The fewest eighths that libjpeg may reduce to and still leave no less than the target.
+unsigned eighthsFor(const PixelSize& size, const PixelSize& target) {
+  for (const unsigned eighths : {1U, 2U, 4U}) {
+    if (size.width * eighths >= target.width * 8 && size.height * eighths >= target.height * 8) {
+      return eighths;
+    }
+  }
+  return 8;
+}
+
+}  // namespace
+
+std::optional<CGImage> decodeJpeg(const ByteSource& source, const ImageHeader& header) {
+  JpegReader reader(source);
+  return reader.start(8) ? readAll(reader, header.iccProfile) : std::nullopt;
+}
+
+std::optional<CGImage> decodeJpegReduced(const ByteSource& source, const ImageHeader& header,
+                                         std::size_t maxPixelSize) {
+  const PixelSize size{header.width, header.height};
+  const PixelSize target = fittedSize(size, maxPixelSize);
+  JpegReader reader(source);
+  if (!reader.start(eighthsFor(size, target))) {
+    return std::nullopt;
+  }
+  const PixelSize reduced{reader.width(), reader.height()};
+  if (reduced == target) {
+    return readAll(reader, header.iccProfile);
+  }
+  const std::size_t pixelBytes = reader.bytesPerPixel();
+  std::optional<AreaScaler> scaler = AreaScaler::create(reduced, target, pixelBytes);
+  std::optional<PixelBuffer> row = PixelBuffer::allocate(1, reduced.width * pixelBytes);
+  std::optional<PixelBuffer> pixels =
+      PixelBuffer::allocate(target.height, target.width * pixelBytes);
+  if (!scaler || !row || !pixels) {
+    return std::nullopt;
+  }
+  std::size_t done = 0;
+  for (std::size_t y = 0; y < reduced.height && done < target.height; ++y) {
+    if (!reader.readRows(bytes(row->data()), row->bytesPerRow(), 1)) {
+      return std::nullopt;
+    }
+    done += scaler->push(row->data(), pixels->row(done)) ? 1 : 0;
+  }
+  return makeImage(*std::move(pixels), target, reader, header.iccProfile);
+}
+
+}  // namespace FrameworkUtility::detail

@@ -1,0 +1,46 @@
+#include <framework_utility/platform/imageio/png/png_codec.h>
+
+#include <framework_utility/platform/foundation/uniform_type.h>
+#include <framework_utility/platform/imageio/png/png_chunks.h>
+#include <framework_utility/platform/imageio/png/png_decode.h>
+#include <framework_utility/platform/imageio/png/png_encode.h>
+#include <framework_utility/platform/imageio/png/png_header.h>
+
+namespace FrameworkUtility::detail {
+
+namespace {
+
+class PngCodec final : public ImageCodec {
+ public:
+  std::string_view typeIdentifier() const override { return UTTypePNG.identifier(); }
+
+  bool recognizes(std::span<const std::byte> beginning) const override {
+    return hasPngSignature(beginning);
+  }
+
+  ImageHeader readHeader(const ByteSource& source) const override { return readPngHeader(source); }
+
+  std::optional<CGImage> decode(const ByteSource& source,
+                                const ImageHeader& header) const override {
+    return decodePng(source, header);
+  }
+
+  std::optional<CGImage> decodeReduced(const ByteSource& source, const ImageHeader& header,
+                                       std::size_t maxPixelSize) const override {
+    return decodePngReduced(source, header, maxPixelSize);
+  }
+
+  bool encode(const CGImage& image, const EncodeRequest& request,
+              std::vector<std::byte>& out) const override {
+    return encodePng(image, request, out);
+  }
+};
+
+}  // namespace
+
+const ImageCodec& pngCodec() {
+  static const PngCodec codec;
+  return codec;
+}
+
+}  // namespace FrameworkUtility::detail

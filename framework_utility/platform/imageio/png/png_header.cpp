@@ -1,0 +1,294 @@
+#include <framework_utility/platform/imageio/png/png_header.h>
+
+#include <framework_utility/platform/imageio/png/png_chunks.h>
+#include <framework_utility/platform/imageio/png/png_text.h>
+#include <framework_utility/platform/imageio/property_keys.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstdint>
+#include <cstdio>
+#include <new>
+#include <string>
+#include <utility>
+
+namespace FrameworkUtility::detail {
+
+namespace {
+
+/// Enough for 800 megabytes of pixels in pieces of 8 kB, and no more steps than a hostile file of
+/// empty chunks is worth.
+constexpr int maximumChunks = 100'000;
+/// Of one chunk of metadata, and of all of them.
+constexpr std::size_t maximumMetadata = std::size_t{128} << 20;
+
+constexpr std::string_view exifPrefix{"Exif\0\0", 6};
+constexpr std::string_view xmpPrefix{"http://ns.adobe.com/xap/1.0/\0", 29};
+/// The head of the image resource that holds an IPTC record, up to its length.
+constexpr std::string_view iptcResource{"8BIM\x04\x04\0\0", 8};
+
+std::uint8_t byteAt(const Data& data, std::size_t offset) {
+  return std::to_integer<std::uint8_t>(data.data()[offset]);
+}
+
+bool beginsWith(const Data& data, std::string_view prefix) {
+  return data.size() >= prefix.size() &&
+         std::equal(prefix.begin(), prefix.end(), data.begin(),
+                    [](char a, std::byte b) { return static_cast<std::byte>(a) == b; });
+}
+
+Data withoutPrefix(const Data& data, std::string_view prefix) {
+  if (!beginsWith(data, prefix)) return data;
+  return Data(std::span(data.data(), data.size()).subspan(prefix.size()));
+}
+
+/// A bare IPTC record in the image resource where it belongs.
+Data asImageResources(const Data& data) {
+  if (data.empty() || data.data()[0] != std::byte{0x1C}) return data;
+  const auto* head = reinterpret_cast<const std::byte*>(iptcResource.data());
+  std::vector<std::byte> bytes(head, head + iptcResource.size());
+  for (const int shift : {24, 16, 8, 0}) {
+    bytes.push_back(static_cast<std::byte>(data.size() >> shift & 255));
+  }
+  bytes.insert(bytes.end(), data.begin(), data.end());
+  if (data.size() % 2 != 0) bytes.push_back(std::byte{0});
+  return Data(std::move(bytes));
+}
+
+class HeaderReader {
+ public:
+  explicit HeaderReader(const ByteSource& source) : chunks_(source) {}
+
+  ImageHeader read() {
+    header_.status = CGImageSourceStatus::incomplete;
+    for (int count = 0; count < maximumChunks; ++count) {
+      const std::optional<PngChunk> chunk = chunks_.next();
+      if (!chunk) {
+        if (chunks_.isBroken() && !hasPixels_) return invalid();
+        break;
+      }
+      if ((count == 0) != (chunk->type == pngType("IHDR"))) return invalid();
+      if (chunk->type == pngType("IEND")) {
+        if (!hasPixels_) return invalid();
+        break;
+      }
+      if (chunk->type == pngType("IDAT")) {
+        if (isIndexed() && !hasPalette_) return invalid();
+        hasPixels_ = true;
+      } else if (!take(*chunk)) {
+        break;
+      }
+      if (isInvalid_) return invalid();
+    }
+    if (hasPixels_) complete();
+    return std::move(header_);
+  }
+
+ private:
+  /// False where the file ends.
+  bool take(const PngChunk& chunk) {
+    switch (chunk.type) {
+      case pngType("IHDR"):
+      case pngType("PLTE"):
+      case pngType("tRNS"):
+      case pngType("gAMA"):
+      case pngType("cHRM"):
+      case pngType("sRGB"):
+      case pngType("pHYs"):
+      case pngType("iCCP"):
+      case pngType("tEXt"):
+      case pngType("zTXt"):
+      case pngType("iTXt"):
+      case pngType("tIME"):
+      case pngType("eXIf"):
+        break;
+      default:
+        return true;
+    }
+    if (!chunks_.holds(chunk)) return false;
+    if (chunk.length > metadataLeft_) return true;
+    metadataLeft_ -= chunk.length;
+    const std::optional<Data> data = chunks_.data(chunk);
+    if (data) {
+      takeData(chunk.type, *data);
+    } else if (chunk.type == pngType("IHDR")) {
+      isInvalid_ = true;
+    }
+    return true;
+  }
+
+  void takeData(std::uint32_t type, const Data& data) {
+    switch (type) {
+      case pngType("IHDR"):
+        return takeHeader(data);
+      case pngType("PLTE"):
+        hasPalette_ = true;
+        return;
+      case pngType("tRNS"):
+        header_.hasAlpha = true;
+        return;
+      case pngType("gAMA"):
+        if (data.size() == 4) set("Gamma", pngNumber(data, 0) / 100000.0);
+        return;
+      case pngType("cHRM"):
+        return takeChromaticities(data);
+      case pngType("sRGB"):
+        if (data.size() == 1) set("sRGBIntent", int{byteAt(data, 0)});
+        return;
+      case pngType("pHYs"):
+        return takeResolution(data);
+      case pngType("iCCP"):
+        if (header_.iccProfile.empty()) {
+          header_.iccProfile = pngProfile(data, budget_).value_or(Data());
+        }
+        return;
+      case pngType("tIME"):
+        return takeTime(data);
+      case pngType("eXIf"):
+        if (header_.blocks.exif.empty()) header_.blocks.exif = withoutPrefix(data, exifPrefix);
+        return;
+      default:
+        return takeText(type, data);
+    }
+  }
+
+  void takeHeader(const Data& data) {
+    if (data.size() != 13) {
+      isInvalid_ = true;
+      return;
+    }
+    const std::uint32_t width = pngNumber(data, 0);
+    const std::uint32_t height = pngNumber(data, 4);
+    const unsigned depth = byteAt(data, 8);
+    colorType_ = byteAt(data, 9);
+    const unsigned interlacing = byteAt(data, 12);
+    // The standard's table of bit depths: a bit for each depth.
+    const unsigned depths = colorType_ == 0   ? 1 | 2 | 4 | 8 | 16
+                            : colorType_ == 3 ? 1 | 2 | 4 | 8
+                            : colorType_ == 2 || colorType_ == 4 || colorType_ == 6 ? 8 | 16
+                                                                                    : 0;
+    isInvalid_ = width == 0 || height == 0 || width > 0x7FFFFFFF || height > 0x7FFFFFFF ||
+                 (depth & (depth - 1)) != 0 || (depth & depths) == 0 || byteAt(data, 10) != 0 ||
+                 byteAt(data, 11) != 0 || interlacing > 1;
+    header_.width = width;
+    header_.height = height;
+    header_.bitsPerComponent = isIndexed() ? 8 : depth;  // a palette's entries have 8
+    header_.isIndexed = isIndexed();
+    header_.hasAlpha = colorType_ == 4 || colorType_ == 6;
+    header_.model =
+        colorType_ == 0 || colorType_ == 4 ? CGColorSpaceModel::monochrome : CGColorSpaceModel::rgb;
+    set("InterlaceType", static_cast<int>(interlacing));
+  }
+
+  void takeChromaticities(const Data& data) {
+    if (data.size() != 32) return;
+    Array values;
+    for (std::size_t offset = 0; offset < 32; offset += 4) {
+      values.emplace_back(pngNumber(data, offset) / 100000.0);
+    }
+    set("Chromaticities", Value(std::move(values)));
+  }
+
+  void takeResolution(const Data& data) {
+    // A unit of 0 says only how wide pixels are for their height.
+    if (data.size() != 9 || byteAt(data, 8) != 1) return;
+    const std::uint32_t x = pngNumber(data, 0);
+    const std::uint32_t y = pngNumber(data, 4);
+    if (x == 0 || y == 0) return;
+    set("XPixelsPerMeter", x);
+    set("YPixelsPerMeter", y);
+    header_.formatProperties.set("DPIWidth", pngDotsPerInch(x));
+    header_.formatProperties.set("DPIHeight", pngDotsPerInch(y));
+  }
+
+  void takeTime(const Data& data) {
+    if (data.size() != 7) return;
+    char text[32];
+    std::snprintf(text, sizeof text, "%04u:%02u:%02u %02u:%02u:%02u", pngNumber(data, 0) >> 16,
+                  unsigned{byteAt(data, 2)}, unsigned{byteAt(data, 3)}, unsigned{byteAt(data, 4)},
+                  unsigned{byteAt(data, 5)}, unsigned{byteAt(data, 6)});
+    set("ModificationTime", text);
+  }
+
+  void takeText(std::uint32_t type, const Data& data) {
+    const std::string_view keyword = pngKeyword(data);
+    const bool isProperty =
+        std::find(pngTextKeywords.begin(), pngTextKeywords.end(), keyword) != pngTextKeywords.end();
+    const bool isRaw = keyword.starts_with("Raw profile type ");
+    if (!isProperty && !isRaw && keyword != pngXmpKeyword) return;
+    std::optional<std::string> text = pngText(type, data, budget_);
+    if (!text) return;
+    if (isProperty) {
+      set(keyword, std::move(*text));
+    } else if (isRaw) {
+      if (auto bytes = bytesOfRawProfile(*text)) takeRawProfile(keyword, Data(std::move(*bytes)));
+    } else if (header_.blocks.xmp.empty()) {
+      header_.blocks.xmp = Data(std::as_bytes(std::span(*text)));
+    }
+  }
+
+  void takeRawProfile(std::string_view keyword, const Data& bytes) {
+    const std::string_view name = keyword.substr(std::string_view("Raw profile type ").size());
+    // "APP1" is a whole segment of a JPEG, whatever it holds.
+    if (name == "xmp" || (name == "APP1" && beginsWith(bytes, xmpPrefix))) {
+      if (raw_.xmp.empty()) raw_.xmp = withoutPrefix(bytes, xmpPrefix);
+    } else if (name == "exif" || name == "APP1") {
+      if (raw_.exif.empty()) raw_.exif = withoutPrefix(bytes, exifPrefix);
+    } else if (name == "iptc" || name == "8bim") {
+      if (raw_.imageResources.empty()) raw_.imageResources = asImageResources(bytes);
+    }
+  }
+
+  void complete() {
+    header_.status = CGImageSourceStatus::complete;
+    if (header_.blocks.exif.empty()) header_.blocks.exif = raw_.exif;
+    if (header_.blocks.xmp.empty()) header_.blocks.xmp = raw_.xmp;
+    header_.blocks.imageResources = raw_.imageResources;
+    header_.formatProperties.set(kCGImagePropertyPNGDictionary, std::move(png_));
+  }
+
+  ImageHeader invalid() {
+    ImageHeader header;
+    header.status = CGImageSourceStatus::invalidData;
+    return header;
+  }
+
+  bool isIndexed() const { return colorType_ == 3; }
+
+  void set(std::string_view key, Value value) {
+    if (!png_.find(key)) png_.set(key, std::move(value));
+  }
+
+  PngChunks chunks_;
+  ImageHeader header_;
+  Dictionary png_;
+  MetadataBlocks raw_;  // of "Raw profile type" texts
+  InflationBudget budget_;
+  std::size_t metadataLeft_ = maximumMetadata;
+  unsigned colorType_ = 0;
+  bool hasPalette_ = false;
+  bool hasPixels_ = false;
+  bool isInvalid_ = false;
+};
+
+}  // namespace
+
+double pngDotsPerInch(std::uint32_t perMetre) {
+  constexpr double inch = 0.0254;
+  const double exact = perMetre * inch;
+  const double whole = std::round(exact);
+  return std::abs(whole / inch - perMetre) < 1 ? whole : exact;
+}
+
+ImageHeader readPngHeader(const ByteSource& source) {
+  try {
+    if (!hasPngSignature(source.bytes(0, 8))) return {};
+    return HeaderReader(source).read();
+  } catch (const std::bad_alloc&) {
+    ImageHeader header;
+    header.status = CGImageSourceStatus::invalidData;
+    return header;
+  }
+}
+
+}  // namespace FrameworkUtility::detail

@@ -1,0 +1,44 @@
+#pragma once
+
+#include <framework_utility/platform/foundation/data.h>
+#include <framework_utility/platform/imageio/png/png_chunks.h>
+
+#include <cstddef>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace FrameworkUtility::detail {
+
+/// What all compressed chunks of one file may grow to together. A few kilobytes can hold a gigabyte
+/// of zeros.
+struct InflationBudget {
+  std::size_t bytes = std::size_t{64} << 20;
+};
+
+/// The contents of a zlib stream; absent when it is damaged, cut, or beyond the budget, from which
+/// what was unpacked is taken either way.
+std::optional<std::vector<std::byte>> inflated(std::span<const std::byte> stream,
+                                               InflationBudget& budget);
+/// The bytes as a zlib stream; empty when memory is short.
+std::vector<std::byte> deflated(std::span<const std::byte> bytes);
+
+/// The keyword that a tEXt, zTXt, iTXt or iCCP chunk begins with; empty when it has none.
+std::string_view pngKeyword(std::span<const std::byte> chunk);
+
+/// The text of a tEXt, zTXt or iTXt chunk, as UTF-8.
+std::optional<std::string> pngText(std::uint32_t type, std::span<const std::byte> chunk,
+                                   InflationBudget& budget);
+
+/// The profile of an iCCP chunk.
+std::optional<Data> pngProfile(std::span<const std::byte> chunk, InflationBudget& budget);
+
+// Before there were chunks for metadata, some programs wrote a block as hexadecimal text under
+// "Raw profile type exif" and the like: its name, the number of bytes in decimal, and the digits,
+// each on lines of their own.
+std::optional<std::vector<std::byte>> bytesOfRawProfile(std::string_view text);
+std::string rawProfile(std::string_view name, std::span<const std::byte> bytes);
+
+}  // namespace FrameworkUtility::detail
