@@ -1,8 +1,25 @@
 #include <framework_utility/geometry/touch.h>
 
+#include <framework_utility/platform/ui/view_coding.h>
+
 namespace FrameworkUtility {
 
 namespace {
+
+const bool areKnown =
+    registerViewClass<KvViewExtendTouch>("FrameworkUtility.KvViewExtendTouch",
+                                         {"UIView", "UIResponder"}) &&
+    registerViewClass<KvButtonExtendTouch>("FrameworkUtility.KvButtonExtendTouch",
+                                           {"UIButton", "UIControl", "UIView", "UIResponder"}) &&
+    registerViewClass<KvControlExtendTouch>("FrameworkUtility.KvControlExtendTouch",
+                                            {"UIControl", "UIView", "UIResponder"}) &&
+    registerViewClass<KvLabelExtendTouch>("FrameworkUtility.KvLabelExtendTouch",
+                                          {"UILabel", "UIView", "UIResponder"}) &&
+    registerViewClass<KvImageViewExtendTouch>("FrameworkUtility.KvImageViewExtendTouch",
+                                              {"UIImageView", "UIView", "UIResponder"}) &&
+    registerViewClass<KvCollectionVieExtendTouch>(
+        "FrameworkUtility.KvCollectionVieExtendTouch",
+        {"UICollectionView", "UIScrollView", "UIView", "UIResponder"});
 
 template <class Object>
 std::optional<KvTouchItem> itemOf(const std::shared_ptr<const NSObject>& object) {
@@ -60,27 +77,27 @@ Point KvTouchCGPoint::locationIn(const UIView& view) const {
 
 template <>
 std::string_view KvViewExtendTouch::className() const {
-  return "KvViewExtendTouch";
+  return "FrameworkUtility.KvViewExtendTouch";
 }
 template <>
 std::string_view KvButtonExtendTouch::className() const {
-  return "KvButtonExtendTouch";
+  return "FrameworkUtility.KvButtonExtendTouch";
 }
 template <>
 std::string_view KvControlExtendTouch::className() const {
-  return "KvControlExtendTouch";
+  return "FrameworkUtility.KvControlExtendTouch";
 }
 template <>
 std::string_view KvLabelExtendTouch::className() const {
-  return "KvLabelExtendTouch";
+  return "FrameworkUtility.KvLabelExtendTouch";
 }
 template <>
 std::string_view KvImageViewExtendTouch::className() const {
-  return "KvImageViewExtendTouch";
+  return "FrameworkUtility.KvImageViewExtendTouch";
 }
 template <>
 std::string_view KvCollectionVieExtendTouch::className() const {
-  return "KvCollectionVieExtendTouch";
+  return "FrameworkUtility.KvCollectionVieExtendTouch";
 }
 
 }  // namespace FrameworkUtility

@@ -165,8 +165,9 @@ class KvTouchCGPoint final : public KvTouchProtocol {
   std::shared_ptr<const UIView> view_;
 };
 
-/// `Base`, a view, with a hit area of its own and the constructors of `Base`. An app extends its
-/// own views the same way: `class HandleView : public KvExtendTouch<AppView>`.
+/// `Base`, a view, with a hit area of its own and the constructors of `Base`. From an archive its
+/// insets are zero again: they are not written. An app extends its own views the same way:
+/// `class HandleView : public KvExtendTouch<AppView>`.
 template <std::derived_from<UIView> Base>
 class KvExtendTouch : public Base, public KvExtendTouchProtocol {
  public:

@@ -1,5 +1,7 @@
 #include <framework_utility/geometry/touch.h>
 
+#include <framework_utility/platform/foundation/keyed_archiver.h>
+#include <framework_utility/platform/foundation/keyed_unarchiver.h>
 #include <framework_utility/platform/ui/scene.h>
 
 #include <gtest/gtest.h>
@@ -154,13 +156,13 @@ TEST(ExtendTouchTest, TheSixHaveTheirNamesAndTheConstructorsOfTheirBases) {
   const UIImage picture = UIImage::withoutBitmap({30, 20});
   const auto layout = std::make_shared<UICollectionViewLayout>();
   const Rect frame(1, 2, 3, 4);
-  EXPECT_EQ(KvViewExtendTouch(frame).className(), "KvViewExtendTouch");
-  EXPECT_EQ(KvButtonExtendTouch(frame).className(), "KvButtonExtendTouch");
-  EXPECT_EQ(KvControlExtendTouch(frame).className(), "KvControlExtendTouch");
-  EXPECT_EQ(KvLabelExtendTouch(frame).className(), "KvLabelExtendTouch");
-  EXPECT_EQ(KvImageViewExtendTouch().className(), "KvImageViewExtendTouch");
+  EXPECT_EQ(KvViewExtendTouch(frame).className(), "FrameworkUtility.KvViewExtendTouch");
+  EXPECT_EQ(KvButtonExtendTouch(frame).className(), "FrameworkUtility.KvButtonExtendTouch");
+  EXPECT_EQ(KvControlExtendTouch(frame).className(), "FrameworkUtility.KvControlExtendTouch");
+  EXPECT_EQ(KvLabelExtendTouch(frame).className(), "FrameworkUtility.KvLabelExtendTouch");
+  EXPECT_EQ(KvImageViewExtendTouch().className(), "FrameworkUtility.KvImageViewExtendTouch");
   const KvCollectionVieExtendTouch collection(frame, layout);
-  EXPECT_EQ(collection.className(), "KvCollectionVieExtendTouch");
+  EXPECT_EQ(collection.className(), "FrameworkUtility.KvCollectionVieExtendTouch");
   EXPECT_EQ(collection.collectionViewLayout(), layout);
   EXPECT_EQ(KvImageViewExtendTouch(picture).bounds(), Rect(0, 0, 30, 20));
   EXPECT_EQ(KvImageViewExtendTouch(std::nullopt, picture).highlightedImage()->size(),
@@ -174,6 +176,35 @@ TEST(ExtendTouchTest, TheSixHaveTheirNamesAndTheConstructorsOfTheirBases) {
   EXPECT_FALSE(label.pointInside({-1, 0}, nullptr));
   label.setUserInteractionEnabled(true);
   EXPECT_TRUE(label.pointInside({-1, 0}, nullptr));
+}
+
+TEST(ExtendTouchTest, TheSixComeFromArchives) {
+  const auto layout = std::make_shared<UICollectionViewLayout>();
+  const Rect frame(10, 20, 30, 40);
+  const std::shared_ptr<UIView> views[] = {
+      std::make_shared<KvViewExtendTouch>(frame),
+      std::make_shared<KvButtonExtendTouch>(frame),
+      std::make_shared<KvControlExtendTouch>(frame),
+      std::make_shared<KvLabelExtendTouch>(frame),
+      std::make_shared<KvImageViewExtendTouch>(frame),
+      std::make_shared<KvCollectionVieExtendTouch>(frame, layout),
+  };
+  for (const std::shared_ptr<UIView>& view : views) {
+    SCOPED_TRACE(view->className());
+    dynamic_cast<KvExtendTouchProtocol&>(*view).setHitTestEdgeInsets(everySide(-10));
+    const auto data =
+        NSKeyedArchiver::archivedDataWithRootObject(Value(view), SecureCoding::notRequired);
+    ASSERT_TRUE(data);
+    const auto root = NSKeyedUnarchiver::unarchiveTopLevelObjectWithData(*data);
+    ASSERT_TRUE(root);
+    const auto again = std::dynamic_pointer_cast<UIView>(*root->as<std::shared_ptr<NSObject>>());
+    ASSERT_TRUE(again);
+    EXPECT_EQ(again->className(), view->className());
+    EXPECT_EQ(again->frame(), frame);
+    EXPECT_EQ(again->isUserInteractionEnabled(), view->isUserInteractionEnabled());
+    // The insets are no part of the archive, which is meant.
+    EXPECT_EQ(dynamic_cast<KvExtendTouchProtocol&>(*again).hitTestEdgeInsets(), EdgeInsets());
+  }
 }
 
 TEST(TouchItemTest, PlainViewsIgnoreTheirScrolling) {

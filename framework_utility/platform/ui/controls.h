@@ -33,6 +33,8 @@ class UILabel : public UIView {
  public:
   /// Selector: initWithFrame:
   explicit UILabel(const Rect& frame = {});
+  /// Selector: initWithCoder:
+  explicit UILabel(NSKeyedUnarchiver& coder);
   std::string_view className() const override;
 };
 
@@ -41,11 +43,15 @@ class UIImageView : public UIView {
  public:
   /// Selector: initWithFrame:
   explicit UIImageView(const Rect& frame = {});
+  /// Without pictures. Selector: initWithCoder:
+  explicit UIImageView(NSKeyedUnarchiver& coder);
   /// At (0, 0) with the size of `image`, in points; of no size when that is absent.
   /// Selector: initWithImage:, initWithImage:highlightedImage:
   explicit UIImageView(const std::optional<UIImage>& image,
                        const std::optional<UIImage>& highlightedImage = std::nullopt);
   std::string_view className() const override;
+  /// Fails while it has a picture: archives hold none. Selector: encodeWithCoder:
+  void encodeWithCoder(NSKeyedArchiver& coder) const override;
 
   const std::optional<UIImage>& image() const;
   /// What it shows in place of `image` while it is highlighted.

@@ -25,9 +25,10 @@ class UIScrollView : public UIView {
 };
 
 /// How a collection view places its cells. An app derives from it for its own arrangements.
-class UICollectionViewLayout : public NSObject {
+class UICollectionViewLayout : public NSObject, public NSCoding {
  public:
   std::string_view className() const override;
+  void encodeWithCoder(NSKeyedArchiver& coder) const override;
 };
 
 /// A scrolling collection of cells.
@@ -38,7 +39,10 @@ class UICollectionView : public UIScrollView {
   /// Stops the process when `layout` is null, as the platform does.
   /// Selector: initWithFrame:collectionViewLayout:
   UICollectionView(const Rect& frame, std::shared_ptr<UICollectionViewLayout> layout);
+  /// Decoding fails when the archive has no layout. Selector: initWithCoder:
+  explicit UICollectionView(NSKeyedUnarchiver& coder);
   std::string_view className() const override;
+  void encodeWithCoder(NSKeyedArchiver& coder) const override;
 
   /// Never null.
   const std::shared_ptr<UICollectionViewLayout>& collectionViewLayout() const;
