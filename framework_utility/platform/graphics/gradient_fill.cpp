@@ -14,80 +14,72 @@ namespace FrameworkUtility::detail {
 
 namespace {
 
-using Color = std::array<long double, 4>;
 using Stop = CGGradient::Stop;
-
-Color colorOf(const Stop& stop) {
-  return {stop.color.red, stop.color.green, stop.color.blue, stop.color.alpha};
-}
 
 /// Pictures from here on are written past the caches, which could not hold them anyway.
 constexpr std::size_t largePicture = std::size_t{8} << 20;
 
-/// The colours between two stops, as straight lines over the positions.
-struct Segment {
-  Color from;
-  Color change;  // a unit of position
-  long double location;
-  bool isOpaque;
+/// Only this near a pixel's centre, in pixels, rounding could decide on which side a stop lies.
+constexpr double roundingAtMost = 1e-4;
 
-  Segment(const Stop& a, const Stop& b)
-      : from(colorOf(a)), location(a.location), isOpaque(a.color.alpha == 1 && b.color.alpha == 1) {
-    const Color to = colorOf(b);
-    for (std::size_t c = 0; c < 4; ++c) change[c] = (to[c] - from[c]) / (b.location - location);
-  }
+std::array<double, 4> levelsOf(const RGBA& color) {
+  return {color.red * 255, color.green * 255, color.blue * 255, color.alpha};
+}
 
-  Color at(long double position) const {
-    Color color;
-    for (std::size_t c = 0; c < 4; ++c) {
-      color[c] = std::clamp(from[c] + (position - location) * change[c], 0.0L, 1.0L);
-    }
-    return color;
-  }
-};
+GradientSegment segmentBetween(const Stop& a, const Stop& b) {
+  const auto to = levelsOf(b.color);
+  GradientSegment segment;
+  segment.from = levelsOf(a.color);
+  for (std::size_t c = 0; c < 4; ++c) segment.change[c] = to[c] - segment.from[c];
+  segment.gain = 1 / (static_cast<long double>(b.location) - a.location);
+  segment.start = -a.location * segment.gain;
+  segment.isOpaque = a.color.alpha == 1 && b.color.alpha == 1;
+  return segment;
+}
 
-/// Straight lines over another measure of position: `color` at 0, `change` a unit. Red, green and
-/// blue become levels.
+/// The segment's lines over another measure, at 0 of which the part is `start`, growing by `step`.
 template <class Real>
-RunColors<Real> runColors(const Color& color, const Color& change) {
+RunColors<Real> runColors(const GradientSegment& segment, double start, double step) {
   RunColors<Real> colors;
   for (std::size_t c = 0; c < 4; ++c) {
-    const long double levels = c < 3 ? 255 : 1;
-    colors.base[c] = static_cast<Real>(color[c] * levels);
-    colors.step[c] = static_cast<Real>(change[c] * levels);
+    colors.base[c] = static_cast<Real>(segment.from[c] + segment.change[c] * start);
+    colors.step[c] = static_cast<Real>(segment.change[c] * step);
   }
   return colors;
 }
 
-Color times(Color color, long double factor) {
-  for (long double& component : color) component *= factor;
-  return color;
+std::uint32_t pixelAt(const GradientSegment& segment, long double position) {
+  const auto part = static_cast<double>(segment.start + position * segment.gain);
+  std::array<double, 4> levels = segment.from;
+  for (std::size_t c = 0; c < 4; ++c) levels[c] += segment.change[c] * std::clamp(part, 0.0, 1.0);
+  return pixelOf(levels);
 }
 
-void fillBetween(const Segment& segment, const LinearRow& row, std::int64_t first,
+void fillBetween(const GradientSegment& segment, const LinearRow& row, std::int64_t first,
                  std::uint8_t* pixels, std::size_t count) {
-  fillRun(runColors<float>(segment.at(row.at(first)), times(segment.change, row.step / row.whole)),
-          StraightRun{}, segment.isOpaque, pixels, count);
+  const auto start = static_cast<double>(segment.start + row.at(first) * segment.gain);
+  const auto step = static_cast<double>(row.step / row.whole * segment.gain);
+  fillRun(runColors<float>(segment, start, step), StraightRun{}, segment.isOpaque, pixels, count);
 }
 
-void fillBetween(const Segment& segment, const RadialRow& row, std::int64_t first,
+void fillBetween(const GradientSegment& segment, const RadialRow& row, std::int64_t first,
                  std::uint8_t* pixels, std::size_t count) {
-  const long double along = static_cast<long double>(first) - row.nearest();
-  Color center = segment.from;  // what the line would be at the centre, perhaps far outside 0...1
-  for (std::size_t c = 0; c < 4; ++c) center[c] -= segment.location * segment.change[c];
-  const Color change = times(segment.change, row.gain());
+  const auto along = static_cast<double>(static_cast<long double>(first) - row.nearest());
+  const auto asideSquared = static_cast<double>(row.asideSquared());
+  // At the centre itself the part may be far outside 0...1.
+  const auto start = static_cast<double>(segment.start);
+  const auto step = static_cast<double>(row.gain() * segment.gain);
   const auto fill = [&](auto real) {
     using Real = decltype(real);
-    fillRun(runColors<Real>(center, change),
-            RadialRun<Real>{static_cast<Real>(along), static_cast<Real>(row.asideSquared())},
+    fillRun(runColors<Real>(segment, start, step),
+            RadialRun<Real>{static_cast<Real>(along), static_cast<Real>(asideSquared)},
             segment.isOpaque, pixels, count);
   };
   // Single precision keeps 24 bits, of which the distances and their roots lose no more than 3.
-  long double steepest = 0;
-  for (const long double component : change) steepest = std::max(steepest, std::abs(component));
-  const long double end = along + static_cast<long double>(count);
-  const long double farthest = std::sqrt(std::max(along * along, end * end) + row.asideSquared());
-  if (255 * steepest * farthest < 0.125L * (1 << 21)) {
+  const double end = along + static_cast<double>(count);
+  const double farthestSquared = std::max(along * along, end * end) + asideSquared;
+  const double mostLevels = 0.125 * (1 << 21);
+  if (255 * 255 * step * step * farthestSquared < mostLevels * mostLevels) {
     fill(float{});
   } else {
     fill(double{});
@@ -98,15 +90,18 @@ void fillBetween(const Segment& segment, const RadialRow& row, std::int64_t firs
 template <class Row>
 class RowFiller {
  public:
-  RowFiller(const std::vector<Stop>& stops, const Row& row, std::uint8_t* pixels)
-      : stops_(stops), row_(row), pixels_(pixels) {}
+  RowFiller(const std::vector<Stop>& stops, const std::vector<GradientSegment>& segments,
+            const Row& row, std::uint8_t* pixels)
+      : stops_(stops), segments_(segments), row_(row), pixels_(pixels) {}
 
   void fill(const MonotonePiece& piece) const {
+    if (piece.first == piece.end) return;
+    std::size_t reached = stopsReached(piece.first);
     for (std::int64_t x = piece.first; x < piece.end;) {
-      const std::size_t reached = stopsReached(x);
       const std::int64_t end = endOfRun(x, piece, reached);
       fillRunAfter(reached, x, end);
       x = end;
+      if (x < piece.end) reached = stopsReachedBeyond(reached, x, piece.rises);
     }
   }
 
@@ -115,6 +110,10 @@ class RowFiller {
   /// precision, are all among them.
   static constexpr std::int64_t shortRun = 4;
 
+  bool reaches(std::int64_t x, std::size_t stop) const {
+    return row_.reaches(x, stops_[stop].location);
+  }
+
   std::size_t stopsReached(std::int64_t x) const {
     const auto next = std::partition_point(stops_.begin(), stops_.end(), [&](const Stop& stop) {
       return row_.reaches(x, stop.location);
@@ -122,30 +121,35 @@ class RowFiller {
     return static_cast<std::size_t>(next - stops_.begin());
   }
 
+  /// The same where the stop that ended the run before `x` is passed: seldom more than that one.
+  std::size_t stopsReachedBeyond(std::size_t before, std::int64_t x, bool rises) const {
+    const std::size_t reached = rises ? before + 1 : before - 1;
+    const bool isAll = rises ? reached == stops_.size() || !reaches(x, reached)
+                             : reached == 0 || reaches(x, reached - 1);
+    return isAll ? reached : stopsReached(x);
+  }
+
   /// Where the run that begins at `x`, with `reached` stops behind it, meets the next stop.
   std::int64_t endOfRun(std::int64_t x, const MonotonePiece& piece, std::size_t reached) const {
     if (reached == (piece.rises ? stops_.size() : 0)) return piece.end;
-    const double location = stops_[piece.rises ? reached : reached - 1].location;
-    const auto isPast = [&](std::int64_t place) {
-      return row_.reaches(place, location) == piece.rises;
-    };
-    const long double crossing = row_.crossing(location, piece.rises);
-    const long double place = piece.rises ? std::ceil(crossing) : std::floor(crossing) + 1;
-    std::int64_t end = place > static_cast<long double>(x) ? piece.end : x + 1;
-    if (end == piece.end && place < static_cast<long double>(end)) {
-      end = static_cast<std::int64_t>(place);
-    }
-    // Rounding decides only near a pixel's centre.
-    const bool isClear = crossing > static_cast<long double>(x) &&
-                         std::abs(crossing - std::nearbyint(crossing)) > 1e-4L;
-    if (isClear || ((end == piece.end || isPast(end)) && (end == x + 1 || !isPast(end - 1)))) {
+    const std::size_t stop = piece.rises ? reached : reached - 1;
+    std::int64_t before = x;  // not past the stop, for the run begins there
+    std::int64_t end = piece.end;
+    const auto crossing = static_cast<double>(row_.crossing(stops_[stop].location, piece.rises));
+    if (crossing > static_cast<double>(x) && crossing < static_cast<double>(piece.end)) {
+      const auto near = static_cast<std::int64_t>(crossing + 0.5);
+      if (std::abs(crossing - static_cast<double>(near)) > roundingAtMost) {
+        return static_cast<std::int64_t>(crossing) + 1;
+      }
+      const auto isPast = [&](std::int64_t place) { return reaches(place, stop) == piece.rises; };
+      if (near - 1 > before && !isPast(near - 1)) before = near - 1;
+      if (near + 1 < end && isPast(near + 1)) end = near + 1;
+    } else if (crossing > static_cast<double>(piece.end) + roundingAtMost) {
       return end;
     }
-    std::int64_t before = x;  // not past, for the run begins there
-    end = piece.end;
     while (end - before > 1) {
       const std::int64_t middle = before + (end - before) / 2;
-      (isPast(middle) ? end : before) = middle;
+      (reaches(middle, stop) == piece.rises ? end : before) = middle;
     }
     return end;
   }
@@ -155,20 +159,18 @@ class RowFiller {
     const auto count = static_cast<std::size_t>(end - first);
     if (reached == 0 || reached == stops_.size()) {
       const Stop& nearest = reached == 0 ? stops_.front() : stops_.back();
-      fillRun(pixelOf(colorOf(nearest)), pixels, count);
-      return;
-    }
-    const Segment segment(stops_[reached - 1], stops_[reached]);
-    if (end - first >= shortRun) {
-      fillBetween(segment, row_, first, pixels, count);
-      return;
-    }
-    for (std::int64_t x = first; x < end; ++x) {
-      setWord(pixels_ + 4 * x, pixelOf(segment.at(row_.at(x))));
+      fillRun(pixelOf(levelsOf(nearest.color)), pixels, count);
+    } else if (end - first >= shortRun) {
+      fillBetween(segments_[reached], row_, first, pixels, count);
+    } else {
+      for (std::int64_t x = first; x < end; ++x) {
+        setWord(pixels_ + 4 * x, pixelAt(segments_[reached], row_.at(x)));
+      }
     }
   }
 
   const std::vector<Stop>& stops_;
+  const std::vector<GradientSegment>& segments_;
   const Row& row_;
   std::uint8_t* pixels_;
 };
@@ -182,6 +184,14 @@ bool isUsable(const AffineTransform& t) {
 }
 
 }  // namespace
+
+GradientFill::GradientFill(const CGGradient& gradient, const Positions& positions)
+    : gradient_(gradient), segments_(1), positions_(positions) {
+  const std::vector<Stop>& stops = gradient.stops();
+  for (std::size_t i = 1; i < stops.size(); ++i) {
+    segments_.push_back(segmentBetween(stops[i - 1], stops[i]));
+  }
+}
 
 std::optional<GradientFill> GradientFill::linear(const CGGradient& gradient, Point start, Point end,
                                                  const AffineTransform& transform) {
@@ -201,7 +211,7 @@ void GradientFill::fillRow(std::size_t y, std::uint8_t* pixels, std::size_t coun
   std::visit(
       [&](const auto& positions) {
         const auto row = positions.row(y);
-        const RowFiller filler(gradient_.stops(), row, pixels);
+        const RowFiller filler(gradient_.stops(), segments_, row, pixels);
         for (const MonotonePiece& piece : row.pieces(static_cast<std::int64_t>(count))) {
           filler.fill(piece);
         }

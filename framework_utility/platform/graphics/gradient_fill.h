@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <optional>
 #include <variant>
+#include <vector>
 
 namespace FrameworkUtility::detail {
 
@@ -18,6 +19,16 @@ struct PixelRows {
   std::size_t bytesPerRow = 0;
 
   std::uint8_t* row(std::size_t y) const { return pixels + y * bytesPerRow; }
+};
+
+/// The colours between two stops, as straight lines over the part of the way between them.
+struct GradientSegment {
+  std::array<double, 4> from{};    ///< Red, green, blue in 0...255, alpha in 0...1.
+  std::array<double, 4> change{};  ///< All the way.
+  // The part at a position is start + position times gain.
+  long double start = 0;
+  long double gain = 0;
+  bool isOpaque = true;
 };
 
 /// A gradient laid over pixels: each gets the colour at its centre, premultiplied and rounded to
@@ -39,10 +50,10 @@ class GradientFill {
  private:
   using Positions = std::variant<LinearPositions, RadialPositions>;
 
-  GradientFill(const CGGradient& gradient, const Positions& positions)
-      : gradient_(gradient), positions_(positions) {}
+  GradientFill(const CGGradient& gradient, const Positions& positions);
 
   CGGradient gradient_;
+  std::vector<GradientSegment> segments_;  // the one before stop i at i; of the first stop none
   Positions positions_;
 };
 

@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstring>
 
 namespace FrameworkUtility::detail {
 
@@ -96,11 +95,10 @@ void fillRun(std::uint32_t word, std::uint8_t* row, std::size_t pixels) {
   for (std::size_t x = 0; x < pixels; ++x) setWord(row + 4 * x, word);
 }
 
-std::uint32_t pixelOf(const std::array<long double, 4>& color) {
-  const auto level = [&](long double component) {
-    return static_cast<std::int32_t>(component * color[3] * 255 + 0.5L);
-  };
-  return wordOf(level(color[0]), level(color[1]), level(color[2]), level(1));
+std::uint32_t pixelOf(const std::array<double, 4>& levels) {
+  const double alpha = levels[3];
+  return wordOf(rounded(levels[0] * alpha), rounded(levels[1] * alpha), rounded(levels[2] * alpha),
+                rounded(255 * alpha));
 }
 
 }  // namespace FrameworkUtility::detail

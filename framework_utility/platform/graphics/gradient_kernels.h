@@ -40,7 +40,8 @@ void fillRun(const RunColors<double>& colors, RadialRun<double> run, bool isOpaq
 /// One pixel for all.
 void fillRun(std::uint32_t word, std::uint8_t* row, std::size_t pixels);
 
-/// The pixel of straight components in 0...1, premultiplied and rounded to nearest.
-std::uint32_t pixelOf(const std::array<long double, 4>& color);
+/// The pixel of straight red, green and blue in 0...255 and alpha in 0...1, premultiplied and
+/// rounded to nearest.
+std::uint32_t pixelOf(const std::array<double, 4>& levels);
 
 }  // namespace FrameworkUtility::detail

@@ -53,53 +53,52 @@ LinearRow LinearPositions::row(std::size_t y) const {
   return {perX_ * centerOf(0) + perY_ * centerOf(y) + origin_, perX_, whole_};
 }
 
-RadialRow::RadialRow(Vector start, Vector step, long double whole)
-    : start_(start), step_(step), whole_(whole) {
-  const long double unit = dot(step, step);
-  const long double aside = start[0] * step[1] - start[1] * step[0];
-  nearest_ = -dot(start, step) / unit;
-  asideSquared_ = aside * aside / (unit * unit);
-  gain_ = std::sqrt(unit) / whole;
+RadialRow::RadialRow(Vector start, const RadialScale& scale) : start_(start), scale_(scale) {
+  const long double aside = start[0] * scale.step[1] - start[1] * scale.step[0];
+  nearest_ = -dot(start, scale.step) / scale.stepSquared;
+  asideSquared_ = aside / scale.stepSquared * (aside / scale.stepSquared);
 }
 
 bool RadialRow::reaches(std::int64_t x, double location) const {
   const auto place = static_cast<long double>(x);
-  const Vector from{start_[0] + step_[0] * place, start_[1] + step_[1] * place};
-  const long double limit = location * whole_;
+  const Vector from{start_[0] + scale_.step[0] * place, start_[1] + scale_.step[1] * place};
+  const long double limit = location * scale_.whole;
   return location <= 0 || dot(from, from) >= limit * limit;
 }
 
 long double RadialRow::at(std::int64_t x) const {
   const long double along = static_cast<long double>(x) - nearest_;
-  return gain_ * std::sqrt(along * along + asideSquared_);
+  return gain() * std::sqrt(along * along + asideSquared_);
 }
 
 long double RadialRow::crossing(double location, bool rises) const {
-  const long double distance = location / gain_;
-  const long double half = std::sqrt(distance * distance - asideSquared_);
+  const long double distance = location / gain();
+  const long double half = std::sqrt(std::max(distance * distance - asideSquared_, 0.0L));
   return rises ? nearest_ + half : nearest_ - half;
 }
 
 std::array<MonotonePiece, 2> RadialRow::pieces(std::int64_t width) const {
-  const auto turn = static_cast<std::int64_t>(
-      std::ceil(std::clamp(nearest_, 0.0L, static_cast<long double>(width))));
-  return {MonotonePiece{0, turn, false}, MonotonePiece{turn, width, true}};
+  const double turn = std::clamp(static_cast<double>(nearest_), 0.0, static_cast<double>(width));
+  const auto middle = static_cast<std::int64_t>(std::ceil(turn));
+  return {MonotonePiece{0, middle, false}, MonotonePiece{middle, width, true}};
 }
 
 RadialPositions::RadialPositions(Point center, double radius, const AffineTransform& transform) {
   const Unmapping pixels(transform);
-  perX_ = pixels.perX;
   perY_ = pixels.perY;
   origin_ = {pixels.origin[0] - center.x * pixels.determinant,
              pixels.origin[1] - center.y * pixels.determinant};
-  whole_ = radius * std::abs(pixels.determinant);
+  scale_.step = pixels.perX;
+  scale_.stepSquared = dot(pixels.perX, pixels.perX);
+  scale_.whole = radius * std::abs(pixels.determinant);
+  scale_.gain = std::sqrt(scale_.stepSquared) / scale_.whole;
 }
 
 RadialRow RadialPositions::row(std::size_t y) const {
   const auto at = [&](std::size_t i) {
-    return perX_[i] * centerOf(0) + perY_[i] * centerOf(y) + origin_[i];
+    return scale_.step[i] * centerOf(0) + perY_[i] * centerOf(y) + origin_[i];
   };
-  return {{at(0), at(1)}, perX_, whole_};
+  return {{at(0), at(1)}, scale_};
 }
 
 }  // namespace FrameworkUtility::detail

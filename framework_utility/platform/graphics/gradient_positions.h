@@ -37,10 +37,18 @@ struct LinearRow {
   std::array<MonotonePiece, 2> pieces(std::int64_t width) const;
 };
 
+/// What all rows of a radial gradient have in common.
+struct RadialScale {
+  std::array<long double, 2> step{1, 0};  ///< From a pixel to the next one of its row.
+  long double stepSquared = 1;
+  long double whole = 1;  ///< The length at position 1, measured as `step` is.
+  long double gain = 1;  ///< What a pixel's distance from the centre, in pixels, is to be times by.
+};
+
 /// One row of a radial gradient: x is at the vector `start` + `step` x from the centre.
 class RadialRow {
  public:
-  RadialRow(std::array<long double, 2> start, std::array<long double, 2> step, long double whole);
+  RadialRow(std::array<long double, 2> start, const RadialScale& scale);
 
   bool reaches(std::int64_t x, double location) const;
   long double at(std::int64_t x) const;
@@ -51,15 +59,13 @@ class RadialRow {
 
   long double nearest() const { return nearest_; }
   long double asideSquared() const { return asideSquared_; }
-  long double gain() const { return gain_; }
+  long double gain() const { return scale_.gain; }
 
  private:
   std::array<long double, 2> start_;
-  std::array<long double, 2> step_;
-  long double whole_;  // the vectors' length at position 1
+  const RadialScale& scale_;
   long double nearest_;
   long double asideSquared_;
-  long double gain_;
 };
 
 /// All rows of a linear gradient from `start` to `end`, points of the space that `transform` maps
@@ -93,10 +99,9 @@ class RadialPositions {
   static bool changeFromRowToRow() { return true; }
 
  private:
-  std::array<long double, 2> perX_;
   std::array<long double, 2> perY_;
   std::array<long double, 2> origin_;
-  long double whole_;
+  RadialScale scale_;
 };
 
 }  // namespace FrameworkUtility::detail

@@ -17,31 +17,41 @@ namespace FrameworkUtility::detail {
 
 namespace {
 
-/// Writes `bytes` bytes at `to`, `from(i)` being where those from byte i on stand: whole vectors
-/// to memory, what lies before the first aligned place and behind the last one as usual.
-template <class From>
-void stream(std::uint8_t* to, std::size_t bytes, const From& from) {
-  constexpr std::size_t unit = sizeof(__m128i);
-  const std::size_t unaligned = (unit - reinterpret_cast<std::uintptr_t>(to) % unit) % unit;
-  std::size_t at = std::min(unaligned, bytes);
-  std::memcpy(to, from(0), at);
-  for (; at + unit <= bytes; at += unit) {
-    _mm_stream_si128(reinterpret_cast<__m128i*>(to + at),
-                     _mm_loadu_si128(reinterpret_cast<const __m128i*>(from(at))));
-  }
-  std::memcpy(to + at, from(at), bytes - at);
+constexpr std::size_t unit = sizeof(__m128i);
+
+/// How many bytes lie between `to` and the next place that a vector can go to.
+std::size_t bytesToUnit(const std::uint8_t* to) {
+  return (unit - reinterpret_cast<std::uintptr_t>(to) % unit) % unit;
+}
+
+__m128i vectorAt(const std::uint8_t* from) {
+  return _mm_loadu_si128(reinterpret_cast<const __m128i*>(from));
+}
+
+void stream(std::uint8_t* to, __m128i vector) {
+  _mm_stream_si128(reinterpret_cast<__m128i*>(to), vector);
 }
 
 }  // namespace
 
 void PastCaches::store(const std::uint8_t* from, std::uint8_t* to, std::size_t bytes) {
-  stream(to, bytes, [from](std::size_t at) { return from + at; });
+  std::size_t at = std::min(bytesToUnit(to), bytes);
+  std::memcpy(to, from, at);
+  for (; at + unit <= bytes; at += unit) stream(to + at, vectorAt(from + at));
+  std::memcpy(to + at, from + at, bytes - at);
 }
 
 void PastCaches::fill(std::uint32_t word, std::uint8_t* to, std::size_t pixels) {
-  std::array<std::uint8_t, sizeof(__m128i) + 4> pattern;
+  const std::size_t bytes = 4 * pixels;
+  std::array<std::uint8_t, unit + 4> pattern;
   for (std::size_t i = 0; i < pattern.size(); i += 4) std::memcpy(&pattern[i], &word, 4);
-  stream(to, 4 * pixels, [&pattern](std::size_t at) { return pattern.data() + at % 4; });
+  std::size_t at = std::min(bytesToUnit(to), bytes);
+  std::memcpy(to, pattern.data(), at);
+  const std::uint8_t* const turned = pattern.data() + at % 4;  // rows may begin at any byte
+  for (const __m128i vector = vectorAt(turned); at + unit <= bytes; at += unit) {
+    stream(to + at, vector);
+  }
+  std::memcpy(to + at, turned, bytes - at);
 }
 
 PastCaches::~PastCaches() { _mm_sfence(); }

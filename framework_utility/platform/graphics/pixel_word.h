@@ -24,12 +24,9 @@ inline std::uint32_t wordAt(const std::uint8_t* p) {
 inline void setWord(std::uint8_t* p, std::uint32_t word) { std::memcpy(p, &word, sizeof word); }
 
 /// The word whose bytes in memory are these, each in 0...255.
-inline std::uint32_t wordOf(std::int32_t red, std::int32_t green, std::int32_t blue,
-                            std::int32_t alpha) {
-  return static_cast<std::uint32_t>(red) << shiftOf(0) |
-         static_cast<std::uint32_t>(green) << shiftOf(1) |
-         static_cast<std::uint32_t>(blue) << shiftOf(2) |
-         static_cast<std::uint32_t>(alpha) << shiftOf(3);
+constexpr std::uint32_t wordOf(std::uint32_t red, std::uint32_t green, std::uint32_t blue,
+                               std::uint32_t alpha) {
+  return red << shiftOf(0) | green << shiftOf(1) | blue << shiftOf(2) | alpha << shiftOf(3);
 }
 
 }  // namespace FrameworkUtility::detail

@@ -19,7 +19,7 @@ inline VectorUnits vectorUnits() {
 
 #if defined(__x86_64__)
 template <class Kernel, class... Arguments>
-[[gnu::target("avx2")]] void runOnWideUnits(const Arguments&... arguments) {
+[[gnu::target("avx2")]] void runOnWideUnits(Arguments&... arguments) {
   Kernel::run(arguments...);
 }
 #endif
@@ -28,7 +28,7 @@ template <class Kernel, class... Arguments>
 /// `run` and what it calls in its loops must be [[gnu::always_inline]], to be compiled for each.
 /// Chosen here and not by the attribute target_clones, which crashes under ThreadSanitizer.
 template <class Kernel, class... Arguments>
-void runOn(VectorUnits units, const Arguments&... arguments) {
+void runOn(VectorUnits units, Arguments&&... arguments) {
 #if defined(__x86_64__)
   if (units == VectorUnits::wide) {
     runOnWideUnits<Kernel>(arguments...);
