@@ -1,0 +1,230 @@
+#include <framework_utility/color/images/conical_rows.h>
+#include <framework_utility/color/images/gradient_image.h>
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <cmath>
+#include <cstdint>
+#include <limits>
+#include <random>
+#include <vector>
+
+namespace FrameworkUtility {
+namespace {
+
+constexpr double nan = std::numeric_limits<double>::quiet_NaN();
+constexpr double infinity = std::numeric_limits<double>::infinity();
+
+using Bytes = std::vector<std::uint8_t>;
+
+/// The rule as it is written down, pixel by pixel, stop by stop, in double precision.
+Bytes plainLoop(std::vector<KvColor> colors, std::size_t width, std::size_t height) {
+  colors.push_back(colors.front());
+  const auto n = static_cast<double>(colors.size());
+  const auto w = static_cast<double>(width);
+  const auto h = static_cast<double>(height);
+  Bytes bytes;
+  bytes.reserve(4 * width * height);
+  for (std::size_t y = 0; y < height; ++y) {
+    for (std::size_t x = 0; x < width; ++x) {
+      double angle =
+          std::atan2(static_cast<double>(y) - h * 0.5, static_cast<double>(x) - w * 0.5) -
+          std::atan2(h * 0, w * 0.5);
+      if (angle < 0) angle += 6.283185307179586;
+      const double t = angle / 6.283185307179586;
+      const KvColor* lower = &colors.front();
+      const KvColor* upper = &colors.back();
+      double lowerLocation = 0;
+      double upperLocation = 1;
+      for (std::size_t i = 0; i < colors.size(); ++i) {
+        const double location = static_cast<double>(i) / (n - 1);
+        if (lowerLocation < location && location <= t) {
+          lower = &colors[i];
+          lowerLocation = location;
+        }
+        if (location < upperLocation && location >= t) {
+          upper = &colors[i];
+          upperLocation = location;
+        }
+      }
+      double part = 0;
+      if (lowerLocation != upperLocation) {
+        part = (t - lowerLocation) / (upperLocation - lowerLocation);
+      }
+      part = part < 0 ? 0 : part > 1 ? 1 : part;
+      for (const auto component : {&KvColor::red, &KvColor::green, &KvColor::blue}) {
+        const double from = lower->*component;
+        const double value = from + part * (upper->*component - from);
+        bytes.push_back(static_cast<std::uint8_t>((value < 0 ? 0 : value > 1 ? 1 : value) * 255));
+      }
+      bytes.push_back(255);
+    }
+  }
+  return bytes;
+}
+
+Bytes rowsOf(std::vector<KvColor> colors, std::size_t width, std::size_t height,
+             detail::VectorUnits units) {
+  colors.push_back(colors.front());
+  const detail::ConicalRows rows(std::move(colors), width, height);
+  Bytes bytes(4 * width * height);
+  for (std::size_t y = 0; y < height; ++y) rows.fillRow(y, bytes.data() + 4 * width * y, units);
+  return bytes;
+}
+
+void expectPlain(const std::vector<KvColor>& colors, std::size_t width, std::size_t height) {
+  const Bytes expected = plainLoop(colors, width, height);
+  for (const auto units : {detail::VectorUnits::baseline, detail::vectorUnits()}) {
+    // Not EXPECT_EQ, which would print megabytes.
+    ASSERT_TRUE(rowsOf(colors, width, height, units) == expected)
+        << width << " x " << height << ", " << colors.size() << " colors";
+  }
+}
+
+std::vector<KvColor> randomColors(std::size_t count, std::mt19937& random) {
+  std::uniform_real_distribution<> unit(0, 1);
+  std::vector<KvColor> colors;
+  while (colors.size() < count) colors.emplace_back(unit(random), unit(random), unit(random));
+  return colors;
+}
+
+const std::vector<KvColor> eight = {{1, 0, 0},     {1, 0.6, 0}, {0.9, 1, 0}, {0, 0.8, 0.1},
+                                    {0, 0.9, 0.9}, {0, 0.2, 1}, {0.5, 0, 1}, {1, 0, 0.6}};
+
+TEST(ConicalRowsTest, EverySmallSizeIsThePlainLoopsToTheByte) {
+  std::mt19937 random(1);
+  for (std::size_t width = 1; width <= 32; ++width) {
+    for (std::size_t height = 1; height <= 32; ++height) {
+      expectPlain(randomColors(1 + random() % 12, random), width, height);
+      if (HasFatalFailure()) return;
+    }
+  }
+}
+
+TEST(ConicalRowsTest, ColorsOfEveryKindAreThePlainLoopsToTheByte) {
+  std::mt19937 random(2);
+  std::vector<std::vector<KvColor>> kinds = {
+      eight,
+      {{1, 1, 1}},
+      {{0, 0, 0}, {1, 1, 1}},
+      // Whole levels, flat next to steep, and slopes too small to see.
+      {{0.6, 0.2, 1}, {0.6, 0.4, 1}, {0.6, 0.4, 0}, {1, 1, 1}, {1 - 1e-9, 1, 1}},
+      // Alpha does not count; components beyond 0...1 are clamped after mixing.
+      {{0.3, 0.4, 0.5, 0}, {0.9, 0.1, 0.5, 0.5}},
+      {{0.3, 0.4, 0.5}, {0.9, 0.1, 0.5}, {0.2, 0.7, 0.1}},
+      randomColors(100, random),
+      randomColors(3000, random),
+  };
+  kinds[5][0].red = 1.7;
+  kinds[5][1].green = -0.4;
+  for (const auto& colors : kinds) {
+    expectPlain(colors, 97, 64);
+    expectPlain(colors, 80, 81);
+    if (HasFatalFailure()) return;
+  }
+}
+
+TEST(ConicalRowsTest, LargeAndLongPicturesAreThePlainLoopsToTheByte) {
+  std::mt19937 random(3);
+  expectPlain(eight, 1024, 1024);
+  expectPlain(randomColors(3, random), 20'000, 5);
+  expectPlain(randomColors(13, random), 6, 20'001);
+  expectPlain(randomColors(2, random), 300'000, 2);
+}
+
+TEST(ConicalImageTest, RunsClockwiseFromThreeOClock) {
+  const auto image = conicalGradientImageWithColors({{1, 0, 0}, {0, 0, 1}}, {50.2, 30}, 2);
+  ASSERT_TRUE(image);
+  EXPECT_EQ(image->scale(), 2);
+  const CGImage& bitmap = *image->cgImage();
+  EXPECT_EQ(bitmap.width(), 100U);
+  EXPECT_EQ(bitmap.height(), 60U);
+  EXPECT_EQ(bitmap.alphaInfo(), CGImageAlphaInfo::premultipliedLast);
+  EXPECT_EQ(bitmap.colorSpace(), CGColorSpace::createDeviceRGB());
+  const auto pixel = [&](std::size_t x, std::size_t y) {
+    const std::byte* p = bitmap.pixels().data() + y * bitmap.layout().bytesPerRow + 4 * x;
+    return std::array{std::to_integer<int>(p[0]), std::to_integer<int>(p[2]),
+                      std::to_integer<int>(p[3])};
+  };
+  EXPECT_EQ(pixel(99, 30), (std::array{255, 0, 255}));
+  EXPECT_EQ(pixel(50, 30), (std::array{255, 0, 255}));  // the centre itself
+  EXPECT_EQ(pixel(50, 59), (std::array{127, 127, 255}));
+  EXPECT_EQ(pixel(0, 30), (std::array{0, 255, 255}));
+  EXPECT_EQ(pixel(50, 0), (std::array{127, 127, 255}));
+  EXPECT_GT(pixel(99, 29)[0], 250);
+  EXPECT_LT(pixel(0, 29)[0], 10);
+}
+
+TEST(ConicalImageTest, TheDefaultsAreBlueAndRedOnFortyPoints) {
+  const auto image = conicalGradientImage();
+  ASSERT_TRUE(image);
+  EXPECT_EQ(image->size(), (Size{40, 40}));
+  EXPECT_EQ(image->cgImage()->pixels(),
+            conicalGradientImageWithSize({40, 40})->cgImage()->pixels());
+  const Data pixels = image->cgImage()->pixels();
+  const Bytes expected = plainLoop(
+      {{51.0 / 255, 172.0 / 255, 201.0 / 255}, {214.0 / 255, 77.0 / 255, 73.0 / 255}}, 40, 40);
+  EXPECT_TRUE(std::equal(expected.begin(), expected.end(),
+                         reinterpret_cast<const std::uint8_t*>(pixels.data())));
+}
+
+TEST(ConicalImageTest, RefusesWhatHasNoPixels) {
+  EXPECT_FALSE(conicalGradientImageWithColors({}, {4, 4}, 1));
+  for (const double side : {0.0, 0.4, -3.0, nan, -infinity, 1e9, 9e18}) {
+    EXPECT_FALSE(conicalGradientImageWithSize({side, 4}, 1)) << side;
+    EXPECT_FALSE(conicalGradientImageWithSize({4, side}, 1)) << side;
+  }
+  for (const double scale : {0.0, 0.1, -1.0, 1e9}) {
+    EXPECT_FALSE(conicalGradientImageWithSize({4, 4}, scale)) << scale;
+  }
+  EXPECT_TRUE(conicalGradientImageWithSize({0.5, 0.6}, 1));
+}
+
+TEST(ConicalImageTest, StopsAtImpossibleNumbers) {
+  EXPECT_DEATH(conicalGradientImageWithSize({infinity, 4}, 1), "");
+  EXPECT_DEATH(conicalGradientImageWithSize({4, 1e19}, 1), "");
+  EXPECT_DEATH(conicalGradientImageWithSize({4, 4}, nan), "");
+  EXPECT_DEATH(conicalGradientImageWithColors({{nan, 0, 0}}, {4, 4}, 1), "is no level of 0...255");
+}
+
+TEST(ConicalImageTest, StopsOfSinglePixels) {
+  EXPECT_EQ(conicalGradientStop({100, 50}, {100, 100}), 0);
+  EXPECT_EQ(conicalGradientStop({50, 100}, {100, 100}), 0.25);
+  EXPECT_EQ(conicalGradientStop({0, 50}, {100, 100}), 0.5);
+  EXPECT_EQ(conicalGradientStop({50, 0}, {100, 100}), 0.75);
+  EXPECT_EQ(conicalGradientStop({50, 50}, {100, 100}), 0);
+}
+
+TEST(InterpolatedColorTest, GoesByTheNearestStopsOnEitherSide) {
+  const auto grey = [](double white) { return KvColor::withWhite(white, 1); };
+  struct Case {
+    double position;
+    std::vector<double> whites;
+    std::vector<double> locations;
+    double expected;
+  };
+  for (const Case& c : std::initializer_list<Case>{
+           {0.25, {0, 1}, {0, 1}, 0.25},
+           {0.25, {0, 1}, {0.5, 1}, 0},        // the first colour stands at 0 as well
+           {0.75, {0.2, 0.6}, {0, 0.5}, 0.6},  // and the last one at 1
+           {-3, {0.2, 0.6}, {0, 1}, 0.2},
+           {7, {0.2, 0.6}, {0, 1}, 0.6},
+           {0.5, {0, 0.2, 0.6, 1}, {0, 0.5, 0.5, 1}, 0.2},   // of two at one place the first
+           {0.75, {0, 0.2, 0.6, 1}, {0, 0.5, 0.5, 1}, 0.6},  // 0.2 and 1, half way: on both sides
+           {0.3, {0, 1, 0.5}, {0.9, 0.4, 0.2}, 0.75},        // in any order
+           {0.5, {0.3}, {}, 0.3},
+           {0.5, {0.25, 0.75}, {}, 0.5},
+           {0.5, {0.25, 0.75}, {nan, nan}, 0.5}}) {
+    std::vector<KvColor> colors;
+    for (const double white : c.whites) colors.push_back(grey(white));
+    const auto color = interpolatedColor(c.position, colors, c.locations);
+    ASSERT_TRUE(color);
+    EXPECT_DOUBLE_EQ(color->green, c.expected) << c.position << ' ' << c.expected;
+  }
+  EXPECT_FALSE(interpolatedColor(0.5, {}, {0, 1}));
+  EXPECT_DEATH(interpolatedColor(0.9, {grey(0), grey(1)}, {0, 0.2, 0.8}), "has no color");
+}
+
+}  // namespace
+}  // namespace FrameworkUtility

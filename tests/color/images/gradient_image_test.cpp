@@ -1,0 +1,148 @@
+#include <framework_utility/color/images/gradient_image.h>
+
+#include <framework_utility/platform/imageio/image_source.h>
+#include <tests/platform/graphics/exact_gradient.h>
+
+#include <gtest/gtest.h>
+
+#include <limits>
+#include <vector>
+
+namespace FrameworkUtility {
+namespace {
+
+using testing::ExactGradient;
+using testing::expectExact;
+
+constexpr double nan = std::numeric_limits<double>::quiet_NaN();
+constexpr double infinity = std::numeric_limits<double>::infinity();
+
+const std::vector<KvColor> opaque = {{0.9, 0.1, 0.2}, {0.95, 0.8, 0.1}, {0.1, 0.6, 0.9}};
+const std::vector<KvColor> veils = {{0.9, 0.1, 0.2, 0.3}, {0.95, 0.8, 0.1, 1}, {0.1, 0.6, 0.9, 0}};
+const std::vector<double> locations = {0, 0.35, 1};
+
+ExactGradient exactOf(const std::vector<KvColor>& colors, Point start, Point end) {
+  ExactGradient exact;
+  for (const KvColor& color : colors) exact.colors.push_back(color.cgColor().components);
+  exact.locations = locations;
+  exact.start = start;
+  exact.end = end;
+  return exact;
+}
+
+ExactGradient exactCircle(const std::vector<KvColor>& colors, Point center, double radius) {
+  ExactGradient exact = exactOf(colors, center, {});
+  exact.kind = ExactGradient::Kind::radial;
+  exact.radius = radius;
+  return exact;
+}
+
+TEST(GradientImageTest, LinearOnesAreExactAtEveryScale) {
+  for (const double scale : {1.0, 2.0, 3.0}) {
+    for (const auto* colors : {&opaque, &veils}) {
+      // 12.5 rounds away from zero.
+      const auto image =
+          generateGradientImageOfSize({20.4, 12.5}, scale, *colors, locations, {3, 11}, {17, 2});
+      ASSERT_TRUE(image);
+      EXPECT_EQ(image->size(), (Size{20, 13}));
+      EXPECT_EQ(image->scale(), scale);
+      EXPECT_EQ(image->cgImage()->alphaInfo(), colors == &opaque
+                                                   ? CGImageAlphaInfo::noneSkipLast
+                                                   : CGImageAlphaInfo::premultipliedLast);
+      expectExact(*image->cgImage(), exactOf(*colors, {3, 11}, {17, 2}), scale);
+    }
+  }
+  const auto same = generateGradientImageOfSize({3, 3}, 1, opaque, locations, {1, 1}, {1, 1});
+  expectExact(*same->cgImage(), exactOf(opaque, {1, 1}, {1, 1}));
+}
+
+TEST(GradientImageTest, RadialOnesReachHalfTheDiagonal) {
+  const ExactGradient expected = exactCircle(veils, {30, 40}, std::sqrt(5000.0));
+  for (const Point ignored : {Point{0, 0}, {99, 1}, {nan, infinity}}) {
+    const auto image =
+        generateRadialGradientImageOfSize({100, 100}, 1, veils, locations, {30, 40}, ignored);
+    ASSERT_TRUE(image);
+    expectExact(*image->cgImage(), expected);
+  }
+  // Of the rounded size.
+  const auto rounded =
+      generateRadialGradientImageOfSize({30.4, 39.6}, 2, opaque, locations, {15, 20}, {});
+  expectExact(*rounded->cgImage(), exactCircle(opaque, {15, 20}, 25), 2);
+}
+
+TEST(GradientImageTest, AGradientsPointsAreFractionsOfTheSizeAsGiven) {
+  using enum KvGradientType;
+  const Size size{20.4, 9.6};
+  const auto line = generateGradientImageOfSize(
+      size, 1, KvGradient(linear, veils, locations, {0.25, 0}, {1, 0.5}));
+  expectExact(*line->cgImage(), exactOf(veils, {5.1, 0}, {20.4, 4.8}));
+  // The end point plays no part.
+  const auto circle = generateGradientImageOfSize(
+      size, 1, KvGradient(radial, veils, locations, {0.25, 0.5}, {0.3, 0.3}));
+  expectExact(*circle->cgImage(), exactCircle(veils, {5.1, 4.8}, std::sqrt(125.0)));
+
+  KvGradient neither(linear, opaque, locations);
+  neither.type = static_cast<KvGradientType>(2);
+  EXPECT_DEATH(generateGradientImageOfSize(size, 1, neither), "neither linear nor radial");
+}
+
+TEST(GradientImageTest, JpegIsWrittenAtSeventyPercent) {
+  const Size size{64, 48};
+  const auto data = generateGradientJpgDataOfSize(size, 2, opaque, locations, {0, 0}, {64, 48});
+  ASSERT_TRUE(data);
+  const auto image = generateGradientImageOfSize(size, 2, opaque, locations, {0, 0}, {64, 48});
+  EXPECT_EQ(*data, UIImageJPEGRepresentation(*image, 0.7));
+  EXPECT_NE(*data, UIImageJPEGRepresentation(*image, 0.85));
+  EXPECT_EQ(CGImageSource::createWithData(*data)->imageAtIndex(0)->width(), 128U);
+  EXPECT_FALSE(generateGradientJpgDataOfSize(size, 2, opaque, {0, 1}, {0, 0}, {64, 48}));
+}
+
+TEST(GradientImageTest, OpaqueIsWhatAllColorsAre) {
+  const auto alphaInfo = [](double alpha) {
+    const auto image = generateGradientImageOfSize(
+        {2, 2}, 1, {KvColor::blackColor(), {1, 1, 1, alpha}}, {0, 1}, {0, 0}, {2, 0});
+    return image->cgImage()->alphaInfo();
+  };
+  EXPECT_EQ(alphaInfo(1 - 0x1p-53), CGImageAlphaInfo::noneSkipLast);
+  EXPECT_EQ(alphaInfo(1 - 0x1p-52), CGImageAlphaInfo::premultipliedLast);
+}
+
+TEST(GradientImageTest, BadInputGivesNoImage) {
+  struct Input {
+    Size size{4, 4};
+    double scale = 1;
+    std::vector<KvColor> colors = opaque;
+    std::vector<double> places = locations;
+    Point start{0, 0};
+    Point end{4, 4};
+  };
+  const auto refuses = [](const auto& change) {
+    Input i;
+    change(i);
+    return !generateGradientImageOfSize(i.size, i.scale, i.colors, i.places, i.start, i.end) &&
+           !generateRadialGradientImageOfSize(i.size, i.scale, i.colors, i.places, i.start,
+                                              i.end) &&
+           !generateGradientJpgDataOfSize(i.size, i.scale, i.colors, i.places, i.start, i.end);
+  };
+  EXPECT_FALSE(refuses([](Input&) {}));
+  EXPECT_FALSE(refuses([](Input& i) { i.size.width = 0.5; }));
+  for (const double side : {0.0, 0.4, -4.0, 1e9, 1e300, nan, infinity}) {
+    EXPECT_TRUE(refuses([&](Input& i) { i.size.width = side; })) << side;
+    EXPECT_TRUE(refuses([&](Input& i) { i.size.height = side; })) << side;
+  }
+  EXPECT_TRUE(refuses([](Input& i) { i.scale = 1e9; }));
+  EXPECT_TRUE(refuses([](Input& i) { i.scale = nan; }));
+  EXPECT_TRUE(refuses([](Input& i) { i.colors.clear(); }));
+  EXPECT_TRUE(refuses([](Input& i) { i.places.clear(); }));
+  EXPECT_TRUE(refuses([](Input& i) { i.places.pop_back(); }));
+  EXPECT_TRUE(refuses([](Input& i) { i.places[1] = nan; }));
+  EXPECT_TRUE(refuses([](Input& i) { i.start.y = infinity; }));
+  for (double KvColor::*component :
+       {&KvColor::red, &KvColor::green, &KvColor::blue, &KvColor::alpha}) {
+    EXPECT_TRUE(refuses([&](Input& i) { i.colors[0].*component = nan; }));
+  }
+  EXPECT_FALSE(generateGradientImageOfSize({4, 4}, 1, opaque, locations, {0, 0}, {4, nan}));
+}
+
+}  // namespace
+}  // namespace FrameworkUtility
