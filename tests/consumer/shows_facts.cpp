@@ -1,7 +1,10 @@
-// shows_facts FOLDER: an app that writes a picture into FOLDER and reads its facts back.
+// shows_facts FOLDER: an app that writes a picture into FOLDER, reads its facts back and archives
+// them.
 
 #include <framework_utility/imageio/image_metadata.h>
 #include <framework_utility/imageio/image_writer.h>
+#include <framework_utility/platform/foundation/keyed_archiver.h>
+#include <framework_utility/platform/foundation/keyed_unarchiver.h>
 
 #include <cstdlib>
 #include <iostream>
@@ -26,6 +29,13 @@ int main(int argc, char** argv) {
     return EXIT_FAILURE;
   }
   const auto read = KvImageMetadata::withUrl(URL::fileURLWithPath(*path), &error);
-  return read && read->size() == Size{8, 6} && read->software() == "Consumer 1" ? EXIT_SUCCESS
-                                                                                : EXIT_FAILURE;
+  if (!read || read->size() != Size{8, 6} || read->software() != "Consumer 1") return EXIT_FAILURE;
+
+  const auto data =
+      NSKeyedArchiver::archivedDataWithRootObject(boxed(*read), SecureCoding::required, &error);
+  if (!data) return EXIT_FAILURE;
+  const auto root = NSKeyedUnarchiver::unarchivedObjectOfClasses(
+      KvImageMetadata::unarchivedObjectOfClasses(), *data, &error);
+  const auto* archived = root ? unboxed<KvImageMetadata>(*root) : nullptr;
+  return archived && archived->properties() == read->properties() ? EXIT_SUCCESS : EXIT_FAILURE;
 }

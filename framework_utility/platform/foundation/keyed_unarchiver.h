@@ -30,8 +30,7 @@ namespace FrameworkUtility {
 /// Thread: one at a time.
 class NSKeyedUnarchiver {
  public:
-  /// Looks at `data` during its own life only: `data` may go. Bytes that are no archive show in
-  /// `error()`.
+  /// Reads `data` once: it may go afterwards. Bytes that are no archive show in `error()`.
   /// Selector: initForReadingFromData:error:
   explicit NSKeyedUnarchiver(std::span<const std::byte> data, const ArchiveLimits& limits = {});
   /// Requires secure coding; `classes` is what decoding without a list of its own allows.
