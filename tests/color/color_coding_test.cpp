@@ -4,14 +4,20 @@
 #include <framework_utility/services/errors/archive_error.h>
 
 #include <tests/support/archives.h>
+#include <tests/support/files.h>
 #include <tests/support/is_error.h>
+#include <tests/support/run_program.h>
+#include <tests/support/temporary_folder.h>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <cstddef>
+#include <cstdlib>
 #include <limits>
 #include <optional>
+#include <span>
 #include <string>
 
 namespace FrameworkUtility {
@@ -19,6 +25,7 @@ namespace {
 
 using testing::archiveOf;
 using testing::archiveOfObject;
+using testing::bytesOf;
 using testing::classRecord;
 using testing::IsError;
 using testing::reference;
@@ -151,6 +158,44 @@ TEST(ColorCodingTest, FailuresHaveTheirCodes) {
     const std::optional<Error> cause = error.underlyingError();
     EXPECT_EQ(cause.has_value(), c.cause.has_value());
     EXPECT_TRUE(!cause || !c.cause || cause->is(*c.cause));
+  }
+}
+
+TEST(ColorCodingTest, PythonReadsWhatIsWrittenAndWritesWhatIsRead) {
+  if (std::system("python3 -c 'import plistlib' 2>/dev/null") != 0)
+    GTEST_SKIP() << "python3 with plistlib is not installed";
+  const testing::TemporaryFolder folder;
+  FileManager& files = FileManager::defaultManager();
+  const auto write = [&](const char* name, std::span<const std::byte> bytes) {
+    ASSERT_TRUE(files.writeAtomically(bytes, folder.path(name), nullptr));
+  };
+  write("ours", *KvColor(0.1, 0.25, 1, 0.75).archivedData());
+  write("check.py", bytesOf(R"(import plistlib, struct
+from plistlib import UID
+archive = plistlib.load(open('ours', 'rb'), fmt=plistlib.FMT_BINARY)
+single = lambda number: struct.unpack('f', struct.pack('f', number))[0]
+name = 'FrameworkUtility.KvColor'
+assert archive == {'$version': 100000, '$archiver': 'NSKeyedArchiver', '$top': {'root': UID(1)},
+  '$objects': ['$null',
+    {'R': single(0.1), 'G': 0.25, 'B': 1.0, 'A': 0.75, '$class': UID(2)},
+    {'$classname': name, '$classes': [name, 'NSObject']}]}, archive
+archive['$objects'][1] = {'H': 0.0, 'S': 1.0, 'L': 0.5, 'A': 0.5, '$class': UID(2)}
+plistlib.dump(archive, open('binary', 'wb'), fmt=plistlib.FMT_BINARY)
+# Which has no references in XML, where the platform writes them so.
+def in_xml(value):
+  if isinstance(value, UID): return {'CF$UID': value.data}
+  if isinstance(value, list): return [in_xml(element) for element in value]
+  if isinstance(value, dict): return {key: in_xml(value[key]) for key in value}
+  return value
+plistlib.dump(in_xml(archive), open('xml', 'wb'), fmt=plistlib.FMT_XML)
+)"));
+  const auto result = testing::runProgram("python3 check.py", folder.path());
+  ASSERT_EQ(result.exitCode, 0) << result.problems;
+  for (const char* name : {"binary", "xml"}) {
+    SCOPED_TRACE(name);
+    const auto archive = testing::contentsOf(files, folder.path(name));
+    ASSERT_TRUE(archive);
+    expectIs(KvColor::unarchivedData(Data(bytesOf(*archive))), 1, 0, 0, 0.5);
   }
 }
 
