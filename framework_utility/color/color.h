@@ -53,12 +53,14 @@ class KvColor {
   /// Selector: initWithColor:
   explicit KvColor(const UIColor& color);
 
+  /// The grey of this lightness, clamped.
   /// Selector: initWithWhite:alpha:, colorWithWhite:alpha:
   static KvColor withWhite(double white, double alpha);
+  /// The colour of `UIColor::withHueSaturationBrightness`, alpha clamped too.
   /// Selector: initWithHue:saturation:brightness:alpha:
   static KvColor withHueSaturationBrightness(double hue, double saturation, double brightness,
                                              double alpha);
-  /// Not clamped.
+  /// What `hslToRgb` gives, and alpha, neither clamped.
   /// Selector: initWithHue:saturation:lightness:alpha:, initWithHue:saturation:lightness:
   static KvColor withHueSaturationLightness(double hue, double saturation, double lightness,
                                             double alpha = 1);
@@ -71,9 +73,9 @@ class KvColor {
   /// Selector: initWithCoder:
   static std::optional<KvColor> withCoder(NSKeyedUnarchiver& coder);
 
-  /// Selector: blackColor
+  /// (0, 0, 0, 1). Selector: blackColor
   static KvColor blackColor();
-  /// Selector: whiteColor
+  /// (1, 1, 1, 1). Selector: whiteColor
   static KvColor whiteColor();
   /// Three components uniform in 0...1, alpha 1, from the system's generator.
   /// Selector: random
@@ -85,6 +87,7 @@ class KvColor {
   /// The grey, and 1 - white for dark interfaces.
   /// Selector: whiteColorDarkModeEnabledWithWhite:alpha:
   static KvColor whiteColorDarkModeEnabledWithWhite(double white, double alpha);
+  /// Each colour as the constructor takes it, in order.
   /// Selector: kvColorsWithColors:
   static std::vector<KvColor> kvColorsWithColors(const std::vector<UIColor>& colors);
 
@@ -97,6 +100,7 @@ class KvColor {
   /// Without the variants; the product is not clamped.
   /// Selector: getUIColorWithAlphaMultipliedBy:
   UIColor getUIColorWithAlphaMultipliedBy(double factor) const;
+  /// The components as they are, without the variants; so are the next two.
   /// Selector: cgColor
   CGColor cgColor() const;
   /// Selector: cgColors(colors:)
@@ -108,11 +112,13 @@ class KvColor {
   /// components outside 0...1 it shows the low 32 bits of red · 2^16 | green · 2^8 | blue.
   /// Selector: hexStringWithoutHash
   std::string hexStringWithoutHash() const;
+  /// "#FE0000", likewise.
   /// Selector: hexString
   std::string hexString() const;
   /// "100.50.0.100": components times 100, truncated.
   /// Selector: identifier
   std::string identifier() const;
+  /// What `rgbToHsl` gives.
   /// Selector: getHue:saturation:lightness:
   HSL getHueSaturationLightness() const;
   /// "KvColor: r 1.0, g 0.5, b 0.0, a 1.0"
@@ -130,9 +136,14 @@ class KvColor {
   /// Transparent black: all components below 2^-52, negative ones too.
   /// Selector: isNoColor
   bool isNoColor() const;
+  /// Above 0.5.
   /// Selector: isLightnessLight:
   static bool isLightnessLight(double lightness);
 
+  // Each of these gives a new, clamped colour without variants, of the same alpha unless it is
+  // said.
+
+  /// With another alpha.
   /// Selector: withAlphaComponent:, colorWithAlphaComponent:
   [[nodiscard]] KvColor withAlphaComponent(double alpha) const;
   /// Each colour component moved by `intensity`.
@@ -141,12 +152,15 @@ class KvColor {
   /// The mean of the three components.
   /// Selector: greyscale
   [[nodiscard]] KvColor greyscale() const;
+  /// 1 less each component.
   /// Selector: negative
   [[nodiscard]] KvColor negative() const;
+  /// What `multiplySaturationOf` gives.
   /// Selector: getColorWithSaturationMultipliedBy:
   [[nodiscard]] KvColor getColorWithSaturationMultipliedBy(double factor) const;
   /// self + value (other - self), `value` clamped: 0 gives this colour, 1 the other but for
-  /// rounding. The opposite of the toolkit colours' `interpolateWithColor`, on purpose.
+  /// rounding; alpha moves too. The opposite of the toolkit colours' `interpolateWithColor`, on
+  /// purpose.
   /// Selector: interpolateWithColorWithColor:value:
   [[nodiscard]] KvColor interpolateWithColorWithColor(const KvColor& other, double value) const;
   /// The mean of the three differences; 0 without a colour.
@@ -163,6 +177,7 @@ class KvColor {
 
   /// Selector: isEqual:
   friend bool operator==(const KvColor& a, const KvColor& b);
+  /// Whether red, green and blue are equal likewise; alpha may be anything.
   /// Selector: isEqualDiscardAlpha:
   bool isEqualDiscardAlpha(const KvColor& other) const;
   /// Clamped, and without the variants.

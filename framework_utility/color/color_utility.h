@@ -27,6 +27,7 @@ std::optional<UIColor> colorFromHexString(std::string_view text, double alpha = 
 /// truncates. Stops the process when a component is not finite or its product does not fit 64 bits.
 /// Selector: hexString
 std::string hexString(const UIColor& color);
+/// The components, clamped.
 /// Selector: kvColor
 KvColor kvColor(const UIColor& color);
 /// Three or four numbers in 0...255, or texts of them: decimal digits with an optional sign and
@@ -51,9 +52,10 @@ std::optional<UIColor> interpolateWithColor(const UIColor& color,
 /// first · ratio + second · (1 - ratio), at any ratio.
 /// Selector: interpolateColorR1:g1:b1:a1:r2:g2:b2:a2:ratio:
 RGBA interpolateColor(const RGBA& first, const RGBA& second, double ratio);
+/// 1 less each colour component; alpha is kept.
 /// Selector: colorInverted
 UIColor colorInverted(const UIColor& color);
-/// Each colour component moved by `intensity` and clamped into 0...1.
+/// Each colour component moved by `intensity` and clamped into 0...1; alpha is kept.
 /// Selector: addIntensity:
 UIColor addIntensity(const UIColor& color, double intensity);
 /// Alpha of at most 2^-52.
@@ -63,8 +65,10 @@ bool isClearColor(const UIColor& color);
 /// Selector: isOpaque
 bool isOpaque(const UIColor& color);
 
+/// What `multiplySaturationOf` gives; alpha is kept.
 /// Selector: multiplySaturationBy:
 UIColor multiplySaturationBy(const UIColor& color, double multiplier);
+/// What `hslToRgb` gives, with this alpha.
 /// Selector: hslToUIColor:s:l:alpha:
 UIColor hslToUIColor(const HSL& color, double alpha);
 

@@ -25,9 +25,11 @@ struct RGB {
   bool operator==(const RGB&) const = default;
 };
 
+/// Of components in 0...1, all three in 0...1.
 /// Selector: rgbToHsl:green:blue:hue:saturation:lightness:
 HSL rgbToHsl(const RGB& color);
-/// Three times the lightness for a saturation below 2.2e-16.
+/// Three times the lightness for a saturation below 2^-52. A hue outside -2/3...5/3 is not brought
+/// back onto the circle.
 /// Selector: hslToRgb:saturation:lightness:red:green:blue:
 RGB hslToRgb(const HSL& color);
 

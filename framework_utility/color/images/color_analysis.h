@@ -57,6 +57,7 @@ std::optional<UIImageAnalyzeResult> analyzeImageWithQuality(const UIImage& image
 std::optional<UIImageAnalyzeResult> analyzeImageWithQuality(const URL& url,
                                                             UIImageAnalyzeColorQuality quality,
                                                             std::int64_t count);
+/// The same.
 /// Selector: analyzeImageAtUrl:quality:count:
 std::optional<UIImageAnalyzeResult> analyzeImageAtUrl(const URL& url,
                                                       UIImageAnalyzeColorQuality quality,
