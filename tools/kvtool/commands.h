@@ -55,4 +55,13 @@ struct PaletteOptions {
 };
 [[nodiscard]] bool printPalette(const PaletteOptions& options);
 
+struct GradientOptions {
+  std::string kind;                 ///< linear, radial, conical, hue, lightness or selective.
+  std::vector<std::string> colors;  ///< Each "#RRGGBB"; at least one for the first three kinds.
+  std::pair<int, int> size;         ///< Width and height in pixels.
+  bool isVertical = false;
+  std::string out;
+};
+[[nodiscard]] bool writeGradient(const GradientOptions& options);
+
 }  // namespace kvtool

@@ -7,6 +7,7 @@
 // The only place that includes it: it compiles slowly.
 #include <CLI/CLI.hpp>
 
+#include <charconv>
 #include <cstdio>
 #include <cstdlib>
 #include <exception>
@@ -143,11 +144,71 @@ Examples:
   command->callback([&] { worked = kvtool::printPalette(options); });
 }
 
+/// Reads "#RRGGBB"; what CLI11 asks for is what is wrong with it.
+std::string checkColor(const std::string& text) {
+  const bool isColor = text.size() == 7 && text[0] == '#' &&
+                       text.find_first_not_of("0123456789abcdefABCDEF", 1) == std::string::npos;
+  return isColor ? "" : "\"" + text + "\" is not like #FF8000";
+}
+
+/// Reads "640x480".
+std::pair<int, int> sizeFrom(const std::string& text) {
+  constexpr int longest = 65535;
+  std::pair<int, int> size;
+  const char* const end = text.data() + text.size();
+  const auto width = std::from_chars(text.data(), end, size.first);
+  const bool hasTwo = width.ec == std::errc() && width.ptr != end && *width.ptr == 'x';
+  const auto height = hasTwo ? std::from_chars(width.ptr + 1, end, size.second) : width;
+  if (!hasTwo || height.ec != std::errc() || height.ptr != end || size.first < 1 ||
+      size.first > longest || size.second < 1 || size.second > longest)
+    throw CLI::ValidationError("--size", "\"" + text + "\" is not like 640x480, up to 65535");
+  return size;
+}
+
+void checkColorCount(const kvtool::GradientOptions& options) {
+  const bool takesNone = options.kind == "hue" || options.kind == "lightness";
+  if (takesNone && !options.colors.empty())
+    throw CLI::ValidationError("--colors", options.kind + " takes none");
+  if (!takesNone && options.kind != "selective" && options.colors.empty())
+    throw CLI::RequiredError("--colors");
+}
+
+void addGradient(CLI::App& tool, kvtool::GradientOptions& options, bool& worked) {
+  CLI::App* command = tool.add_subcommand("gradient", "Draw a gradient into a new picture");
+  command->add_option("--kind", options.kind, "What it is")
+      ->required()
+      ->check(CLI::IsMember({"linear", "radial", "conical", "hue", "lightness", "selective"}));
+  command->add_option("--colors", options.colors, "Its colours: '#RRGGBB,#RRGGBB'")
+      ->delimiter(',')
+      ->check(checkColor);
+  command
+      ->add_option_function<std::string>(
+          "--size", [&options](const std::string& text) { options.size = sizeFrom(text); },
+          "Its pixels: WIDTHxHEIGHT")
+      ->required();
+  command->add_flag("--vertical", options.isVertical, "From top to bottom, not from left to right");
+  command->add_option("--out", options.out, "The file to write, under exactly this name")
+      ->required();
+  command->footer(
+      R"(linear, radial and conical space their colours evenly: from edge to edge, from the middle to the
+corners, clockwise from three o'clock back to the first. hue runs through all hues, lightness from
+black to white; selective through the hues about that of the first colour, red without one. The
+extension of --out chooses PNG or JPEG; without one it is PNG. A file of that name is replaced.
+
+Examples:
+  kvtool gradient --kind linear --colors '#FF8000,#0040FF' --size 640x480 --vertical --out sky.png
+  kvtool gradient --kind conical --colors '#FF0000,#FFFF00,#0000FF' --size 256x256 --out wheel.png
+  kvtool gradient --kind selective --colors '#00C000' --size 512x32 --out greens.jpg)");
+  command->callback([&] {
+    checkColorCount(options);
+    worked = kvtool::writeGradient(options);
+  });
+}
+
 int run(int argc, char** argv) {
   CLI::App tool{
-      "Reads, rewrites, reduces, straightens and names the colours of photos the way the apps of "
-      "the "
-      "family do.",
+      "Reads, rewrites, reduces, straightens and names the colours of photos, and draws gradients, "
+      "the way the apps of the family do.",
       "kvtool"};
   tool.footer(
       R"(Exit code: 0 when everything worked, 1 when a file failed (the others still go on), 2 for a command
@@ -158,7 +219,8 @@ Examples:
   kvtool save photo.jpg --orientation 1
   kvtool thumbnail photo.jpg --size 256 --out small.jpg
   kvtool cover --area 300,200 --content 4032,3024 --center 150,100 --angle 0.12
-  kvtool palette photo.jpg --png palette.png)");
+  kvtool palette photo.jpg --png palette.png
+  kvtool gradient --kind hue --size 512x32 --out hues.png)");
   tool.require_subcommand(1);
 
   kvtool::MetadataOptions metadata;
@@ -166,12 +228,14 @@ Examples:
   kvtool::ThumbnailOptions thumbnail;
   kvtool::CoverOptions cover;
   kvtool::PaletteOptions palette;
+  kvtool::GradientOptions gradient;
   bool worked = false;
   addMetadata(tool, metadata, worked);
   addSave(tool, save, worked);
   addThumbnail(tool, thumbnail, worked);
   addCover(tool, cover, worked);
   addPalette(tool, palette, worked);
+  addGradient(tool, gradient, worked);
   try {
     tool.parse(argc, argv);
   } catch (const CLI::ParseError& problem) {

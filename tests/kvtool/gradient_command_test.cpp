@@ -1,0 +1,117 @@
+#include <framework_utility/color/images/gradient_image.h>
+#include <framework_utility/platform/graphics/rgba_rows.h>
+#include <framework_utility/platform/imageio/image_source.h>
+#include <tests/support/run_program.h>
+#include <tests/support/temporary_folder.h>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <filesystem>
+#include <string>
+#include <vector>
+
+namespace FrameworkUtility {
+namespace {
+
+using ::testing::HasSubstr;
+using testing::ProgramResult;
+using enum GradientDirection;
+
+class GradientCommandTest : public ::testing::Test {
+ protected:
+  ProgramResult run(const std::string& arguments) const {
+    return testing::runProgram("'" KVTOOL "' gradient " + arguments, folder_.path());
+  }
+
+  std::optional<CGImageSource> source(const std::string& name) const {
+    return CGImageSource::createWithURL(URL::fileURLWithPath(folder_.path(name)));
+  }
+
+  const testing::TemporaryFolder folder_;
+};
+
+std::vector<std::uint8_t> pixelsOf(const CGImage& image) {
+  const auto pixels = detail::rgbaPixels(image, detail::AlphaForm::straight);
+  return {pixels->data(), pixels->data() + pixels->size()};
+}
+
+TEST_F(GradientCommandTest, DrawsEveryKind) {
+  const std::vector<KvColor> colors = {{1, 128.0 / 255, 0}, {0, 64.0 / 255, 1}, {1, 1, 1}};
+  const Size size{40, 30};
+  KvGradient circle(colors, horizontal);
+  circle.type = KvGradientType::radial;
+  circle.startPointNormalized = {0.5, 0.5};
+  struct Case {
+    std::string arguments;
+    std::optional<UIImage> expected;
+  };
+  const std::string list = " --colors '#FF8000,#0040ff,#FFFFFF'";
+  for (const auto& [arguments, expected] : std::initializer_list<Case>{
+           {"linear" + list, generateGradientImageOfSize(size, horizontal, colors)},
+           {"linear --vertical" + list, generateGradientImageOfSize(size, vertical, colors)},
+           {"radial" + list, generateGradientImageOfSize(size, 1, circle)},
+           {"conical" + list, conicalGradientImageWithColors(colors, size, 1)},
+           {"hue", generateHueGradientImageOfSize(size, horizontal)},
+           {"hue --vertical", generateHueGradientImageOfSize(size, vertical)},
+           {"lightness", generateSelectiveLightnessGradientImageOfSize(size, horizontal)},
+           {"selective", selectiveHueGradientImageForType(SelectiveHsl::red, size, horizontal)},
+           {"selective --vertical --colors '#2060F0'",
+            selectiveHueGradientImageForType(SelectiveHsl::blue, size, vertical)},
+           {"selective --colors '#FF0008'",  // just before the circle closes
+            selectiveHueGradientImageForType(SelectiveHsl::red, size, horizontal)}}) {
+    SCOPED_TRACE(arguments);
+    const ProgramResult result = run("--size 40x30 --out a.png --kind " + arguments);
+    EXPECT_EQ(result.exitCode, 0);
+    EXPECT_EQ(result.output + result.problems, "");
+    ASSERT_TRUE(source("a.png"));
+    EXPECT_EQ(pixelsOf(*source("a.png")->imageAtIndex(0)), pixelsOf(*expected->cgImage()));
+  }
+}
+
+TEST_F(GradientCommandTest, TheExtensionChoosesTheFormat) {
+  for (const auto& [name, type] :
+       {std::pair{"a.jpg", "public.jpeg"}, {"a.PNG", "public.png"}, {"a", "public.png"}}) {
+    EXPECT_EQ(run(std::string("--kind hue --size 7x5 --out ") + name).exitCode, 0);
+    ASSERT_TRUE(source(name));
+    EXPECT_EQ(source(name)->type(), type);
+    EXPECT_EQ(source(name)->imageAtIndex(0)->width(), 7U);
+  }
+}
+
+TEST_F(GradientCommandTest, WhatCannotBeDrawnOrWrittenIsReported) {
+  for (const char* arguments : {"--size 65535x65535 --out a.png",
+                                "--size 4x4 --out no/folder/a.png", "--size 4x4 --out a.webp"}) {
+    const ProgramResult result = run(std::string("--kind lightness ") + arguments);
+    EXPECT_EQ(result.exitCode, 1) << arguments;
+    EXPECT_THAT(result.problems, HasSubstr("kvtool: ")) << arguments;
+  }
+  for (const char* name : {"a", "a.png", "a.webp"}) {
+    EXPECT_FALSE(std::filesystem::exists(folder_.path(name))) << name;
+  }
+}
+
+TEST_F(GradientCommandTest, ACommandLineThatCannotBeUnderstoodGivesTwo) {
+  for (const char* arguments :
+       {"", "--kind hue --out a.png", "--kind hue --size 4x4",
+        "--kind round --size 4x4 --out a.png", "--kind linear --size 4x4 --out a.png",
+        "--kind hue --colors '#FF0000' --size 4x4 --out a",
+        "--kind linear --colors '#FF000' --size 4x4 --out a.png",
+        "--kind linear --colors '#FF0000,#0xFF00' --size 4x4 --out a.png",
+        "--kind hue --size 4 --out a.png", "--kind hue --size 4x --out a.png",
+        "--kind hue --size 0x4 --out a.png", "--kind hue --size 4x-4 --out a.png",
+        "--kind hue --size 4x4x4 --out a.png", "--kind hue --size 4x65536 --out a.png",
+        "--kind hue --size 4x99999999999 --out a.png"}) {
+    const ProgramResult result = run(arguments);
+    EXPECT_EQ(result.exitCode, 2) << arguments;
+    EXPECT_NE(result.problems, "") << arguments;
+  }
+  EXPECT_THAT(run("--help").output, HasSubstr("Examples:"));
+  for (const char* name : {"a", "a.png", "a.webp"}) {
+    EXPECT_FALSE(std::filesystem::exists(folder_.path(name))) << name;
+  }
+}
+
+}  // namespace
+}  // namespace FrameworkUtility
