@@ -11,13 +11,13 @@ namespace FrameworkUtility {
 /// cell takes: the side moved inward by the border's thickness, and the bisector of the corner
 /// where the side begins.
 ///
-///     p1 ───────────────────────── p2
-///      │ ╲        ↕ thickness
-///      │   ╲ ─────────────────────  parallele
+///      p1 ───────────────────────── p2
+///      │ ╲           ↕ thickness
+///      │   ╲┌──────────────────────  parallele
 ///      │    │╲
-///      │    │  ╲ bissectrice
+///      │    │  ╲  bissectrice
 ///      │    │
-///      │         × averagePoint
+///   previous side     × averagePoint
 ///
 /// A layout makes a side from each corner to the next, sets every `averagePoint`, then calculates
 /// border and bisector of each. The inner polygon's corners are where the `parallele` lines of

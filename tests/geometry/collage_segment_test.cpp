@@ -94,6 +94,8 @@ TEST(KvCollageSegmentTest, ParallelAndPerpendicularLinesGoThroughThePoint) {
 
   EXPECT_EQ(verticalAt(7).parallele({3, 4}).intersectionPointWithSegment(sloped(0, 0)),
             (Point{3, 0}));
+  EXPECT_EQ(KvCollageSegment::withVertical(false, 2, 1, 7).parallele({0, 9}).description(),
+            "KvCollageSegment: a 2.0, b 9.0, c 7.0, isVertical 0.");
   EXPECT_EQ(yAt(verticalAt(7).perpandiculaire({3, 4}), 100), 4);
   EXPECT_EQ(sloped(0, 1).perpandiculaire({3, 4}).intersectionPointWithSegment(sloped(0, 9)),
             (Point{3, 9}));

@@ -147,7 +147,7 @@ TEST(KvCollageShapeSideTest, TheBisectorStartsAtTheSidesOwnStart) {
 
   // Another line moves the chord, not the start.
   KvCollageShapeSide side({0, 0}, {10, 0});
-  side.segment = KvCollageSegment({0, 0}, {0, 10});
+  side.segment = KvCollageSegment({0, -1e-20}, {0, 10});
   side.calculateBissectrice(KvCollageShapeSide({-10, 0}, {0, 0}));
   EXPECT_EQ(side.bissectrice->p1, Point{});
   EXPECT_NEAR(side.bissectriceAngle, pi / 4, 1e-15);

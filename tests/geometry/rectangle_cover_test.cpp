@@ -98,7 +98,7 @@ TEST(KvRectangleCoverTest, HalfAndWholeTurnsGiveTheUprightCoverAtTheOrigin) {
 
 TEST(KvRectangleCoverTest, ContentWithoutAnAreaGivesNothingOrNoNumbers) {
   const KvRectangle area(Rect(10, 20, 300, 200));
-  for (const Size content : {Size{0, 5}, Size{5, 0}, Size{-4, 3}}) {
+  for (const Size content : {Size{0, 5}, Size{5, 0}, Size{-4, 3}, Size{std::nan(""), 3}}) {
     EXPECT_EQ(area.rectangleFilledWithRectRotated(content, {70, 80}, 0).bounds(), Rect());
     for (const double angle : {1.0, pi / 2})
       EXPECT_TRUE(std::isnan(area.rectangleFilledWithRectRotated(content, {70, 80}, angle).p1().x));

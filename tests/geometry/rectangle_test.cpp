@@ -78,6 +78,9 @@ TEST(KvRectangleTest, OddlyInsideOnPurpose) {
   EXPECT_TRUE(shape.isPointInside({5, 5}));
   EXPECT_TRUE(KvRectangle(Rect(0, 10, 10, 10)).isPointInside({5, 5}));  // grazes p2
 
+  // Inside of a shape that is not convex, but the probe leaves it twice.
+  EXPECT_FALSE(KvRectangle({10, -10}, {-10, 110}, {110, 90}, {20, 80}).isPointInside({10, 10}));
+
   // At the far point's x the probe is vertical. Beyond it the probe leads away from the far point:
   // to the right still, but up here, where only crossings below count on vertical sides.
   const KvRectangle around(Rect(99'000, 0, 2000, 2000));
