@@ -1,8 +1,8 @@
 #include <framework_utility/platform/foundation/keyed_archiver.h>
 
-#include <framework_utility/platform/foundation/coder_failure.h>
-#include <framework_utility/platform/foundation/coding_registry.h>
-#include <framework_utility/platform/foundation/keyed_archive_format.h>
+#include <framework_utility/platform/foundation/archives/coder_failure.h>
+#include <framework_utility/platform/foundation/archives/coding_registry.h>
+#include <framework_utility/platform/foundation/archives/keyed_archive_format.h>
 #include <framework_utility/platform/foundation/property_list.h>
 
 #include <unordered_map>

@@ -1,7 +1,7 @@
 #include <framework_utility/platform/foundation/property_list.h>
 
 #include <framework_utility/platform/foundation/platform_error.h>
-#include <framework_utility/platform/foundation/property_list_readers.h>
+#include <framework_utility/platform/foundation/property_lists/property_list_readers.h>
 
 #include <algorithm>
 #include <new>

@@ -1,9 +1,9 @@
 #include <framework_utility/platform/foundation/settings_file.h>
 
-#include <framework_utility/platform/foundation/new_item.h>
+#include <framework_utility/platform/foundation/files/new_item.h>
+#include <framework_utility/platform/foundation/files/real_file_manager.h>
 #include <framework_utility/platform/foundation/path.h>
 #include <framework_utility/platform/foundation/property_list.h>
-#include <framework_utility/platform/foundation/real_file_manager.h>
 
 #include <fcntl.h>
 #include <sys/file.h>

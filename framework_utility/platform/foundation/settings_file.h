@@ -1,7 +1,7 @@
 #pragma once
 
 #include <framework_utility/platform/foundation/data.h>
-#include <framework_utility/platform/foundation/descriptor.h>
+#include <framework_utility/platform/foundation/files/descriptor.h>
 #include <framework_utility/platform/foundation/value.h>
 
 #include <sys/stat.h>

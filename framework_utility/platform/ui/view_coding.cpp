@@ -2,7 +2,7 @@
 
 #include <framework_utility/platform/ui/view_coding.h>
 
-#include <framework_utility/platform/foundation/coder_failure.h>
+#include <framework_utility/platform/foundation/archives/coder_failure.h>
 #include <framework_utility/platform/foundation/keyed_archiver.h>
 #include <framework_utility/platform/foundation/keyed_unarchiver.h>
 #include <framework_utility/platform/ui/controls.h>

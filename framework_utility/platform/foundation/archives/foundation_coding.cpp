@@ -1,6 +1,6 @@
-#include <framework_utility/platform/foundation/coding_registry.h>
+#include <framework_utility/platform/foundation/archives/coding_registry.h>
 
-#include <framework_utility/platform/foundation/coder_failure.h>
+#include <framework_utility/platform/foundation/archives/coder_failure.h>
 #include <framework_utility/platform/foundation/equal_keys.h>
 #include <framework_utility/platform/foundation/keyed_archiver.h>
 #include <framework_utility/platform/foundation/keyed_unarchiver.h>

@@ -1,11 +1,11 @@
-#include <framework_utility/platform/foundation/real_file_manager.h>
+#include <framework_utility/platform/foundation/files/real_file_manager.h>
 
-#include <framework_utility/platform/foundation/copy_item.h>
-#include <framework_utility/platform/foundation/descriptor.h>
-#include <framework_utility/platform/foundation/directory_cursor.h>
-#include <framework_utility/platform/foundation/new_item.h>
+#include <framework_utility/platform/foundation/files/copy_item.h>
+#include <framework_utility/platform/foundation/files/descriptor.h>
+#include <framework_utility/platform/foundation/files/directory_cursor.h>
+#include <framework_utility/platform/foundation/files/new_item.h>
+#include <framework_utility/platform/foundation/files/remove_item.h>
 #include <framework_utility/platform/foundation/posix_error.h>
-#include <framework_utility/platform/foundation/remove_item.h>
 
 #include <fcntl.h>
 #include <sys/stat.h>

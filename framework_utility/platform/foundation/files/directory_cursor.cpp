@@ -1,4 +1,4 @@
-#include <framework_utility/platform/foundation/directory_cursor.h>
+#include <framework_utility/platform/foundation/files/directory_cursor.h>
 
 #include <dirent.h>
 #include <fcntl.h>

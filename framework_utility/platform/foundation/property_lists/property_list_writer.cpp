@@ -1,7 +1,7 @@
 #include <framework_utility/platform/foundation/property_list.h>
 
 #include <framework_utility/platform/foundation/platform_error.h>
-#include <framework_utility/platform/foundation/property_list_format.h>
+#include <framework_utility/platform/foundation/property_lists/property_list_format.h>
 #include <framework_utility/platform/foundation/reference_date.h>
 #include <framework_utility/platform/foundation/utf16.h>
 

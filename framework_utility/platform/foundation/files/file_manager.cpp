@@ -1,6 +1,6 @@
 #include <framework_utility/platform/foundation/files.h>
 
-#include <framework_utility/platform/foundation/real_file_manager.h>
+#include <framework_utility/platform/foundation/files/real_file_manager.h>
 
 #include <atomic>
 

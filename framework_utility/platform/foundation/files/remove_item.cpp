@@ -1,6 +1,6 @@
-#include <framework_utility/platform/foundation/remove_item.h>
+#include <framework_utility/platform/foundation/files/remove_item.h>
 
-#include <framework_utility/platform/foundation/directory_cursor.h>
+#include <framework_utility/platform/foundation/files/directory_cursor.h>
 
 #include <fcntl.h>
 #include <sys/stat.h>

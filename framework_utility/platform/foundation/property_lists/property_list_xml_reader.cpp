@@ -1,8 +1,8 @@
-#include <framework_utility/platform/foundation/property_list_readers.h>
+#include <framework_utility/platform/foundation/property_lists/property_list_readers.h>
 
-#include <framework_utility/platform/foundation/base64.h>
 #include <framework_utility/platform/foundation/equal_keys.h>
 #include <framework_utility/platform/foundation/expansion_budget.h>
+#include <framework_utility/platform/foundation/property_lists/base64.h>
 
 #include <expat.h>
 

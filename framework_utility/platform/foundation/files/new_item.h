@@ -1,6 +1,6 @@
 #pragma once
 
-#include <framework_utility/platform/foundation/descriptor.h>
+#include <framework_utility/platform/foundation/files/descriptor.h>
 
 #include <cstddef>
 #include <span>

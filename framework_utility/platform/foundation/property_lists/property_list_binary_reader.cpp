@@ -1,8 +1,8 @@
-#include <framework_utility/platform/foundation/property_list_readers.h>
+#include <framework_utility/platform/foundation/property_lists/property_list_readers.h>
 
 #include <framework_utility/platform/foundation/equal_keys.h>
 #include <framework_utility/platform/foundation/expansion_budget.h>
-#include <framework_utility/platform/foundation/property_list_format.h>
+#include <framework_utility/platform/foundation/property_lists/property_list_format.h>
 #include <framework_utility/platform/foundation/reference_date.h>
 #include <framework_utility/platform/foundation/utf16.h>
 

@@ -1,4 +1,4 @@
-#include <framework_utility/platform/foundation/coding_registry.h>
+#include <framework_utility/platform/foundation/archives/coding_registry.h>
 
 #include <algorithm>
 #include <charconv>

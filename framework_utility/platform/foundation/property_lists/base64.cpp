@@ -1,4 +1,4 @@
-#include <framework_utility/platform/foundation/base64.h>
+#include <framework_utility/platform/foundation/property_lists/base64.h>
 
 #include <cstdint>
 

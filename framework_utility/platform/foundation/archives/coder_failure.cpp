@@ -1,4 +1,4 @@
-#include <framework_utility/platform/foundation/coder_failure.h>
+#include <framework_utility/platform/foundation/archives/coder_failure.h>
 
 #include <framework_utility/platform/foundation/value.h>
 

@@ -1,7 +1,7 @@
-#include <framework_utility/platform/foundation/copy_item.h>
+#include <framework_utility/platform/foundation/files/copy_item.h>
 
-#include <framework_utility/platform/foundation/directory_cursor.h>
-#include <framework_utility/platform/foundation/new_item.h>
+#include <framework_utility/platform/foundation/files/directory_cursor.h>
+#include <framework_utility/platform/foundation/files/new_item.h>
 
 #include <fcntl.h>
 #include <sys/stat.h>
