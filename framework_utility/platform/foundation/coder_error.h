@@ -31,7 +31,7 @@ struct CoderError {
 /// can be read again.
 struct ArchiveLimits {
   /// The size of the data.
-  std::size_t bytes = std::size_t{64} << 20;
+  std::size_t bytes = std::size_t{32} << 20;
   /// The objects in the archive's table, each text, number and list among them. The property list
   /// may hold 16 times as many values.
   std::size_t objects = 100'000;
