@@ -58,7 +58,7 @@ KvGradient::KvGradient(std::vector<KvColor> stopColors, std::vector<double> loca
     : KvGradient(KvGradientType::linear, std::move(stopColors), std::move(locations), {0, 0},
                  direction == GradientDirection::vertical ? Point{0, 1} : Point{1, 0}) {}
 
-KvGradient::KvGradient(std::vector<KvColor> stopColors, GradientDirection direction)
+KvGradient::KvGradient(const std::vector<KvColor>& stopColors, GradientDirection direction)
     : KvGradient(stopColors, evenLocationsFor(stopColors), direction) {}
 
 KvGradient KvGradient::random() {

@@ -60,7 +60,7 @@ class KvGradient {
   /// Stops at 0, 1/(n - 1) and so on, each the sum of the one before and the step, clamped to 1.
   /// Stops the process without colours.
   /// Selector: initWithColors:isVertical:
-  KvGradient(std::vector<KvColor> colors, GradientDirection direction);
+  KvGradient(const std::vector<KvColor>& colors, GradientDirection direction);
   /// Two to six random opaque colours, evenly spaced, of a random type between random points.
   /// Selector: random
   static KvGradient random();

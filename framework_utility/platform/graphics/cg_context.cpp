@@ -53,7 +53,7 @@ class CGContext::Memory {
       pixels_ = own_->data();
       shared_.reset();
     } else if (isClear_ && !overwritesAll) {
-      const int opaque = layout.alphaInfo == CGImageAlphaInfo::noneSkipLast ? 255 : 0;
+      const std::uint32_t opaque = layout.alphaInfo == CGImageAlphaInfo::noneSkipLast ? 255 : 0;
       detail::fillRun(detail::wordOf(0, 0, 0, opaque), pixels_, layout.width * layout.height);
     }
     isClear_ = false;

@@ -137,10 +137,10 @@ class RowFiller {
     std::int64_t end = piece.end;
     const auto crossing = static_cast<double>(row_.crossing(stops_[stop].location, piece.rises));
     if (crossing > static_cast<double>(x) && crossing < static_cast<double>(piece.end)) {
-      const auto near = static_cast<std::int64_t>(crossing + 0.5);
-      if (std::abs(crossing - static_cast<double>(near)) > roundingAtMost) {
-        return static_cast<std::int64_t>(crossing) + 1;
-      }
+      const auto whole = static_cast<std::int64_t>(crossing);
+      const double part = crossing - static_cast<double>(whole);
+      if (part > roundingAtMost && part < 1 - roundingAtMost) return whole + 1;
+      const std::int64_t near = part < 0.5 ? whole : whole + 1;
       const auto isPast = [&](std::int64_t place) { return reaches(place, stop) == piece.rises; };
       if (near - 1 > before && !isPast(near - 1)) before = near - 1;
       if (near + 1 < end && isPast(near + 1)) end = near + 1;

@@ -26,6 +26,13 @@ template <class Real>
   return static_cast<std::int32_t>(value + Real{0.5});
 }
 
+/// The word of levels in 0...255.
+[[gnu::always_inline]] inline std::uint32_t wordOfLevels(std::int32_t red, std::int32_t green,
+                                                         std::int32_t blue, std::int32_t alpha) {
+  return wordOf(static_cast<std::uint32_t>(red), static_cast<std::uint32_t>(green),
+                static_cast<std::uint32_t>(blue), static_cast<std::uint32_t>(alpha));
+}
+
 struct OpaqueFill {
   template <class Real, class Run>
   [[gnu::always_inline]] static void run(const RunColors<Real>& colors, const Run& run,
@@ -36,8 +43,9 @@ struct OpaqueFill {
     const Run own = run;
     for (std::int32_t x = 0, end = pixels; x < end; ++x) {
       const Real at = positionAt<Real>(own, x);
-      setWord(to + 4 * static_cast<std::size_t>(x),
-              wordOf(rounded(r0 + at * r1), rounded(g0 + at * g1), rounded(b0 + at * b1), 255));
+      setWord(
+          to + 4 * static_cast<std::size_t>(x),
+          wordOfLevels(rounded(r0 + at * r1), rounded(g0 + at * g1), rounded(b0 + at * b1), 255));
     }
   }
 };
@@ -56,9 +64,9 @@ struct TranslucentFill {
       const std::int32_t cover = rounded(alpha * 255);
       // Rounding must not lift a component above alpha.
       setWord(to + 4 * static_cast<std::size_t>(x),
-              wordOf(std::min(rounded((r0 + at * r1) * alpha), cover),
-                     std::min(rounded((g0 + at * g1) * alpha), cover),
-                     std::min(rounded((b0 + at * b1) * alpha), cover), cover));
+              wordOfLevels(std::min(rounded((r0 + at * r1) * alpha), cover),
+                           std::min(rounded((g0 + at * g1) * alpha), cover),
+                           std::min(rounded((b0 + at * b1) * alpha), cover), cover));
     }
   }
 };
@@ -97,8 +105,8 @@ void fillRun(std::uint32_t word, std::uint8_t* row, std::size_t pixels) {
 
 std::uint32_t pixelOf(const std::array<double, 4>& levels) {
   const double alpha = levels[3];
-  return wordOf(rounded(levels[0] * alpha), rounded(levels[1] * alpha), rounded(levels[2] * alpha),
-                rounded(255 * alpha));
+  return wordOfLevels(rounded(levels[0] * alpha), rounded(levels[1] * alpha),
+                      rounded(levels[2] * alpha), rounded(255 * alpha));
 }
 
 }  // namespace FrameworkUtility::detail
