@@ -8,7 +8,8 @@ build='g++ cmake ninja-build pkg-config libjpeg-dev libpng-dev liblcms2-dev libi
   libexpat1-dev libcli11-dev libfmt-dev libgtest-dev libgmock-dev'
 check='git clang-14 clang-format-14 clang-tidy-14 libclang-rt-14-dev python3
   libimage-exiftool-perl exiv2 libjpeg-turbo-progs pngcheck imagemagick'
-bench='libboost-dev libexif-dev libexiv2-dev libopencv-imgproc-dev libplist-dev libvips-dev'
+bench='libboost-dev libcairo2-dev libexif-dev libexiv2-dev libopencv-imgproc-dev libplist-dev
+  libvips-dev qtbase5-dev'
 
 case "${1:-build}" in
   build) wanted=$build ;;
