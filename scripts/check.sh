@@ -1,7 +1,7 @@
 #!/bin/bash
 # check.sh [PART...]: what a change must pass beside scripts/test.sh. Without a part those that CI
-# runs: lint, compilers, digest, agreement, package, tidy and asan. By name also tsan, and analyze,
-# which takes half an hour.
+# runs: lint, compilers, digest, agreement, package and asan. By name also tidy, tsan, and analyze,
+# which take long.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 sources() { git ls-files -co --exclude-standard -- "$@"; }
@@ -121,10 +121,10 @@ tidy() {
 }
 analyze() {
   echo '== the analyzer of clang-tidy'
-  clang_tidy --checks='-*,clang-analyzer-*'
+  clang_tidy --checks='-*,clang-analyzer-*,-clang-analyzer-optin.performance.Padding'
 }
 
 scripts/setup.sh check
-[ $# -gt 0 ] || set -- lint compilers digest agreement package tidy asan
+[ $# -gt 0 ] || set -- lint compilers digest agreement package asan
 for part; do "$part"; done
 echo 'check: passed'

@@ -96,7 +96,7 @@ std::string dynamicIdentifier(const detail::DeclaredType* supertype, std::string
 
 }  // namespace
 
-UTType::UTType(std::string extension, const detail::DeclaredType* supertype)
+UTType::UTType(const std::string& extension, const detail::DeclaredType* supertype)
     : declared_(nullptr),
       dynamic_(std::make_shared<const Dynamic>(
           Dynamic{dynamicIdentifier(supertype, extension), extension, supertype})) {}

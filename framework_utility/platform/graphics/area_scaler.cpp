@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <new>
 #include <utility>
 
@@ -26,7 +27,7 @@ PixelSize fittedSize(PixelSize size, std::size_t maxPixelSize) {
   const auto fitted = [&](std::size_t side) {
     const double exact =
         static_cast<double>(side) * static_cast<double>(bound) / static_cast<double>(longer);
-    return std::max<std::size_t>(static_cast<std::size_t>(exact + 0.5), 1);
+    return std::max<std::size_t>(static_cast<std::size_t>(std::llround(exact)), 1);
   };
   return {fitted(size.width), fitted(size.height)};
 }

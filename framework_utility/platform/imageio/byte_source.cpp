@@ -10,7 +10,7 @@ namespace FrameworkUtility::detail {
 namespace {
 
 /// Enough for the metadata of most photographs, little enough for one quick read.
-constexpr std::size_t beginningSize = 16 * 1024;
+constexpr std::size_t beginningSize = std::size_t{16} * 1024;
 
 /// The `count` bytes at `offset`, fewer where the file has become shorter since it was opened.
 std::optional<Data> read(const FileReader& file, std::uint64_t offset, std::size_t count) {
@@ -29,7 +29,7 @@ std::optional<Data> read(const FileReader& file, std::uint64_t offset, std::size
 
 }  // namespace
 
-ByteSource::ByteSource(Data data) : ByteSource(data, nullptr, data.size()) {}
+ByteSource::ByteSource(const Data& data) : ByteSource(data, nullptr, data.size()) {}
 
 ByteSource::ByteSource(Data beginning, std::shared_ptr<const FileReader> file, std::uint64_t size)
     : beginning_(std::make_shared<const Data>(std::move(beginning))),

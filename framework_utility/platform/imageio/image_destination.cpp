@@ -93,7 +93,7 @@ std::unique_ptr<CGImageDestination> CGImageDestination::createInMemory(
 }
 
 void CGImageDestination::addImage(const CGImage& image, const Dictionary& properties,
-                                  std::shared_ptr<const MetadataBlocks> blocks) {
+                                  const std::shared_ptr<const MetadataBlocks>& blocks) {
   if (!contents_->isFinalized) {
     contents_->pictures.push_back({image, requestFor(image, properties, blocks.get())});
   }

@@ -14,8 +14,9 @@ using SharedFailure = std::shared_ptr<const FileFailure>;
 bool fails(const FileFailure& failure, std::string_view operation, std::string_view path,
            Error* error) {
   std::optional<Error> given = failure(operation, path);
-  if (given && error) *error = *std::move(given);
-  return given.has_value();
+  if (!given) return false;
+  if (error) *error = *std::move(given);
+  return true;
 }
 
 class FailingFileReader final : public FileReader {

@@ -257,7 +257,7 @@ const Value* appendExifValue(Dictionary& values, const ExifTag& tag, const TiffR
   if (entry.value.empty()) return nullptr;
   const auto append = [&](auto&& held) -> const Value* {
     if (!held) return nullptr;
-    return &values.append(Key::withConstant(tag.key), *std::move(held));
+    return &values.append(Key::withConstant(tag.key), *std::forward<decltype(held)>(held));
   };
   if (tag.shape == ExifShape::text ||
       (entry.type == TiffType::ascii && tag.shape != ExifShape::comment &&

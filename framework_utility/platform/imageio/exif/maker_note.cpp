@@ -47,7 +47,7 @@ const Value* appendEntry(Dictionary& entries, const TiffReader& note, const Tiff
   if (entry.isDamaged()) return nullptr;
   const auto append = [&](auto&& held) -> const Value* {
     if (!held) return nullptr;
-    return &entries.append(std::to_string(entry.tag), *std::move(held));
+    return &entries.append(std::to_string(entry.tag), *std::forward<decltype(held)>(held));
   };
   if (entry.type == TiffType::ascii || entry.type == TiffType::utf8)
     return append(std::optional(readExifText(entry.value)));
