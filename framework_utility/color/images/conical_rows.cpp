@@ -102,8 +102,9 @@ float fromCenter(std::size_t place, std::size_t side) {
 
 std::uint8_t truncatedByte(double component) {
   const double level = component * 255;
-  if (!(level > -1 && level < 256))
+  if (!(level > -1 && level < 256)) {
     stop("conicalGradientImage: a component is no level of 0...255");
+  }
   return static_cast<std::uint8_t>(level);
 }
 
@@ -137,7 +138,8 @@ void ConicalRows::makeSectors(std::size_t sectorsInSegment) {
     sector.cosine = static_cast<float>(std::cos(middle));
     sector.sine = static_cast<float>(std::sin(middle));
     // Single precision has turned the middle a little.
-    const double turned = std::atan2(sector.sine, sector.cosine);
+    const double turned =
+        std::atan2(static_cast<double>(sector.sine), static_cast<double>(sector.cosine));
     const double part =
         (turned < 0 ? turned + turn : turned) / turn * static_cast<double>(segments) -
         static_cast<double>(segment);
@@ -247,13 +249,14 @@ void ConicalRows::fillRow(std::size_t y, std::uint8_t* row, VectorUnits units) c
   }
   // From left to right the angle falls from half a turn to 0 below the centre, where y is greater,
   // and rises from half a turn to a whole one above it.
+  const bool falls = below > 0;
   const std::size_t count = sectors_.size();
-  std::size_t sector = below > 0 ? (count + 1) / 2 - 1 : count / 2;
-  const std::size_t last = below > 0 ? 0 : count - 1;
+  const std::size_t last = falls ? 0 : count - 1;
+  std::size_t sector = falls ? (count + 1) / 2 - 1 : count / 2;
   std::size_t x = 0;
-  for (; sector != last && x<width_; below> 0 ? --sector : ++sector) {
-    const double crossing =
-        static_cast<double>(width_) * 0.5 + below * cotangents_[below > 0 ? sector : sector + 1];
+  while (sector != last && x < width_) {
+    const double ray = cotangents_[falls ? sector : sector + 1];
+    const double crossing = static_cast<double>(width_) * 0.5 + below * ray;
     const double near = std::nearbyint(crossing);
     const bool meetsPixel = std::abs(crossing - near) < 1e-6;
     const double place = std::clamp(meetsPixel ? near : std::ceil(crossing), static_cast<double>(x),
@@ -265,6 +268,7 @@ void ConicalRows::fillRow(std::size_t y, std::uint8_t* row, VectorUnits units) c
       fillExactly(y, x, x + 1, row);
       ++x;
     }
+    sector = falls ? sector - 1 : sector + 1;
   }
   fillRun(sectors_[last], y, x, width_, row, units);
 }

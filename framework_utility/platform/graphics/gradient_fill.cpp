@@ -7,7 +7,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstring>
-#include <type_traits>
+#include <limits>
 #include <vector>
 
 namespace FrameworkUtility::detail {
@@ -55,35 +55,36 @@ std::uint32_t pixelAt(const GradientSegment& segment, long double position) {
   return pixelOf(levels);
 }
 
-void fillBetween(const GradientSegment& segment, const LinearRow& row, std::int64_t first,
+// These two fill a run by one loop. False when its colours are too steep for that.
+
+bool fillBetween(const GradientSegment& segment, const LinearRow& row, std::int64_t first,
                  std::uint8_t* pixels, std::size_t count) {
   const auto start = static_cast<double>(segment.start + row.at(first) * segment.gain);
   const auto step = static_cast<double>(row.step / row.whole * segment.gain);
   fillRun(runColors<float>(segment, start, step), StraightRun{}, segment.isOpaque, pixels, count);
+  return true;
 }
 
-void fillBetween(const GradientSegment& segment, const RadialRow& row, std::int64_t first,
+bool fillBetween(const GradientSegment& segment, const RadialRow& row, std::int64_t first,
                  std::uint8_t* pixels, std::size_t count) {
   const auto along = static_cast<double>(static_cast<long double>(first) - row.nearest());
   const auto asideSquared = static_cast<double>(row.asideSquared());
   // At the centre itself the part may be far outside 0...1.
   const auto start = static_cast<double>(segment.start);
   const auto step = static_cast<double>(row.gain() * segment.gain);
+  const double end = along + static_cast<double>(count);
+  const double farthest = std::sqrt(std::max(along * along, end * end) + asideSquared);
   const auto fill = [&](auto real) {
     using Real = decltype(real);
+    // Distances and their roots lose no more than three bits; an eighth of a level may be lost.
+    constexpr double precision = 8 * std::numeric_limits<Real>::epsilon();
+    if (!(255 * std::abs(step) * farthest * precision < 0.125)) return false;
     fillRun(runColors<Real>(segment, start, step),
             RadialRun<Real>{static_cast<Real>(along), static_cast<Real>(asideSquared)},
             segment.isOpaque, pixels, count);
+    return true;
   };
-  // Single precision keeps 24 bits, of which the distances and their roots lose no more than 3.
-  const double end = along + static_cast<double>(count);
-  const double farthestSquared = std::max(along * along, end * end) + asideSquared;
-  const double mostLevels = 0.125 * (1 << 21);
-  if (255 * 255 * step * step * farthestSquared < mostLevels * mostLevels) {
-    fill(float{});
-  } else {
-    fill(double{});
-  }
+  return fill(float{}) || fill(double{});
 }
 
 /// Fills one row, run by run.
@@ -106,8 +107,7 @@ class RowFiller {
   }
 
  private:
-  /// Shorter runs are filled pixel by pixel. Steep ones, which could need more than the loops'
-  /// precision, are all among them.
+  /// Shorter runs are filled pixel by pixel.
   static constexpr std::int64_t shortRun = 4;
 
   bool reaches(std::int64_t x, std::size_t stop) const {
@@ -160,12 +160,12 @@ class RowFiller {
     if (reached == 0 || reached == stops_.size()) {
       const Stop& nearest = reached == 0 ? stops_.front() : stops_.back();
       fillRun(pixelOf(levelsOf(nearest.color)), pixels, count);
-    } else if (end - first >= shortRun) {
-      fillBetween(segments_[reached], row_, first, pixels, count);
-    } else {
-      for (std::int64_t x = first; x < end; ++x) {
-        setWord(pixels_ + 4 * x, pixelAt(segments_[reached], row_.at(x)));
-      }
+      return;
+    }
+    const GradientSegment& segment = segments_[reached];
+    if (end - first >= shortRun && fillBetween(segment, row_, first, pixels, count)) return;
+    for (std::int64_t x = first; x < end; ++x) {
+      setWord(pixels_ + 4 * x, pixelAt(segment, row_.at(x)));
     }
   }
 

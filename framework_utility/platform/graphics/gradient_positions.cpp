@@ -11,8 +11,8 @@ using Vector = std::array<long double, 2>;
 
 long double dot(const Vector& a, const Vector& b) { return a[0] * b[0] + a[1] * b[1]; }
 
-/// The inverse of a transform without its division: `place` gives a pixel's point times
-/// `determinant`, as `perX` x + `perY` y + `origin`.
+/// The inverse of a transform without its division: a pixel's point times `determinant` is
+/// `perX` x + `perY` y + `origin`.
 struct Unmapping {
   Vector perX;
   Vector perY;
