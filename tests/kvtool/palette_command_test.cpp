@@ -149,6 +149,7 @@ TEST_F(PaletteCommandTest, WhatCannotBeReadOrWrittenIsReported) {
     EXPECT_THAT(result.problems, HasSubstr("kvtool: ")) << arguments;
   }
   EXPECT_THAT(run("text.png").problems, HasSubstr("no picture in colour"));
+  EXPECT_THAT(run("missing.jpg").problems, HasSubstr("no such file"));
 }
 
 TEST_F(PaletteCommandTest, ACommandLineThatCannotBeUnderstoodGivesTwo) {

@@ -92,7 +92,7 @@ bool printPalette(const PaletteOptions& options) {
   const auto result = analyzeImageWithQuality(URL::fileURLWithPath(options.file),
                                               qualityNamed(options.quality), options.count);
   if (!result) {
-    printProblem(options.file, "there is no picture in colour that can be decoded");
+    printNoPicture(options.file, "picture in colour");
     return false;
   }
   if (options.json)

@@ -11,6 +11,13 @@ namespace kvtool {
 
 using namespace FrameworkUtility;
 
+void printNoPicture(const std::string& file, std::string_view what) {
+  if (FileManager::defaultManager().fileExistsAtPath(file))
+    printProblem(file, fmt::format("there is no {} that can be decoded", what));
+  else
+    printProblem(file, "there is no such file");
+}
+
 bool writePicture(const CGImage& picture, std::string_view typeIdentifier,
                   const std::string& file) {
   const std::unique_ptr<CGImageDestination> destination =

@@ -15,7 +15,7 @@ bool writeThumbnail(const ThumbnailOptions& options) {
   const std::optional<UIImage> thumbnail =
       thumbnailForImageAtURL(URL::fileURLWithPath(options.file), {side, side});
   if (!thumbnail) {
-    printProblem(options.file, "there is no picture that can be decoded");
+    printNoPicture(options.file, "picture");
     return false;
   }
   const UTType type = robustType(paths::pathExtension(options.out)).value_or(UTTypeJPEG);
