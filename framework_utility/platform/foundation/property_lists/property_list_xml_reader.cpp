@@ -302,11 +302,31 @@ class Reader {
   bool isRefused_ = false;
 };
 
+// Whether an XML document can begin so. Making a parser costs system calls, which bytes that are no
+// list at all, as most of a maker note's, are spared.
+bool canBeXML(std::span<const std::byte> data) {
+  const auto first = std::find_if(data.begin(), data.end(), [](std::byte byte) {
+    return byte != std::byte{' '} && byte != std::byte{'\t'} && byte != std::byte{'\n'} &&
+           byte != std::byte{'\r'};
+  });
+  if (first == data.end()) return false;
+  switch (std::to_integer<unsigned char>(*first)) {
+    case '<':
+    case 0xEF:  // the mark of UTF-8
+    case 0xFE:  // those of UTF-16
+    case 0xFF:
+    case 0:  // UTF-16 without one
+      return true;
+    default:
+      return false;
+  }
+}
+
 }  // namespace
 
 std::optional<Value> detail::readXMLPropertyList(std::span<const std::byte> data,
                                                  const PropertyListLimits& limits) {
-  return Reader(data, limits).read();
+  return canBeXML(data) ? Reader(data, limits).read() : std::nullopt;
 }
 
 }  // namespace FrameworkUtility
