@@ -64,6 +64,8 @@ TEST(PropertyListXMLTest, ValuesAreReadWithTheirKinds) {
   EXPECT_EQ(PropertyListUID::numberIn(*read("<dict><key>CF$UID</key><integer>7</integer></dict>")),
             7U);
   EXPECT_EQ(readBytes("<plist><string>bare</string></plist>"), Value("bare"));
+  EXPECT_EQ(readBytes("\xEF\xBB\xBF<plist><string>marked</string></plist>"), Value("marked"));
+  EXPECT_EQ(readBytes(" \r\n\t<plist><string>late</string></plist>"), Value("late"));
   const std::string wide = "<plist><true/></plist>";
   std::string utf16 = "\xFF\xFE";
   for (const char c : wide) (utf16 += c) += '\0';
