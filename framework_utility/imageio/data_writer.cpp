@@ -20,8 +20,9 @@ std::optional<URL> writeToDisk(std::span<const std::byte> data, const std::optio
   if (!folder) return fail(error, NSDataWriteToDiskError::noFolder);
 
   const std::string path = *folder + "/" + name;
-  if (!FileManager::defaultManager().writeAtomically(data, path, nullptr))
-    return fail(error, NSDataWriteToDiskError::writeFailed);
+  Error cause;
+  if (!FileManager::defaultManager().writeAtomically(data, path, &cause))
+    return fail(error, NSDataWriteToDiskError::writeFailed, cause);
   return URL::fileURLWithPath(path);
 }
 

@@ -14,4 +14,10 @@ inline std::nullopt_t fail(Error* error, const ErrorCode& code,
   return std::nullopt;
 }
 
+/// The same where the file system or a codec is the cause.
+inline std::nullopt_t fail(Error* error, const ErrorCode& code, const Error& cause) {
+  if (error) *error = errorWithCode(code, std::nullopt, withDiskSpaceReport(cause));
+  return std::nullopt;
+}
+
 }  // namespace FrameworkUtility::detail

@@ -59,13 +59,16 @@ std::optional<URL> writeCGImageToURL(const std::optional<CGImage>& image, const 
   KvImageMetadata& metadata = options.metadata ? *options.metadata : none;
   metadata.addImage(image, destination.get(),
                     options.compressionQuality.value_or(jpegCompressionQualityDefault));
-  if (!destination->finalize()) return fail(error, CGImageWriteToDiskError::finalizeFailed);
+  Error cause;
+  if (!destination->finalize(&cause))
+    return fail(error, CGImageWriteToDiskError::finalizeFailed, cause);
   return target;
 }
 
 std::optional<std::string> writeCGImageToPath(const std::optional<CGImage>& image,
                                               std::string_view path,
                                               const ImageWriteOptions& options, Error* error) {
+  if (!image) return fail(error, CGImageWriteToDiskError::imageIsNil);
   if (path.empty()) return fail(error, CGImageWriteToDiskError::noPath);
   const std::optional<URL> written =
       writeCGImageToURL(image, URL::fileURLWithPath(path), options, error);

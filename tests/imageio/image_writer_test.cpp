@@ -2,6 +2,7 @@
 
 #include <framework_utility/imageio/image_metadata.h>
 #include <framework_utility/platform/foundation/application.h>
+#include <framework_utility/platform/foundation/file_error.h>
 #include <framework_utility/platform/foundation/files.h>
 #include <framework_utility/platform/foundation/user_defaults.h>
 #include <framework_utility/platform/imageio/property_keys.h>
@@ -71,6 +72,7 @@ TEST_F(ImageWriterTest, EveryFailureOfTheCoreHasItsError) {
     UTType type;
     ErrorCode code;
     std::string more = "";
+    std::string cause = Error().localizedDescription();
   };
   for (const Case& c :
        {Case{std::nullopt, url("a.jpeg"), UTTypeImage, CGImageWriteToDiskError::imageIsNil},
@@ -79,12 +81,18 @@ TEST_F(ImageWriterTest, EveryFailureOfTheCoreHasItsError) {
              CGImageWriteToDiskError::noExtension},
         Case{image_, url("a.jpeg"), UTTypeWebP, CGImageWriteToDiskError::noDestination,
              "org.webmproject.webp"},
-        Case{image_, url("file/a.jpeg"), UTTypeJPEG, CGImageWriteToDiskError::finalizeFailed}}) {
+        Case{image_, url("file/a.jpeg"), UTTypeJPEG, CGImageWriteToDiskError::finalizeFailed, "",
+             Error("NSCocoaErrorDomain", NSFileWriteUnknownError).localizedDescription()},
+        Case{redAndBlue(65'501, 1), url("a.jpeg"), UTTypeJPEG,
+             CGImageWriteToDiskError::finalizeFailed, "",
+             "Maximum supported image dimension is 65500 pixels"}}) {
     SCOPED_TRACE(c.code.message);
     Error error;
     EXPECT_FALSE(writeCGImageToURL(c.image, c.url, {.uti = c.type}, &error));
     EXPECT_THAT(error, IsError(std::string(c.code.domain), c.code.code,
                                std::string(c.code.message) + c.more));
+    const Error cause = error.underlyingError().value_or(Error());
+    EXPECT_EQ(cause.localizedDescription(), c.cause);
   }
   EXPECT_EQ(testing::namesIn(folder_.path()), std::vector<std::string>{"file"});
 }
@@ -119,6 +127,8 @@ TEST_F(ImageWriterTest, ThePathFormsAnswerThePathWritten) {
   EXPECT_EQ(writeJpegToUrl(UIImage(image_), url("d"), 0.5), url("d.jpeg"));
   EXPECT_EQ(writeToURL(UIImage(image_), url("e")), url("e.jpeg"));
   Error error;
+  EXPECT_FALSE(writeCGImageToPath(std::nullopt, "", {}, &error));
+  EXPECT_THAT(error, IsError(CGImageWriteToDiskError::imageIsNil));  // asked first
   EXPECT_FALSE(writeCGImageToPath(image_, "", {}, &error));
   EXPECT_THAT(error, IsError(CGImageWriteToDiskError::noPath));
   EXPECT_FALSE(writeToPath(UIImage::withoutBitmap({5, 5}), path("f"), {}, &error));

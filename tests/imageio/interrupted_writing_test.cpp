@@ -4,15 +4,21 @@
 #include <framework_utility/imageio/data_writer.h>
 #include <framework_utility/imageio/image_metadata.h>
 #include <framework_utility/imageio/image_writer.h>
+#include <framework_utility/platform/foundation/file_error.h>
 #include <framework_utility/platform/foundation/files.h>
+#include <framework_utility/platform/locale/locale.h>
 #include <tests/imageio/pictures.h>
+#include <tests/support/is_error.h>
+#include <tests/support/small_disk.h>
 #include <tests/support/temporary_folder.h>
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <chrono>
 #include <csignal>
 #include <cstdlib>
@@ -84,6 +90,40 @@ TEST(InterruptedWritingTest, AFailingDiskLeavesAllBytesOrNone) {
         EXPECT_TRUE(entry.is_directory()) << entry.path();
     }
   });
+}
+
+/// Both writers tell a full disk as one, with the report of the disk that is full.
+TEST(InterruptedWritingTest, AFullDiskIsTheCauseOfWhatFails) {
+  const std::string disk = temporaryDirectory();
+  const std::optional<bool> held = testing::runOnSmallDisk(disk, [&] {
+    const ScopedLocale english(Locale("en_US"));
+    const CGImage image = redAndBlue(4000, 500);
+    const std::vector<std::byte> bytes(1 << 20);
+    using Save = std::function<bool(Error*)>;
+    for (const auto& [code, save] :
+         {std::pair<ErrorCode, Save>{CGImageWriteToDiskError::finalizeFailed,
+                                     [&](Error* error) {
+                                       return writeCGImageToPath(image, disk + "a",
+                                                                 {.compressionQuality = 1}, error)
+                                           .has_value();
+                                     }},
+          {NSDataWriteToDiskError::writeFailed, [&](Error* error) {
+             return writeToDisk(bytes, UTTypeJPEG, "Full-1", error).has_value();
+           }}}) {
+      testing::writeFile(disk + "rest", Data(std::vector<std::byte>(250'000)));
+      Error error;
+      EXPECT_FALSE(save(&error));
+      EXPECT_THAT(error, testing::IsError(code));
+      const Error cause = error.underlyingError().value_or(Error());
+      EXPECT_EQ(cause.code(), NSFileWriteOutOfSpaceError);
+      EXPECT_THAT(cause.localizedDescription(),
+                  ::testing::MatchesRegex("No space left on device .disk space used 2[0-9]+ KB, "
+                                          "free [0-9]+ (bytes|KB), total 256 KB."));
+      EXPECT_EQ(cause.underlyingError().value_or(Error()).code(), ENOSPC);
+    }
+  });
+  if (!held) GTEST_SKIP() << "this system lets nobody mount a small disk";
+  EXPECT_TRUE(*held);
 }
 
 /// A process of its own that runs `work` until it ends or is killed.

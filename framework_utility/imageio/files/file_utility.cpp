@@ -163,7 +163,9 @@ std::optional<URL> duplicateFileAtUrl(FileManager& files, const URL& url, Error*
   const std::string copy = paths::appendingPathComponent(folder, name);
   Error cause;
   if (!files.copyItemAtPath(path, copy, &cause)) {
-    if (error) *error = errorWithCode(FileManagerDuplicateError::copyFailed, std::nullopt, cause);
+    if (error)
+      *error = errorWithCode(FileManagerDuplicateError::copyFailed, std::nullopt,
+                             withDiskSpaceReport(cause));
     return std::nullopt;
   }
   return URL::fileURLWithPath(copy);

@@ -1,5 +1,6 @@
 #include <framework_utility/platform/imageio/image_codec.h>
 
+#include <framework_utility/platform/foundation/file_error.h>
 #include <framework_utility/platform/imageio/jpeg/jpeg_codec.h>
 #include <framework_utility/platform/imageio/png/png_codec.h>
 
@@ -10,6 +11,12 @@ namespace FrameworkUtility::detail {
 std::span<const ImageCodec* const> imageCodecs() {
   static const std::array<const ImageCodec*, 2> codecs = {&jpegCodec(), &pngCodec()};
   return codecs;
+}
+
+bool cannotEncode(std::string_view why, Error* error) {
+  if (error)
+    *error = Error(NSCocoaErrorDomain, NSFileWriteUnknownError, {{NSLocalizedDescriptionKey, why}});
+  return false;
 }
 
 }  // namespace FrameworkUtility::detail

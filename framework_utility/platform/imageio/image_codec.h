@@ -1,6 +1,7 @@
 #pragma once
 
 #include <framework_utility/platform/foundation/data.h>
+#include <framework_utility/platform/foundation/error.h>
 #include <framework_utility/platform/foundation/value.h>
 #include <framework_utility/platform/graphics/cg_image.h>
 #include <framework_utility/platform/imageio/byte_source.h>
@@ -56,10 +57,14 @@ class ImageCodec {
   /// The image reduced so that no side exceeds `maxPixelSize`, never enlarged, not turned.
   virtual std::optional<CGImage> decodeReduced(const ByteSource& source, const ImageHeader& header,
                                                std::size_t maxPixelSize) const = 0;
-  /// False when the format cannot hold the image or is not written at all.
+  /// False, by `cannotEncode`, when the format cannot hold the image or memory is short.
   virtual bool encode(const CGImage& image, const EncodeRequest& request,
-                      std::vector<std::byte>& out) const = 0;
+                      std::vector<std::byte>& out, Error* error) const = 0;
 };
+
+/// Fills `error`, when there is one, and answers false: why an image does not become a file, in
+/// plain words, the codec's own where it gave some.
+bool cannotEncode(std::string_view why, Error* error);
 
 /// Every format that this build reads or writes.
 std::span<const ImageCodec* const> imageCodecs();

@@ -102,21 +102,24 @@ void CGImageDestination::addImage(const CGImage& image, const Dictionary& proper
 // None of the formats written here holds auxiliary data.
 void CGImageDestination::addAuxiliaryDataInfo(std::string_view, const Dictionary&) {}
 
-bool CGImageDestination::finalize() {
+bool CGImageDestination::finalize(Error* error) {
+  if (std::exchange(contents_->isFinalized, true)) {
+    return detail::cannotEncode("the image file was finished before", error);
+  }
   // Every format written here holds one image.
-  const bool isReady = !contents_->isFinalized && contents_->count == 1 &&
-                       contents_->pictures.size() == contents_->count;
-  contents_->isFinalized = true;
-  if (!isReady) {
-    return false;
+  if (contents_->count != 1 || contents_->pictures.size() != 1) {
+    return detail::cannotEncode("an image file of " + std::to_string(contents_->count) +
+                                    " images was announced and has " +
+                                    std::to_string(contents_->pictures.size()) + "; it must be 1",
+                                error);
   }
   const Contents::Picture& picture = contents_->pictures.front();
   std::vector<std::byte> bytes;
-  if (!contents_->codec->encode(picture.image, picture.request, bytes)) {
+  if (!contents_->codec->encode(picture.image, picture.request, bytes, error)) {
     return false;
   }
   if (contents_->path) {
-    return FileManager::defaultManager().writeAtomically(bytes, *contents_->path, nullptr);
+    return FileManager::defaultManager().writeAtomically(bytes, *contents_->path, error);
   }
   contents_->data = Data(std::move(bytes));
   return true;

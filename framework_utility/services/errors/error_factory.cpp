@@ -1,7 +1,9 @@
 #include <framework_utility/services/errors/error_factory.h>
 
 #include <framework_utility/platform/foundation/application.h>
+#include <framework_utility/platform/foundation/file_error.h>
 #include <framework_utility/platform/foundation/files.h>
+#include <framework_utility/platform/foundation/path.h>
 #include <framework_utility/platform/foundation/value.h>
 #include <framework_utility/platform/locale/byte_count_formatter.h>
 
@@ -32,10 +34,11 @@ Error errorWithCode(const ErrorCode& code, std::optional<std::string_view> descr
                          underlyingError);
 }
 
-std::string diskSpaceReport(std::optional<std::string_view> lead) {
+std::string diskSpaceReport(std::optional<std::string_view> lead,
+                            std::optional<std::string_view> path) {
   const FileSystemAttributes volume =
       FileManager::defaultManager()
-          .attributesOfFileSystemForPath(application().homeDirectory, nullptr)
+          .attributesOfFileSystemForPath(path.value_or(application().homeDirectory), nullptr)
           .value_or(FileSystemAttributes{});
   const ByteCountFormatter formatter;
   std::string report;
@@ -47,6 +50,20 @@ std::string diskSpaceReport(std::optional<std::string_view> lead) {
       .append(", total ")
       .append(formatter.stringFromByteCount(volume.totalSize))
       .append(")");
+}
+
+Error withDiskSpaceReport(const Error& cause) {
+  if (cause.domain() != NSCocoaErrorDomain || cause.code() != NSFileWriteOutOfSpaceError)
+    return cause;
+  Dictionary userInfo = cause.userInfo();
+  const std::string* file = userInfo.get<std::string>(NSFilePathErrorKey);
+  // The file itself is hardly there. A bare name stands in the working directory.
+  std::string folder = file ? paths::deletingLastPathComponent(*file) : std::string();
+  if (folder.empty()) folder = ".";
+  // The system's own words, "No space left on device" or that a quota is used up.
+  const std::string lead = cause.underlyingError().value_or(cause).localizedDescription();
+  userInfo.set(Key::withConstant(NSLocalizedDescriptionKey), diskSpaceReport(lead, folder));
+  return Error(cause.domain(), cause.code(), std::move(userInfo));
 }
 
 }  // namespace FrameworkUtility

@@ -1,4 +1,4 @@
-#include <framework_utility/platform/foundation/files.h>
+#include <framework_utility/platform/foundation/file_error.h>
 #include <framework_utility/platform/graphics/ui_image.h>
 #include <framework_utility/platform/imageio/image_destination.h>
 #include <framework_utility/platform/imageio/image_source.h>
@@ -47,9 +47,12 @@ TEST(ImageDestination, HasAsManyImagesAsAnnounced) {
         destination->addImage(image);
       }
       EXPECT_FALSE(std::filesystem::exists(path)) << "before it is finalized";
-      EXPECT_EQ(destination->finalize(), isWhole);
+      Error error;
+      EXPECT_EQ(destination->finalize(&error), isWhole);
       EXPECT_EQ(std::filesystem::exists(path), isWhole);
-      EXPECT_FALSE(destination->finalize()) << "a second time";
+      EXPECT_EQ(error.code(), isWhole ? 0 : NSFileWriteUnknownError);
+      EXPECT_FALSE(destination->finalize(&error)) << "a second time";
+      EXPECT_EQ(error.localizedDescription(), "the image file was finished before");
       EXPECT_FALSE(destination->data());
     }
   }
@@ -59,15 +62,17 @@ TEST(ImageDestination, ReplacesAFileOnlyByAWholeOne) {
   const TemporaryFolder folder;
   const std::string path = folder.path("a.jpeg");
   std::ofstream(path) << "old";
+  Error error;
   const auto write = [&](std::size_t width) {
     const auto destination =
         CGImageDestination::createWithURL(URL::fileURLWithPath(path), "public.jpeg", 1);
     destination->addImage(makeImage(width, 1, CGColorSpace::createDeviceGray(),
                                     CGImageAlphaInfo::none,
                                     [](std::size_t, std::size_t) { return Pixel{9}; }));
-    return destination->finalize();
+    return destination->finalize(&error);
   };
   EXPECT_FALSE(write(70'000));
+  EXPECT_EQ(error.localizedDescription(), "Maximum supported image dimension is 65500 pixels");
   EXPECT_EQ(contentsOf(path), "old");
   EXPECT_TRUE(write(7));
   EXPECT_EQ(CGImageSource::createWithURL(URL::fileURLWithPath(path))->imageAtIndex(0)->width(), 7U);
@@ -81,7 +86,9 @@ TEST(ImageDestination, FailsWhereTheFileCannotBeWritten) {
   const auto destination =
       CGImageDestination::createWithURL(URL::fileURLWithPath(path), "public.jpeg", 1);
   destination->addImage(quarters(8, 8));
-  EXPECT_FALSE(destination->finalize());
+  Error error;
+  EXPECT_FALSE(destination->finalize(&error));
+  EXPECT_EQ(error.code(), NSFileNoSuchFileError);
   EXPECT_TRUE(std::filesystem::is_empty(folder.path()));
 }
 

@@ -29,7 +29,7 @@ std::optional<CGImage> decode(std::string_view bytes) {
 
 std::string encode(const CGImage& image, const EncodeRequest& request = {}) {
   std::vector<std::byte> out;
-  return detail::encodeJpeg(image, request, out) ? textOf(Data(std::move(out))) : "";
+  return detail::encodeJpeg(image, request, out, nullptr) ? textOf(Data(std::move(out))) : "";
 }
 
 EncodeRequest atQuality(double quality) {

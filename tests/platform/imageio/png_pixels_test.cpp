@@ -216,7 +216,7 @@ TEST(PngPixelsTest, WritesWhatItReadsBack) {
                  << " bits a pixel, alpha " << static_cast<std::uint32_t>(c.layout.alphaInfo));
     const auto image = CGImage::create(c.layout, c.space, dataOf(noise(c.layout.bytesPerRow * h)));
     std::vector<std::byte> file;
-    ASSERT_TRUE(pngCodec().encode(image.value(), {}, file));
+    ASSERT_TRUE(pngCodec().encode(image.value(), {}, file, nullptr));
     const auto back = decoded(Data(file));
     ASSERT_TRUE(back);
     EXPECT_EQ(back->layout().bitsPerComponent, c.layout.bitsPerComponent);
@@ -242,7 +242,7 @@ TEST(PngPixelsTest, WritesMetadataThatItReadsBack) {
                        {"Unheard of", "text"}};
   request.properties = Dictionary{{"DPIWidth", 300}, {"DPIHeight", 150.5}, {"{PNG}", png}};
   std::vector<std::byte> file;
-  ASSERT_TRUE(pngCodec().encode(image.value(), request, file));
+  ASSERT_TRUE(pngCodec().encode(image.value(), request, file, nullptr));
 
   const ImageHeader header = pngCodec().readHeader(ByteSource(Data(file)));
   EXPECT_EQ(header.status, CGImageSourceStatus::complete);
@@ -270,7 +270,7 @@ TEST(PngPixelsTest, KeepsAResolutionThatNobodyChanged) {
     EncodeRequest request;
     request.properties = std::move(properties);
     std::vector<std::byte> file;
-    EXPECT_TRUE(pngCodec().encode(image.value(), request, file));
+    EXPECT_TRUE(pngCodec().encode(image.value(), request, file, nullptr));
     const ImageHeader header = pngCodec().readHeader(ByteSource(Data(file)));
     const auto* png = header.formatProperties.get<Dictionary>("{PNG}");
     const auto* number = png->get<Number>("XPixelsPerMeter");

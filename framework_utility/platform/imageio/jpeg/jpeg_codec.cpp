@@ -31,9 +31,9 @@ class JpegCodec final : public ImageCodec {
     return decodeJpegReduced(source, header, maxPixelSize);
   }
 
-  bool encode(const CGImage& image, const EncodeRequest& request,
-              std::vector<std::byte>& out) const override {
-    return encodeJpeg(image, request, out);
+  bool encode(const CGImage& image, const EncodeRequest& request, std::vector<std::byte>& out,
+              Error* error) const override {
+    return encodeJpeg(image, request, out, error);
   }
 };
 

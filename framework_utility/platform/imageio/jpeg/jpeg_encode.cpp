@@ -172,10 +172,11 @@ bool profileFits(const EncodeRequest& request, const CGImage& image, const Encod
 
 }  // namespace
 
-bool encodeJpeg(const CGImage& image, const EncodeRequest& request, std::vector<std::byte>& out) {
+bool encodeJpeg(const CGImage& image, const EncodeRequest& request, std::vector<std::byte>& out,
+                Error* error) {
   std::optional<EncoderRows> rows = EncoderRows::of(image);
   if (!rows) {
-    return false;
+    return cannotEncode("JPEG cannot hold the colours of this image", error);
   }
   const MetadataBlocks& blocks = request.blocks;
   const bool hasExif = fits(jpegExifSignature, blocks.exif);
@@ -191,14 +192,14 @@ bool encodeJpeg(const CGImage& image, const EncodeRequest& request, std::vector<
       (hasExif && !writer.writeSegment(JPEG_APP0 + 1, jpegExifSignature, blocks.exif)) ||
       !writeXmp(writer, blocks) || !writeImageResources(writer, blocks.imageResources) ||
       (profileFits(request, image, *rows) && !writer.writeProfile(request.iccProfile))) {
-    return false;
+    return cannotEncode(writer.problem(), error);
   }
   for (std::size_t y = 0; y < image.height(); ++y) {
     if (!writer.writeRow(rows->row(y))) {
-      return false;
+      return cannotEncode(writer.problem(), error);
     }
   }
-  return writer.finish();
+  return writer.finish() || cannotEncode(writer.problem(), error);
 }
 
 }  // namespace FrameworkUtility::detail

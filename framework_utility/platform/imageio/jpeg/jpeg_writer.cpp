@@ -100,4 +100,10 @@ bool JpegWriter::finish() {
   return jpegSucceeds(errors_, [&] { jpeg_finish_compress(&info_); });
 }
 
+std::string JpegWriter::problem() {
+  std::array<char, JMSG_LENGTH_MAX> text;
+  errors_.format_message(reinterpret_cast<j_common_ptr>(&info_), text.data());
+  return text.data();
+}
+
 }  // namespace FrameworkUtility::detail

@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <span>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -43,6 +44,9 @@ class JpegWriter {
   bool writeProfile(std::span<const std::byte> profile);
   bool writeRow(const std::uint8_t* row);
   bool finish();
+
+  /// After a false: what libjpeg said.
+  std::string problem();
 
  private:
   struct Destination : jpeg_destination_mgr {

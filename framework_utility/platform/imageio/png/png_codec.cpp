@@ -30,9 +30,9 @@ class PngCodec final : public ImageCodec {
     return decodePngReduced(source, header, maxPixelSize);
   }
 
-  bool encode(const CGImage& image, const EncodeRequest& request,
-              std::vector<std::byte>& out) const override {
-    return encodePng(image, request, out);
+  bool encode(const CGImage& image, const EncodeRequest& request, std::vector<std::byte>& out,
+              Error* error) const override {
+    return encodePng(image, request, out, error);
   }
 };
 

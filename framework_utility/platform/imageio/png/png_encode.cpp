@@ -172,9 +172,12 @@ bool writeRows(PngWriter& writer, const CGImage& image, const RGBARows& rows,
   return true;
 }
 
-bool encode(const CGImage& image, const EncodeRequest& request, std::vector<std::byte>& out) {
+bool encode(const CGImage& image, const EncodeRequest& request, std::vector<std::byte>& out,
+            Error* error) {
   const std::optional<RGBARows> rows = RGBARows::of(image, AlphaForm::straight);
-  if (!rows || image.width() > 0x7FFFFFFF || image.height() > 0x7FFFFFFF) return false;
+  if (!rows) return cannotEncode("PNG cannot hold the colours of this image", error);
+  if (image.width() > 0x7FFFFFFF || image.height() > 0x7FFFFFFF)
+    return cannotEncode("a side of more than 2147483647 pixels does not fit into PNG", error);
   const std::optional<CGColorSpace>& space = image.colorSpace();
   const bool isGray = !space || space->model() == CGColorSpaceModel::monochrome;
   const bool isCmyk = space && space->model() == CGColorSpaceModel::cmyk;
@@ -185,23 +188,26 @@ bool encode(const CGImage& image, const EncodeRequest& request, std::vector<std:
 
   PngWriter writer(out);
   // The inks' profile says nothing of the light that they became.
-  return writer.start({static_cast<std::uint32_t>(image.width()),
-                       static_cast<std::uint32_t>(image.height()), isWide ? 16 : 8,
-                       static_cast<int>(components)}) &&
-         writeColorSpace(writer, isCmyk ? Data() : request.iccProfile, isGray) &&
-         writeResolution(writer, request.properties, png) && writeMetadata(writer, request, png) &&
-         (isWide ? writeRows<std::uint16_t>(writer, image, *rows, components)
-                 : writeRows<std::uint8_t>(writer, image, *rows, components)) &&
-         writer.finish();
+  const bool isWhole = writer.start({static_cast<std::uint32_t>(image.width()),
+                                     static_cast<std::uint32_t>(image.height()), isWide ? 16 : 8,
+                                     static_cast<int>(components)}) &&
+                       writeColorSpace(writer, isCmyk ? Data() : request.iccProfile, isGray) &&
+                       writeResolution(writer, request.properties, png) &&
+                       writeMetadata(writer, request, png) &&
+                       (isWide ? writeRows<std::uint16_t>(writer, image, *rows, components)
+                               : writeRows<std::uint8_t>(writer, image, *rows, components)) &&
+                       writer.finish();
+  return isWhole || cannotEncode(writer.problem(), error);
 }
 
 }  // namespace
 
-bool encodePng(const CGImage& image, const EncodeRequest& request, std::vector<std::byte>& out) {
+bool encodePng(const CGImage& image, const EncodeRequest& request, std::vector<std::byte>& out,
+               Error* error) {
   try {
-    return encode(image, request, out);
+    return encode(image, request, out, error);
   } catch (const std::bad_alloc&) {
-    return false;
+    return cannotEncode(pngMemoryIsShort, error);
   }
 }
 

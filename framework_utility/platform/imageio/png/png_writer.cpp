@@ -1,6 +1,8 @@
 #include <framework_utility/platform/imageio/png/png_writer.h>
 
+#include <array>
 #include <csetjmp>
+#include <cstdio>
 #include <new>
 
 #include <png.h>
@@ -10,7 +12,13 @@ namespace FrameworkUtility::detail {
 
 namespace {
 
-[[noreturn]] void jumpOut(png_structp png, png_const_charp) { png_longjmp(png, 1); }
+using Message = std::array<char, 256>;
+
+[[noreturn]] void jumpOut(png_structp png, png_const_charp message) {
+  auto& kept = *static_cast<Message*>(png_get_error_ptr(png));
+  std::snprintf(kept.data(), kept.size(), "%s", message);
+  png_longjmp(png, 1);
+}
 
 void ignoreWarning(png_structp, png_const_charp) {}
 
@@ -26,7 +34,7 @@ bool append(std::vector<std::byte>& out, const std::uint8_t* bytes, std::size_t 
 
 void write(png_structp png, png_bytep bytes, std::size_t count) {
   auto* out = static_cast<std::vector<std::byte>*>(png_get_io_ptr(png));
-  if (!append(*out, bytes, count)) png_error(png, "no memory");
+  if (!append(*out, bytes, count)) png_error(png, pngMemoryIsShort.data());
 }
 
 void flush(png_structp) {}
@@ -44,11 +52,13 @@ struct PngWriter::State {
 
   png_structp png = nullptr;
   png_infop info = nullptr;
+  Message message{};  // empty until libpng gives up
 };
 
 PngWriter::PngWriter(std::vector<std::byte>& out) : state_(std::make_unique<State>()) {
   State& state = *state_;
-  state.png = png_create_write_struct(PNG_LIBPNG_VER_STRING, nullptr, jumpOut, ignoreWarning);
+  state.png =
+      png_create_write_struct(PNG_LIBPNG_VER_STRING, &state.message, jumpOut, ignoreWarning);
   if (!state.png) return;
   state.info = png_create_info_struct(state.png);
   png_set_write_fn(state.png, &out, write, flush);
@@ -80,8 +90,8 @@ bool PngWriter::start(const Picture& picture) {
 }
 
 bool PngWriter::writeChunk(const char (&type)[5], std::span<const std::byte> data) {
-  if (data.size() > PNG_UINT_31_MAX) return false;
   if (setjmp(png_jmpbuf(state_->png)) != 0) return false;
+  if (data.size() > PNG_UINT_31_MAX) png_error(state_->png, "a chunk is too long");
   png_write_chunk(state_->png, reinterpret_cast<png_const_bytep>(type),
                   reinterpret_cast<png_const_bytep>(data.data()), data.size());
   return true;
@@ -97,6 +107,11 @@ bool PngWriter::finish() {
   if (setjmp(png_jmpbuf(state_->png)) != 0) return false;
   png_write_end(state_->png, nullptr);
   return true;
+}
+
+std::string PngWriter::problem() const {
+  const char* const said = state_->message.data();
+  return *said ? said : std::string(pngMemoryIsShort);
 }
 
 }  // namespace FrameworkUtility::detail

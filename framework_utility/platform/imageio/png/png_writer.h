@@ -4,9 +4,13 @@
 #include <cstdint>
 #include <memory>
 #include <span>
+#include <string>
+#include <string_view>
 #include <vector>
 
 namespace FrameworkUtility::detail {
+
+inline constexpr std::string_view pngMemoryIsShort = "there is not enough memory";
 
 /// libpng's writer behind a C++ face. After a false it is of no more use, and `out` of none at all.
 class PngWriter {
@@ -31,6 +35,9 @@ class PngWriter {
   /// 16-bit components with the high byte first.
   [[nodiscard]] bool writeRow(const std::uint8_t* row);
   [[nodiscard]] bool finish();
+
+  /// After a false: what libpng said; that memory is short when it said nothing.
+  std::string problem() const;
 
  private:
   struct State;
