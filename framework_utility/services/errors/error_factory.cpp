@@ -58,8 +58,8 @@ Error withDiskSpaceReport(const Error& cause) {
   Dictionary userInfo = cause.userInfo();
   const std::string* file = userInfo.get<std::string>(NSFilePathErrorKey);
   // The file itself is hardly there. A bare name stands in the working directory.
-  std::string folder = file ? paths::deletingLastPathComponent(*file) : std::string();
-  if (folder.empty()) folder = ".";
+  const std::string beside = file ? paths::deletingLastPathComponent(*file) : std::string();
+  const std::string_view folder = beside.empty() ? std::string_view(".") : beside;
   // The system's own words, "No space left on device" or that a quota is used up.
   const std::string lead = cause.underlyingError().value_or(cause).localizedDescription();
   userInfo.set(Key::withConstant(NSLocalizedDescriptionKey), diskSpaceReport(lead, folder));
