@@ -21,8 +21,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   if (header.status != CGImageSourceStatus::complete || header.width > largest / header.height) {
     return 0;
   }
-  codec.decodeReduced(source, header, 7);
-  const std::optional<CGImage> image = codec.decode(source, header);
+  codec.decodeReduced(source, header, 7, {});
+  const std::optional<CGImage> image = codec.decode(source, header, {});
   if (!image) return 0;
 
   detail::EncodeRequest request;
@@ -35,7 +35,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const detail::ImageHeader other = codec.readHeader(again);
   if (other.status != CGImageSourceStatus::complete || other.width != header.width ||
       other.height != header.height || other.blocks.exif != header.blocks.exif ||
-      other.blocks.xmp != header.blocks.xmp || !codec.decode(again, other)) {
+      other.blocks.xmp != header.blocks.xmp || !codec.decode(again, other, {})) {
     std::abort();
   }
   return 0;

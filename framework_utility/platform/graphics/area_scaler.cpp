@@ -79,6 +79,11 @@ std::optional<AreaScaler> AreaScaler::create(PixelSize source, PixelSize target,
   }
 }
 
+std::uint64_t AreaScaler::memory(PixelSize source, PixelSize target, std::size_t components) {
+  return source.width * components * (sizeof(float) + sizeof(std::uint16_t)) +
+         target.width * sizeof(Span);
+}
+
 bool AreaScaler::push(const std::uint8_t* sourceRow, std::uint8_t* targetRow) {
   end_ += target_.height;
   if (end_ < boundary_) {

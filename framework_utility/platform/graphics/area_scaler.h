@@ -34,6 +34,9 @@ class AreaScaler {
   static std::optional<AreaScaler> create(PixelSize source, PixelSize target,
                                           std::size_t components);
 
+  /// How many bytes a scaler of these sizes takes.
+  static std::uint64_t memory(PixelSize source, PixelSize target, std::size_t components);
+
   /// Takes the next row, top first. True when it completes one of the target, which is then in
   /// `targetRow`; a row completes one at most.
   bool push(const std::uint8_t* sourceRow, std::uint8_t* targetRow);

@@ -1,6 +1,9 @@
 #include <framework_utility/platform/imageio/byte_source.h>
 
+#include <framework_utility/platform/foundation/posix_error.h>
+
 #include <algorithm>
+#include <cerrno>
 #include <new>
 #include <span>
 #include <utility>
@@ -13,16 +16,18 @@ namespace {
 constexpr std::size_t beginningSize = std::size_t{16} * 1024;
 
 /// The `count` bytes at `offset`, fewer where the file has become shorter since it was opened.
-std::optional<Data> read(const FileReader& file, std::uint64_t offset, std::size_t count) {
+std::optional<Data> read(const FileReader& file, std::uint64_t offset, std::size_t count,
+                         Error* error = nullptr) {
   try {
     const auto buffer = std::make_shared_for_overwrite<std::byte[]>(count);
     const std::optional<std::size_t> size =
-        file.readAt(static_cast<std::int64_t>(offset), {buffer.get(), count}, nullptr);
+        file.readAt(static_cast<std::int64_t>(offset), {buffer.get(), count}, error);
     if (!size) {
       return std::nullopt;
     }
     return Data::withBytesNoCopy({buffer.get(), *size}, buffer);
   } catch (const std::bad_alloc&) {
+    fail({ENOMEM, FileAccess::reading}, {}, error);
     return std::nullopt;
   }
 }
@@ -36,14 +41,15 @@ ByteSource::ByteSource(Data beginning, std::shared_ptr<const FileReader> file, s
       file_(std::move(file)),
       size_(size) {}
 
-std::optional<ByteSource> ByteSource::open(const FileManager& files, std::string_view path) {
-  std::shared_ptr<const FileReader> file = files.openFileAtPath(path, nullptr);
+std::optional<ByteSource> ByteSource::open(const FileManager& files, std::string_view path,
+                                           Error* error) {
+  std::shared_ptr<const FileReader> file = files.openFileAtPath(path, error);
   if (!file) {
     return std::nullopt;
   }
   const auto size = static_cast<std::uint64_t>(std::max<std::int64_t>(file->size(), 0));
   std::optional<Data> beginning =
-      read(*file, 0, static_cast<std::size_t>(std::min<std::uint64_t>(size, beginningSize)));
+      read(*file, 0, static_cast<std::size_t>(std::min<std::uint64_t>(size, beginningSize)), error);
   if (!beginning) {
     return std::nullopt;
   }

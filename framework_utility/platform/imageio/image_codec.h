@@ -5,6 +5,7 @@
 #include <framework_utility/platform/foundation/value.h>
 #include <framework_utility/platform/graphics/cg_image.h>
 #include <framework_utility/platform/imageio/byte_source.h>
+#include <framework_utility/platform/imageio/decode_request.h>
 #include <framework_utility/platform/imageio/image_source.h>
 #include <framework_utility/platform/imageio/metadata_blocks.h>
 
@@ -51,12 +52,14 @@ class ImageCodec {
   virtual bool recognizes(std::span<const std::byte> beginning) const = 0;
   /// Touches only the bytes that hold the facts, never the pixels.
   virtual ImageHeader readHeader(const ByteSource& source) const = 0;
-  /// Absent when the pixels are damaged or too many.
-  virtual std::optional<CGImage> decode(const ByteSource& source,
-                                        const ImageHeader& header) const = 0;
+  /// Absent when the pixels are damaged or beyond the request's limits, which are asked before
+  /// anything is allocated.
+  virtual std::optional<CGImage> decode(const ByteSource& source, const ImageHeader& header,
+                                        const DecodeRequest& request) const = 0;
   /// The image reduced so that no side exceeds `maxPixelSize`, never enlarged, not turned.
   virtual std::optional<CGImage> decodeReduced(const ByteSource& source, const ImageHeader& header,
-                                               std::size_t maxPixelSize) const = 0;
+                                               std::size_t maxPixelSize,
+                                               const DecodeRequest& request) const = 0;
   /// False, by `cannotEncode`, when the format cannot hold the image or memory is short.
   virtual bool encode(const CGImage& image, const EncodeRequest& request,
                       std::vector<std::byte>& out, Error* error) const = 0;

@@ -3,8 +3,11 @@
 #include <framework_utility/platform/foundation/files.h>
 #include <framework_utility/platform/graphics/image_transform.h>
 #include <framework_utility/platform/imageio/byte_source.h>
+#include <framework_utility/platform/imageio/decode_request.h>
 #include <framework_utility/platform/imageio/exif/embedded_thumbnail.h>
+#include <framework_utility/platform/imageio/foreign_format.h>
 #include <framework_utility/platform/imageio/image_codec.h>
+#include <framework_utility/platform/imageio/image_source_error.h>
 #include <framework_utility/platform/imageio/metadata_codec.h>
 #include <framework_utility/platform/imageio/profile_description.h>
 #include <framework_utility/platform/imageio/property_keys.h>
@@ -13,6 +16,7 @@
 #include <atomic>
 #include <cmath>
 #include <mutex>
+#include <string>
 #include <utility>
 
 namespace FrameworkUtility {
@@ -20,12 +24,15 @@ namespace FrameworkUtility {
 namespace {
 
 using detail::ByteSource;
+using detail::DecodeRequest;
+using detail::failed;
 using detail::ImageCodec;
 using detail::ImageHeader;
 
+constexpr std::size_t beginningSize = 64;
+
 const ImageCodec* codecFor(const ByteSource& bytes) {
-  constexpr std::size_t enough = 64;
-  const Data beginning = bytes.bytes(0, enough);
+  const Data beginning = bytes.bytes(0, beginningSize);
   for (const ImageCodec* codec : detail::imageCodecs()) {
     if (codec->recognizes(beginning)) {
       return codec;
@@ -114,7 +121,8 @@ bool hasShapeOf(const ImageHeader& thumbnail, const ImageHeader& image) {
 }
 
 /// The thumbnail that the file keeps, where it is large enough and whole.
-std::optional<CGImage> embeddedThumbnail(const ImageHeader& image, std::size_t limit) {
+std::optional<CGImage> embeddedThumbnail(const ImageHeader& image, std::size_t limit,
+                                         const CGImageSourceLimits& limits) {
   const ByteSource bytes(Data::withBytesNoCopy(detail::embeddedThumbnail(image.blocks.exif),
                                                std::make_shared<const Data>(image.blocks.exif)));
   const ImageCodec* codec = codecFor(bytes);
@@ -126,7 +134,19 @@ std::optional<CGImage> embeddedThumbnail(const ImageHeader& image, std::size_t l
       std::max(header.width, header.height) < limit || !hasShapeOf(header, image)) {
     return std::nullopt;
   }
-  return codec->decodeReduced(bytes, header, limit);
+  return codec->decodeReduced(bytes, header, limit, {.limits = limits});
+}
+
+/// Upright as the properties say; both pictures are held for a while.
+std::optional<CGImage> upright(const CGImage& image, std::size_t orientation,
+                               const DecodeRequest& request) {
+  if (orientation == 1) return image;
+  if (!detail::isWithinLimits(request, {image.width(), image.height()},
+                              2 * std::uint64_t{image.pixels().size()})) {
+    return std::nullopt;
+  }
+  std::optional<CGImage> turned = detail::uprightImage(image, orientation);
+  return turned ? turned : detail::failedForMemory(request);
 }
 
 /// A copy that keeps nothing else of the file alive.
@@ -154,7 +174,8 @@ std::string_view description(CGImageSourceStatus status) {
 
 /// The bytes, and what was found in them when somebody first asked.
 struct CGImageSource::Contents {
-  explicit Contents(ByteSource source) : bytes(std::move(source)) {}
+  Contents(ByteSource source, std::string file, const CGImageSourceLimits& most)
+      : bytes(std::move(source)), path(std::move(file)), limits(most) {}
 
   // With a mutex, for `std::call_once` costs a system call even when nobody waits.
   const ImageHeader& header() const {
@@ -176,13 +197,38 @@ struct CGImageSource::Contents {
     header();
     return codec_;
   }
-  bool hasImageAt(std::size_t index) const {
-    return index == 0 && header().status == CGImageSourceStatus::complete;
+  bool hasImageAt(std::size_t index, Error* error = nullptr) const {
+    if (index == 0 && header().status == CGImageSourceStatus::complete) return true;
+    if (error) explainAbsence({.limits = limits, .path = path, .error = error});
+    return false;
   }
 
   const ByteSource bytes;
+  const std::string path;  // empty without a file
+  const CGImageSourceLimits limits;
 
  private:
+  void explainAbsence(const DecodeRequest& request) const {
+    switch (header().status) {
+      case CGImageSourceStatus::complete:
+        failed(request, CGImageSourceError::noSuchImage);
+        return;
+      case CGImageSourceStatus::incomplete:
+        failed(request, CGImageSourceError::corruptFile, detail::endsInsideImage);
+        return;
+      case CGImageSourceStatus::unknownType:
+        break;
+      default:
+        failed(request, CGImageSourceError::corruptFile);
+        return;
+    }
+    const std::string format(detail::foreignFormat(bytes.bytes(0, beginningSize)));
+    if (format.empty())
+      failed(request, CGImageSourceError::corruptFile, "The file is not an image.");
+    else
+      failed(request, CGImageSourceError::unsupported, format + " images are not read here.");
+  }
+
   mutable std::mutex mutex_;
   mutable std::atomic<bool> isRead_ = false;
   mutable const ImageCodec* codec_ = nullptr;
@@ -193,19 +239,23 @@ CGImageSource::CGImageSource(std::shared_ptr<const Contents> contents)
     : contents_(std::move(contents)) {}
 
 std::optional<CGImageSource> CGImageSource::createWithURL(const URL& url,
-                                                          const CGImageSourceOptions&) {
+                                                          const CGImageSourceOptions& options,
+                                                          Error* error) {
   const std::optional<std::string> path = url.isFileURL() ? url.path() : std::nullopt;
-  std::optional<ByteSource> bytes =
-      path ? ByteSource::open(FileManager::defaultManager(), *path) : std::nullopt;
+  if (!path) {
+    return failed({.error = error}, CGImageSourceError::notAFileURL);
+  }
+  std::optional<ByteSource> bytes = ByteSource::open(FileManager::defaultManager(), *path, error);
   if (!bytes) {
     return std::nullopt;
   }
-  return CGImageSource(std::make_shared<const Contents>(*std::move(bytes)));
+  return CGImageSource(std::make_shared<const Contents>(*std::move(bytes), *path, options.limits));
 }
 
 std::optional<CGImageSource> CGImageSource::createWithData(const Data& data,
-                                                           const CGImageSourceOptions&) {
-  return CGImageSource(std::make_shared<const Contents>(ByteSource(data)));
+                                                           const CGImageSourceOptions& options) {
+  return CGImageSource(
+      std::make_shared<const Contents>(ByteSource(data), std::string(), options.limits));
 }
 
 CGImageSourceStatus CGImageSource::status() const { return contents_->header().status; }
@@ -224,8 +274,8 @@ std::optional<Dictionary> CGImageSource::properties() const {
   return Dictionary{{kCGImagePropertyFileSize, contents_->bytes.size()}};
 }
 
-std::optional<Dictionary> CGImageSource::propertiesAtIndex(std::size_t index) const {
-  if (!contents_->hasImageAt(index)) {
+std::optional<Dictionary> CGImageSource::propertiesAtIndex(std::size_t index, Error* error) const {
+  if (!contents_->hasImageAt(index, error)) {
     return std::nullopt;
   }
   return propertiesOf(contents_->header());
@@ -255,32 +305,37 @@ std::shared_ptr<const MetadataBlocks> CGImageSource::metadataBlocksAtIndex(
   return blocks;
 }
 
-std::optional<CGImage> CGImageSource::imageAtIndex(std::size_t index) const {
-  if (!contents_->hasImageAt(index)) {
+std::optional<CGImage> CGImageSource::imageAtIndex(std::size_t index, Error* error) const {
+  if (!contents_->hasImageAt(index, error)) {
     return std::nullopt;
   }
-  return contents_->codec()->decode(contents_->bytes, contents_->header());
+  return contents_->codec()->decode(
+      contents_->bytes, contents_->header(),
+      {detail::lowerLimits(contents_->limits, {}), contents_->path, error});
 }
 
-std::optional<CGImage> CGImageSource::thumbnailAtIndex(
-    std::size_t index, const CGImageSourceThumbnailOptions& options) const {
-  if (!contents_->hasImageAt(index)) {
+std::optional<CGImage> CGImageSource::thumbnailAtIndex(std::size_t index,
+                                                       const CGImageSourceThumbnailOptions& options,
+                                                       Error* error) const {
+  if (!contents_->hasImageAt(index, error)) {
     return std::nullopt;
   }
   const ImageHeader& header = contents_->header();
+  const DecodeRequest request{detail::lowerLimits(contents_->limits, options.limits),
+                              contents_->path, error};
   const std::optional<std::size_t> limit = sideLimit(options.thumbnailMaxPixelSize, header);
   if (!limit) {
-    return std::nullopt;
+    return failed(request, CGImageSourceError::noSuchImage, "A thumbnail needs a side above 0.");
   }
   std::optional<CGImage> image;
   if (!options.createThumbnailFromImageAlways) {
-    image = embeddedThumbnail(header, *limit);
+    image = embeddedThumbnail(header, *limit, request.limits);
   }
   if (!image) {
-    image = contents_->codec()->decodeReduced(contents_->bytes, header, *limit);
+    image = contents_->codec()->decodeReduced(contents_->bytes, header, *limit, request);
   }
   if (image && options.createThumbnailWithTransform) {
-    image = detail::uprightImage(*image, orientationOf(header));
+    image = upright(*image, orientationOf(header), request);
   }
   return image;
 }

@@ -37,23 +37,22 @@ std::int64_t exifNumber(UIImageOrientation orientation) {
   return found == orientations.end() ? 1 : std::distance(orientations.begin(), found) + 1;
 }
 
-std::optional<UIImage> imageFrom(const std::optional<CGImageSource>& source) {
-  const std::optional<Dictionary> properties = source ? source->propertiesAtIndex(0) : std::nullopt;
-  const std::optional<CGImage> image = source ? source->imageAtIndex(0) : std::nullopt;
-  if (!properties || !image) {
+std::optional<UIImage> imageFrom(const std::optional<CGImageSource>& source, Error* error) {
+  const std::optional<CGImage> image = source ? source->imageAtIndex(0, error) : std::nullopt;
+  if (!image) {
     return std::nullopt;
   }
-  return UIImage(*image, 1, orientationIn(*properties));
+  return UIImage(*image, 1, orientationIn(source->propertiesAtIndex(0).value_or(Dictionary())));
 }
 
 }  // namespace
 
-std::optional<UIImage> UIImage::withContentsOfFile(std::string_view path) {
-  return imageFrom(CGImageSource::createWithURL(URL::fileURLWithPath(path)));
+std::optional<UIImage> UIImage::withContentsOfFile(std::string_view path, Error* error) {
+  return imageFrom(CGImageSource::createWithURL(URL::fileURLWithPath(path), {}, error), error);
 }
 
-std::optional<UIImage> UIImage::withData(const Data& data) {
-  return imageFrom(CGImageSource::createWithData(data));
+std::optional<UIImage> UIImage::withData(const Data& data, Error* error) {
+  return imageFrom(CGImageSource::createWithData(data), error);
 }
 
 std::optional<Data> UIImageJPEGRepresentation(const UIImage& image, double quality) {

@@ -1,20 +1,28 @@
 #include <framework_utility/platform/foundation/files.h>
+#include <framework_utility/platform/graphics/ui_image.h>
 #include <framework_utility/platform/imageio/image_source.h>
+#include <framework_utility/platform/imageio/image_source_error.h>
 #include <framework_utility/platform/imageio/metadata_blocks.h>
 #include <framework_utility/platform/imageio/property_keys.h>
 #include <tests/platform/imageio/jpeg_file.h>
+#include <tests/platform/imageio/png_file.h>
+#include <tests/support/is_error.h>
 #include <tests/support/temporary_folder.h>
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
 #include <fstream>
+#include <iterator>
 #include <thread>
+#include <utility>
 
 namespace FrameworkUtility::testing {
 namespace {
 
 using namespace std::string_literals;
+using ::testing::HasSubstr;
 
 URL write(const TemporaryFolder& folder, const char* name, const Data& bytes) {
   std::ofstream(folder.path(name), std::ios::binary) << textOf(bytes);
@@ -24,10 +32,19 @@ URL write(const TemporaryFolder& folder, const char* name, const Data& bytes) {
 TEST(ImageSource, NeedsAFileThatCanBeRead) {
   const TemporaryFolder folder;
   ASSERT_EQ(mkfifo(folder.path("fifo").c_str(), 0600), 0);
-  EXPECT_FALSE(CGImageSource::createWithURL(URL::fileURLWithPath(folder.path("missing"))));
-  EXPECT_FALSE(CGImageSource::createWithURL(URL::fileURLWithPath(folder.path())));
-  EXPECT_FALSE(CGImageSource::createWithURL(URL::fileURLWithPath(folder.path("fifo"))));
-  EXPECT_FALSE(CGImageSource::createWithURL(*URL::withString("https://example.org/a.jpg")));
+  const struct {
+    URL url;
+    std::int64_t code;
+  } cases[] = {
+      {URL::fileURLWithPath(folder.path("missing")), NSFileReadNoSuchFileError},
+      {URL::fileURLWithPath(folder.path()), NSFileReadUnknownError},
+      {URL::fileURLWithPath(folder.path("fifo")), NSFileReadUnknownError},
+      {*URL::withString("https://example.org/a.jpg"), CGImageSourceError::notAFileURL.code}};
+  for (const auto& [url, code] : cases) {
+    Error error;
+    EXPECT_FALSE(CGImageSource::createWithURL(url, {}, &error));
+    EXPECT_EQ(error.code(), code);
+  }
 }
 
 TEST(ImageSource, AnyBytesMakeASource) {
@@ -109,6 +126,138 @@ TEST(ImageSource, FileThatShrinksIsDamagedNotFatal) {
   ASSERT_EQ(truncate(folder.path("a.jpg").c_str(), 3000), 0);
   EXPECT_FALSE(source->imageAtIndex(0));
   EXPECT_TRUE(source->propertiesAtIndex(0));
+}
+
+/// Written by libpng, one bit a pixel.
+Data bitmap(std::uint32_t side, bool isInterlaced) {
+  PngPicture picture;
+  picture.width = side;
+  picture.height = side;
+  picture.depth = 1;
+  picture.colorType = 0;
+  picture.isInterlaced = isInterlaced;
+  picture.rows.resize(std::size_t{(side + 7) / 8} * side);
+  return writtenByLibpng(picture);
+}
+
+/// A PNG of one bit a pixel, with as many bytes as a whole one of this size has at least.
+Data bitmapBomb(std::uint32_t side, int interlacing) {
+  const std::size_t size = std::size_t{side} * side / 8 / 1000;
+  return PngFile().header(side, side, 1, 0, interlacing).chunk("IDAT", Bytes(size)).data();
+}
+
+TEST(ImageSource, LimitsBindBeforeAnythingIsDecoded) {
+  std::ifstream in(JPEG_CORPUS "/progressive.jpg", std::ios::binary);
+  const Data progressive = dataOf(std::string{std::istreambuf_iterator<char>(in), {}});
+  const auto frame = [](unsigned marker, std::size_t side) {
+    return dataOf(jpegHeader(jpegFrame({.marker = marker, .width = side, .height = side})));
+  };
+  const std::string tooManyPixels = "The image has 2116000000 pixels, more than the limit of ";
+  const std::string tooManyBytes = " bytes of memory to decode, more than the limit of ";
+  const std::string damaged = "The image is damaged.";
+  constexpr std::uint64_t mebibyte = 1 << 20;
+  const struct {
+    const char* what;
+    Data file;
+    CGImageSourceLimits limits;
+    std::string whole;  // how the error begins or goes on; empty for an image
+    std::string thumbnail;
+  } cases[] = {
+      {"bits", bitmapBomb(46'000, 0), {}, tooManyPixels + "536870912.", tooManyPixels},
+      {"bits, interlaced", bitmapBomb(46'000, 1), {}, tooManyPixels, tooManyPixels},
+      {"raised in vain",
+       bitmapBomb(46'000, 0),
+       {.mostPixels = 1UL << 40},
+       tooManyPixels,
+       tooManyPixels},
+      {"progressive",
+       frame(0xC2, 16'000),
+       {.mostMemory = 512 * mebibyte},
+       "The image takes 25",
+       "The image takes 15"},  // and a gigabyte for the pixels
+      {"baseline", frame(0xC0, 16'000), {.mostMemory = 16 * mebibyte}, tooManyBytes, damaged},
+      {"scans",
+       progressive,
+       {.mostScans = 3},
+       "The image has more scans than the limit of 3.",
+       "The image has more scans than the limit of 3."},
+      {"scans within", progressive, {.mostScans = 10}, "", ""},
+      {"bands", bitmap(4000, false), {.mostMemory = mebibyte / 8}, tooManyBytes, ""},
+      {"no bands", bitmap(4000, true), {.mostMemory = 15 * mebibyte}, tooManyBytes, tooManyBytes},
+      {"no bands within", bitmap(4000, true), {.mostMemory = 16 * mebibyte}, "", ""},
+      {"pixels", bitmap(100, false), {.mostPixels = 9'999}, "of 9999.", "of 9999."}};
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.what);
+    const auto bounded = CGImageSource::createWithData(c.file, {.limits = c.limits});
+    const auto open = CGImageSource::createWithData(c.file);
+    EXPECT_TRUE(bounded->propertiesAtIndex(0));
+    const CGImageSourceThumbnailOptions small{.thumbnailMaxPixelSize = 50};
+    CGImageSourceThumbnailOptions smallWithin = small;
+    smallWithin.limits = c.limits;
+    Error whole;
+    Error thumbnails[2];
+    EXPECT_EQ(bounded->imageAtIndex(0, &whole).has_value(), c.whole.empty());
+    EXPECT_EQ(bounded->thumbnailAtIndex(0, small, &thumbnails[0]).has_value(), c.thumbnail.empty());
+    EXPECT_EQ(open->thumbnailAtIndex(0, smallWithin, &thumbnails[1]).has_value(),
+              c.thumbnail.empty());
+    EXPECT_EQ(thumbnails[0], thumbnails[1]);
+    if (!c.whole.empty()) {
+      EXPECT_THAT(whole.localizedDescription(), HasSubstr(c.whole));
+      EXPECT_TRUE(whole.is(CGImageSourceError::tooLarge));
+    }
+    if (!c.thumbnail.empty()) {
+      EXPECT_THAT(thumbnails[0].localizedDescription(), HasSubstr(c.thumbnail));
+      EXPECT_EQ(thumbnails[0].is(CGImageSourceError::tooLarge), c.thumbnail != damaged);
+    }
+  }
+}
+
+TEST(ImageSource, EveryFailureFillsTheErrorThatIsShared) {
+  const TemporaryFolder folder;
+  const Data jpeg = jpegOf(quarters(64, 64));
+  const std::string twelveBits = jpegHeader(jpegFrame({.precision = 12}));
+  const struct {
+    const char* name;
+    Data file;
+    ErrorCode code;
+    const char* description;
+  } cases[] = {
+      {"empty", Data(), CGImageSourceError::corruptFile, "The file is not an image."},
+      {"a.heic",
+       dataOf("\0\0\0\x18"
+              "ftypheic\0\0\0\0"s),
+       CGImageSourceError::unsupported, "HEIC images are not read here."},
+      {"a.gif", dataOf("GIF89a"), CGImageSourceError::unsupported, "GIF images are not read here."},
+      {"cut.jpg", Data(std::span(jpeg.data(), 30)), CGImageSourceError::corruptFile,
+       "The file ends inside the image."},
+      {"half.jpg", Data(std::span(jpeg.data(), jpeg.size() - 20)), CGImageSourceError::corruptFile,
+       "The file ends inside the image."},
+      {"frames.jpg", dataOf(jpegHeader(jpegFrame() + jpegFrame())), CGImageSourceError::corruptFile,
+       "The image is damaged."},
+      {"12.jpg", dataOf(twelveBits), CGImageSourceError::unsupported,
+       "Images of this kind are not read here."}};
+  Error error(NSPOSIXErrorDomain, 1);
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.name);
+    const URL url = write(folder, c.name, c.file);
+    const auto source = CGImageSource::createWithURL(url, {}, &error);
+    ASSERT_TRUE(source);
+    EXPECT_FALSE(source->imageAtIndex(0, &error));
+    EXPECT_THAT(error, IsError(std::string(c.code.domain), c.code.code, c.description));
+    EXPECT_EQ(*error.userInfo().get<std::string>(NSFilePathErrorKey), *url.path());
+    const Error first = std::exchange(error, Error());
+    EXPECT_FALSE(source->thumbnailAtIndex(0, {}, &error));
+    EXPECT_EQ(std::exchange(error, Error()), first);
+    EXPECT_FALSE(UIImage::withContentsOfFile(*url.path(), &error));
+    EXPECT_EQ(std::exchange(error, Error()), first);
+    EXPECT_FALSE(UIImage::withData(c.file, &error));
+    EXPECT_EQ(error.localizedDescription(), c.description);
+  }
+  const auto whole = CGImageSource::createWithData(jpeg);
+  EXPECT_FALSE(whole->imageAtIndex(1, &error));
+  EXPECT_THAT(error, IsError(CGImageSourceError::noSuchImage));
+  EXPECT_FALSE(whole->thumbnailAtIndex(0, {.thumbnailMaxPixelSize = 0}, &error));
+  EXPECT_EQ(error.localizedDescription(), "A thumbnail needs a side above 0.");
 }
 
 TEST(ImageSource, ManyThreadsMayAskAtOnce) {

@@ -50,12 +50,12 @@ Pixels pixelsOf(const CGImage& image, AlphaForm form = AlphaForm::straight) {
 
 std::optional<CGImage> decoded(const Data& file) {
   const ByteSource source(file);
-  return pngCodec().decode(source, pngCodec().readHeader(source));
+  return pngCodec().decode(source, pngCodec().readHeader(source), {});
 }
 
 std::optional<CGImage> decodedReduced(const Data& file, std::size_t maxPixelSize) {
   const ByteSource source(file);
-  return pngCodec().decodeReduced(source, pngCodec().readHeader(source), maxPixelSize);
+  return pngCodec().decodeReduced(source, pngCodec().readHeader(source), maxPixelSize, {});
 }
 
 std::size_t samplesPerPixel(int colorType) {

@@ -21,14 +21,15 @@ class JpegCodec final : public ImageCodec {
 
   ImageHeader readHeader(const ByteSource& source) const override { return readJpegHeader(source); }
 
-  std::optional<CGImage> decode(const ByteSource& source,
-                                const ImageHeader& header) const override {
-    return decodeJpeg(source, header);
+  std::optional<CGImage> decode(const ByteSource& source, const ImageHeader& header,
+                                const DecodeRequest& request) const override {
+    return decodeJpeg(source, header, request);
   }
 
   std::optional<CGImage> decodeReduced(const ByteSource& source, const ImageHeader& header,
-                                       std::size_t maxPixelSize) const override {
-    return decodeJpegReduced(source, header, maxPixelSize);
+                                       std::size_t maxPixelSize,
+                                       const DecodeRequest& request) const override {
+    return decodeJpegReduced(source, header, maxPixelSize, request);
   }
 
   bool encode(const CGImage& image, const EncodeRequest& request, std::vector<std::byte>& out,

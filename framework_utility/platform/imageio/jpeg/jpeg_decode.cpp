@@ -38,15 +38,20 @@ std::optional<CGImage> makeImage(PixelBuffer pixels, const PixelSize& size,
       spaceFor(profile, reader), std::move(pixels).share());
 }
 
-/// The rest of a reader that has been started, as it comes.
-std::optional<CGImage> readAll(JpegReader& reader, const Data& profile) {
-  const PixelSize size{reader.width(), reader.height()};
-  std::optional<PixelBuffer> pixels =
-      PixelBuffer::allocate(size.height, size.width * reader.bytesPerPixel());
-  if (!pixels || !reader.readRows(bytes(pixels->data()), pixels->bytesPerRow(), size.height)) {
+/// All of a reader that has been opened, as it comes.
+std::optional<CGImage> readAll(JpegReader& reader, const PixelSize& size, const Data& profile,
+                               const DecodeRequest& request) {
+  const PixelSize result{reader.width(), reader.height()};
+  const std::size_t bytesPerRow = result.width * reader.bytesPerPixel();
+  if (!isWithinLimits(request, size, reader.memory() + result.height * bytesPerRow)) {
     return std::nullopt;
   }
-  return makeImage(*std::move(pixels), size, reader, profile);
+  std::optional<PixelBuffer> pixels = PixelBuffer::allocate(result.height, bytesPerRow);
+  if (!pixels) return failedForMemory(request);
+  if (!reader.start() || !reader.readRows(bytes(pixels->data()), bytesPerRow, result.height)) {
+    return reader.failed();
+  }
+  return makeImage(*std::move(pixels), result, reader, profile);
 }
 
 /// The fewest eighths that libjpeg may reduce to and still leave no less than the target.
@@ -61,36 +66,37 @@ unsigned eighthsFor(const PixelSize& size, const PixelSize& target) {
 
 }  // namespace
 
-std::optional<CGImage> decodeJpeg(const ByteSource& source, const ImageHeader& header) {
-  JpegReader reader(source);
-  return reader.start(8) ? readAll(reader, header.iccProfile) : std::nullopt;
+std::optional<CGImage> decodeJpeg(const ByteSource& source, const ImageHeader& header,
+                                  const DecodeRequest& request) {
+  JpegReader reader(source, request);
+  if (!reader.open(8)) return reader.failed();
+  return readAll(reader, {header.width, header.height}, header.iccProfile, request);
 }
 
 std::optional<CGImage> decodeJpegReduced(const ByteSource& source, const ImageHeader& header,
-                                         std::size_t maxPixelSize) {
+                                         std::size_t maxPixelSize, const DecodeRequest& request) {
   const PixelSize size{header.width, header.height};
   const PixelSize target = fittedSize(size, maxPixelSize);
-  JpegReader reader(source);
-  if (!reader.start(eighthsFor(size, target))) {
+  JpegReader reader(source, request);
+  if (!reader.open(eighthsFor(size, target))) return reader.failed();
+  const PixelSize reduced{reader.width(), reader.height()};
+  if (reduced == target) return readAll(reader, size, header.iccProfile, request);
+
+  const std::size_t pixelBytes = reader.bytesPerPixel();
+  const std::size_t targetRow = target.width * pixelBytes;
+  if (!isWithinLimits(request, size,
+                      reader.memory() + reduced.width * pixelBytes + target.height * targetRow +
+                          AreaScaler::memory(reduced, target, pixelBytes))) {
     return std::nullopt;
   }
-  const PixelSize reduced{reader.width(), reader.height()};
-  if (reduced == target) {
-    return readAll(reader, header.iccProfile);
-  }
-  const std::size_t pixelBytes = reader.bytesPerPixel();
   std::optional<AreaScaler> scaler = AreaScaler::create(reduced, target, pixelBytes);
   std::optional<PixelBuffer> row = PixelBuffer::allocate(1, reduced.width * pixelBytes);
-  std::optional<PixelBuffer> pixels =
-      PixelBuffer::allocate(target.height, target.width * pixelBytes);
-  if (!scaler || !row || !pixels) {
-    return std::nullopt;
-  }
+  std::optional<PixelBuffer> pixels = PixelBuffer::allocate(target.height, targetRow);
+  if (!scaler || !row || !pixels) return failedForMemory(request);
+  if (!reader.start()) return reader.failed();
   std::size_t done = 0;
   for (std::size_t y = 0; y < reduced.height && done < target.height; ++y) {
-    if (!reader.readRows(bytes(row->data()), row->bytesPerRow(), 1)) {
-      return std::nullopt;
-    }
+    if (!reader.readRows(bytes(row->data()), row->bytesPerRow(), 1)) return reader.failed();
     done += scaler->push(row->data(), pixels->row(done)) ? 1 : 0;
   }
   return makeImage(*std::move(pixels), target, reader, header.iccProfile);

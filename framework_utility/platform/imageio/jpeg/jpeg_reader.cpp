@@ -1,6 +1,10 @@
 #include <framework_utility/platform/imageio/jpeg/jpeg_reader.h>
 
-#include <framework_utility/platform/graphics/pixel_buffer.h>
+#include <framework_utility/platform/imageio/image_source_error.h>
+
+#include <algorithm>
+#include <limits>
+#include <string>
 
 #include <jerror.h>
 
@@ -9,23 +13,28 @@ namespace FrameworkUtility::detail {
 namespace {
 
 constexpr std::size_t windowSize = 64 * 1024;
-constexpr long maximumMemory = 1L << 31;
-constexpr int maximumScans = 100;
 
 constexpr JOCTET endMarker[] = {0xFF, JPEG_EOI};
 
-/// A file of a few bytes a scan could otherwise keep the decoder busy for hours.
-void limitScans(j_common_ptr info) {
-  if (reinterpret_cast<j_decompress_ptr>(info)->input_scan_number > maximumScans) {
-    ERREXIT(info, JERR_BAD_STATE);
-  }
+std::uint64_t roundedUp(std::uint64_t number, int multiple) {
+  const auto unit = static_cast<std::uint64_t>(multiple);
+  return (number + unit - 1) / unit * unit;
 }
 
 }  // namespace
 
-JpegReader::JpegReader(const ByteSource& bytes) : source_(bytes) {
+JpegReader::JpegReader(const ByteSource& bytes, const DecodeRequest& request)
+    : request_(request), source_(bytes) {
   info_.err = &errors_;
-  progress_.progress_monitor = limitScans;
+  progress_.mostScans = request.limits.mostScans;
+  progress_.progress_monitor = [](j_common_ptr info) {
+    auto& progress = *static_cast<Progress*>(info->progress);
+    const int scans = reinterpret_cast<j_decompress_ptr>(info)->input_scan_number;
+    if (static_cast<std::uint64_t>(scans) > progress.mostScans) {
+      progress.isPastScans = true;
+      ERREXIT(info, JERR_BAD_STATE);
+    }
+  };
   source_.init_source = [](j_decompress_ptr) {};
   source_.term_source = [](j_decompress_ptr) {};
   source_.resync_to_restart = jpeg_resync_to_restart;
@@ -54,19 +63,40 @@ JpegReader::JpegReader(const ByteSource& bytes) : source_(bytes) {
 
 JpegReader::~JpegReader() { jpeg_destroy_decompress(&info_); }
 
-bool JpegReader::start(unsigned eighths) {
+bool JpegReader::open(unsigned eighths) {
   return jpegSucceeds(errors_, [&] {
     jpeg_create_decompress(&info_);
     info_.src = &source_;
     info_.progress = &progress_;
-    info_.mem->max_memory_to_use = maximumMemory;
     jpeg_read_header(&info_, TRUE);
-    if (std::uint64_t{info_.image_width} * info_.image_height > maximumPixelBytes / 4) {
-      ERREXIT(&info_, JERR_IMAGE_TOO_BIG);
-    }
     chooseColors();
     info_.scale_num = eighths;
     info_.scale_denom = 8;
+    jpeg_calc_output_dimensions(&info_);
+  });
+}
+
+std::uint64_t JpegReader::memory() const {
+  const auto components = static_cast<std::size_t>(info_.num_components);
+  // Of each component a row of blocks and half as many rows about them, twice: as coded, and as
+  // large as the picture.
+  std::uint64_t bytes = std::uint64_t{info_.image_width} * components *
+                        static_cast<std::uint64_t>(info_.max_v_samp_factor) * 3 * DCTSIZE;
+  if (jpeg_has_multiple_scans(const_cast<j_decompress_ptr>(&info_)) != FALSE) {
+    for (std::size_t i = 0; i < components; ++i) {
+      const jpeg_component_info& component = info_.comp_info[i];
+      bytes += roundedUp(component.width_in_blocks, component.h_samp_factor) *
+               roundedUp(component.height_in_blocks, component.v_samp_factor) * sizeof(JBLOCK);
+    }
+  }
+  return bytes;
+}
+
+bool JpegReader::start() {
+  return jpegSucceeds(errors_, [&] {
+    // What is counted beforehand is less than this; libjpeg itself keeps to it, whatever it does.
+    info_.mem->max_memory_to_use = static_cast<long>(
+        std::min<std::uint64_t>(request_.limits.mostMemory, std::numeric_limits<long>::max()));
     const bool hasSeveralScans = jpeg_has_multiple_scans(&info_) != FALSE;
     jpeg_start_decompress(&info_);
     if (hasSeveralScans && source_.ended) {
@@ -104,6 +134,29 @@ bool JpegReader::readRows(std::byte* rows, std::size_t bytesPerRow, std::size_t 
       }
     }
   });
+}
+
+std::nullopt_t JpegReader::failed() const {
+  if (progress_.isPastScans) {
+    return detail::failed(
+        request_, CGImageSourceError::tooLarge,
+        "The image has more scans than the limit of " + std::to_string(progress_.mostScans) + ".");
+  }
+  switch (errors_.msg_code) {
+    case JERR_OUT_OF_MEMORY:
+    case JERR_NO_BACKING_STORE:
+      return failedForMemory(request_);
+    case JERR_BAD_PRECISION:
+    case JERR_BAD_J_COLORSPACE:
+    case JERR_CONVERSION_NOTIMPL:
+    case JERR_FRACT_SAMPLE_NOTIMPL:
+    case JERR_SOF_UNSUPPORTED:
+      return detail::failed(request_, CGImageSourceError::unsupported);
+    default:
+      break;
+  }
+  return source_.ended ? detail::failed(request_, CGImageSourceError::corruptFile, endsInsideImage)
+                       : detail::failed(request_, CGImageSourceError::corruptFile);
 }
 
 }  // namespace FrameworkUtility::detail

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <framework_utility/platform/imageio/byte_source.h>
+#include <framework_utility/platform/imageio/decode_request.h>
 #include <framework_utility/platform/imageio/jpeg/jpeg_errors.h>
 
 #include <cstddef>
@@ -8,23 +9,26 @@
 
 namespace FrameworkUtility::detail {
 
-/// The pixels of a JPEG file, row by row. Refused before anything is allocated: more pixels than
-/// `maximumPixelBytes` holds at four bytes each, more than 2 GiB of coefficients (progressive files
-/// need them all at once). Refused as soon as it shows: more than 100 scans.
+/// The pixels of a JPEG file, row by row, within the request's scans and memory. After a false it
+/// is of no more use, and `failed` says why.
 ///
 /// Damaged or cut pixels are a failure. A missing end marker alone is none where the file has one
 /// scan, for then every row is there; where it has several, nothing else tells that none is lost.
 class JpegReader {
  public:
-  explicit JpegReader(const ByteSource& bytes);
+  JpegReader(const ByteSource& bytes, const DecodeRequest& request);
   JpegReader(const JpegReader&) = delete;
   JpegReader& operator=(const JpegReader&) = delete;
   ~JpegReader();
 
-  /// Reads up to the pixels, which come reduced to `eighths` / 8, sides rounded up.
-  bool start(unsigned eighths);
+  /// Reads the header. The pixels will come reduced to `eighths` / 8, sides rounded up.
+  bool open(unsigned eighths);
+  /// What libjpeg will keep: of a file of several scans all coefficients, else some rows.
+  std::uint64_t memory() const;
+  /// Reads up to the pixels, of a file of several scans all of it.
+  bool start();
 
-  // Known once started.
+  // Known once opened.
   std::size_t width() const { return info_.output_width; }
   std::size_t height() const { return info_.output_height; }
   /// 1 is grey; 4 is CMYK, 255 full ink, when `isCmyk`, else red, green, blue and 255.
@@ -33,6 +37,8 @@ class JpegReader {
 
   /// The next rows.
   bool readRows(std::byte* rows, std::size_t bytesPerRow, std::size_t count);
+
+  std::nullopt_t failed() const;
 
  private:
   struct Source : jpeg_source_mgr {
@@ -44,11 +50,17 @@ class JpegReader {
     explicit Source(const ByteSource& all) : jpeg_source_mgr(), bytes(all) {}
   };
 
+  struct Progress : jpeg_progress_mgr {
+    std::uint64_t mostScans = 0;
+    bool isPastScans = false;
+  };
+
   void chooseColors();
 
+  const DecodeRequest& request_;
   JpegErrors errors_;
   Source source_;
-  jpeg_progress_mgr progress_ = {};
+  Progress progress_ = {};
   jpeg_decompress_struct info_ = {};
 };
 

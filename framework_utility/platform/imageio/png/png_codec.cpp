@@ -20,14 +20,15 @@ class PngCodec final : public ImageCodec {
 
   ImageHeader readHeader(const ByteSource& source) const override { return readPngHeader(source); }
 
-  std::optional<CGImage> decode(const ByteSource& source,
-                                const ImageHeader& header) const override {
-    return decodePng(source, header);
+  std::optional<CGImage> decode(const ByteSource& source, const ImageHeader& header,
+                                const DecodeRequest& request) const override {
+    return decodePng(source, header, request);
   }
 
   std::optional<CGImage> decodeReduced(const ByteSource& source, const ImageHeader& header,
-                                       std::size_t maxPixelSize) const override {
-    return decodePngReduced(source, header, maxPixelSize);
+                                       std::size_t maxPixelSize,
+                                       const DecodeRequest& request) const override {
+    return decodePngReduced(source, header, maxPixelSize, request);
   }
 
   bool encode(const CGImage& image, const EncodeRequest& request, std::vector<std::byte>& out,

@@ -1,7 +1,6 @@
 #include <framework_utility/platform/imageio/png/png_decode.h>
 
 #include <framework_utility/platform/graphics/area_scaler.h>
-#include <framework_utility/platform/graphics/image_transform.h>
 #include <framework_utility/platform/graphics/pixel_buffer.h>
 #include <framework_utility/platform/graphics/rgba_rows.h>
 #include <framework_utility/platform/imageio/png/png_reader.h>
@@ -36,46 +35,55 @@ std::optional<CGImage> makeImage(PixelBuffer pixels, const PixelSize& size, cons
   return CGImage::create(layout, spaceFor(profile, isGray ? 1 : 3), std::move(pixels).share());
 }
 
-std::optional<CGImage> decodeReduced(PngReader& reader, const PixelSize& target,
-                                     const Data& profile) {
-  const PixelSize size{reader.width(), reader.height()};
-  const std::size_t components = reader.components();
-  std::optional<AreaScaler> scaler = AreaScaler::create(size, target, components);
-  std::optional<PixelBuffer> row = PixelBuffer::allocate(1, reader.bytesPerRow());
-  std::optional<PixelBuffer> pixels =
-      PixelBuffer::allocate(target.height, target.width * components);
-  if (!scaler || !row || !pixels) return std::nullopt;
-  std::size_t done = 0;
-  for (std::size_t y = 0; y < size.height && done < target.height; ++y) {
-    if (!reader.readRow(row->data())) return std::nullopt;
-    if (reader.hasAlpha()) premultiply(row->data(), size.width);
-    if (scaler->push(row->data(), pixels->row(done))) ++done;
-  }
-  return makeImage(*std::move(pixels), target, reader, CGImageAlphaInfo::premultipliedLast,
-                   profile);
-}
-
 }  // namespace
 
-std::optional<CGImage> decodePng(const ByteSource& source, const ImageHeader& header) {
-  PngReader reader(source);
-  if (!reader.start(PngForm::whole)) return std::nullopt;
-  std::optional<PixelBuffer> pixels = PixelBuffer::allocate(reader.height(), reader.bytesPerRow());
-  if (!pixels || !reader.readAllRows(pixels->data())) return std::nullopt;
-  return makeImage(*std::move(pixels), {reader.width(), reader.height()}, reader,
-                   CGImageAlphaInfo::last, header.iccProfile);
+std::optional<CGImage> decodePng(const ByteSource& source, const ImageHeader& header,
+                                 const DecodeRequest& request) {
+  PngReader reader(source, request);
+  if (!reader.open(PngForm::whole)) return reader.failed();
+  const PixelSize size{reader.width(), reader.height()};
+  if (!isWithinLimits(request, size, reader.memory() + size.height * reader.bytesPerRow())) {
+    return std::nullopt;
+  }
+  std::optional<PixelBuffer> pixels = PixelBuffer::allocate(size.height, reader.bytesPerRow());
+  if (!pixels) return failedForMemory(request);
+  if (!reader.start() || !reader.readAllRows(pixels->data())) return reader.failed();
+  return makeImage(*std::move(pixels), size, reader, CGImageAlphaInfo::last, header.iccProfile);
 }
 
 std::optional<CGImage> decodePngReduced(const ByteSource& source, const ImageHeader& header,
-                                        std::size_t maxPixelSize) {
-  PngReader reader(source);
-  if (!reader.start(PngForm::reduced)) return std::nullopt;
-  if (reader.isInterlaced()) {
-    const std::optional<CGImage> whole = decodePng(source, header);
-    return whole ? reducedImage(*whole, maxPixelSize) : std::nullopt;
+                                        std::size_t maxPixelSize, const DecodeRequest& request) {
+  PngReader reader(source, request);
+  if (!reader.open(PngForm::reduced)) return reader.failed();
+  const PixelSize size{reader.width(), reader.height()};
+  const PixelSize target = fittedSize(size, maxPixelSize);
+  const std::size_t components = reader.components();
+  // The last pass of an interlaced picture brings half of its rows.
+  const bool isInterlaced = reader.isInterlaced();
+  const std::size_t rowsHeld = isInterlaced ? size.height : 1;
+  if (!isWithinLimits(request, size,
+                      reader.memory() + rowsHeld * reader.bytesPerRow() +
+                          target.height * target.width * components +
+                          AreaScaler::memory(size, target, components))) {
+    return std::nullopt;
   }
-  const PixelSize target = fittedSize({reader.width(), reader.height()}, maxPixelSize);
-  return decodeReduced(reader, target, header.iccProfile);
+  std::optional<AreaScaler> scaler = AreaScaler::create(size, target, components);
+  std::optional<PixelBuffer> rows = PixelBuffer::allocate(rowsHeld, reader.bytesPerRow());
+  std::optional<PixelBuffer> pixels =
+      PixelBuffer::allocate(target.height, target.width * components);
+  if (!scaler || !rows || !pixels) return failedForMemory(request);
+  if (!reader.start() || (isInterlaced && !reader.readAllRows(rows->data()))) {
+    return reader.failed();
+  }
+  std::size_t done = 0;
+  for (std::size_t y = 0; y < size.height && done < target.height; ++y) {
+    std::uint8_t* row = rows->row(isInterlaced ? y : 0);
+    if (!isInterlaced && !reader.readRow(row)) return reader.failed();
+    if (reader.hasAlpha()) premultiply(row, size.width);
+    if (scaler->push(row, pixels->row(done))) ++done;
+  }
+  return makeImage(*std::move(pixels), target, reader, CGImageAlphaInfo::premultipliedLast,
+                   header.iccProfile);
 }
 
 }  // namespace FrameworkUtility::detail

@@ -1,5 +1,7 @@
 #include <framework_utility/platform/imageio/png/png_reader.h>
 
+#include <framework_utility/platform/imageio/image_source_error.h>
+
 #include <algorithm>
 #include <csetjmp>
 #include <cstring>
@@ -33,6 +35,7 @@ struct PngReader::State {
   std::uint64_t offset = 0;  // of what follows the window
   Data window;
   std::size_t used = 0;  // of the window
+  bool hasEnded = false;
   png_structp png = nullptr;
   png_infop info = nullptr;
 
@@ -49,7 +52,10 @@ struct PngReader::State {
   static void read(png_structp png, png_bytep bytes, std::size_t count) {
     auto* state = static_cast<State*>(png_get_io_ptr(png));
     while (count > 0) {
-      if (!state->hasBytes()) png_error(png, "the file ends");
+      if (!state->hasBytes()) {
+        state->hasEnded = true;
+        png_error(png, "the file ends");
+      }
       const std::size_t part = std::min(count, state->window.size() - state->used);
       std::memcpy(bytes, state->window.data() + state->used, part);
       state->used += part;
@@ -59,7 +65,8 @@ struct PngReader::State {
   }
 };
 
-PngReader::PngReader(const ByteSource& source) : state_(std::make_unique<State>(source)) {
+PngReader::PngReader(const ByteSource& source, const DecodeRequest& request)
+    : request_(request), state_(std::make_unique<State>(source)) {
   State& state = *state_;
   state.png = png_create_read_struct(PNG_LIBPNG_VER_STRING, nullptr, jumpOut, ignoreWarning);
   if (state.png) state.info = png_create_info_struct(state.png);
@@ -67,7 +74,7 @@ PngReader::PngReader(const ByteSource& source) : state_(std::make_unique<State>(
 
 PngReader::~PngReader() = default;
 
-bool PngReader::start(PngForm form) {
+bool PngReader::open(PngForm form) {
   const png_structp png = state_->png;
   const png_infop info = state_->info;
   if (!png || !info) return false;
@@ -84,9 +91,11 @@ bool PngReader::start(PngForm form) {
   const double bytesPerPixel = png_get_bit_depth(png, info) * png_get_channels(png, info) / 8.0;
   if (static_cast<double>(width_) * static_cast<double>(height_) * bytesPerPixel >
       static_cast<double>(state_->source.size()) * largestExpansion) {
+    state_->hasEnded = true;
     return false;
   }
 
+  const bool has16Bits = png_get_bit_depth(png, info) == 16;
   const int color = png_get_color_type(png, info);
   const bool hasTransparency = png_get_valid(png, info, PNG_INFO_tRNS) != 0;
   hasAlpha_ = hasTransparency || (color & PNG_COLOR_MASK_ALPHA) != 0;
@@ -99,11 +108,21 @@ bool PngReader::start(PngForm form) {
     png_set_filler(png, 0xFFFF, PNG_FILLER_AFTER);
   }
   passes_ = png_set_interlace_handling(png);
-  png_read_update_info(png, info);
-  components_ = png_get_channels(png, info);
-  bitsPerComponent_ = png_get_bit_depth(png, info);
-  bytesPerRow_ = png_get_rowbytes(png, info);
+  const bool isColor =
+      (color & PNG_COLOR_MASK_COLOR) != 0 || (hasAlpha_ && form == PngForm::reduced);
+  components_ = isColor ? 4 : hasAlpha_ ? 2 : 1;
+  bitsPerComponent_ = has16Bits && form == PngForm::whole ? 16 : 8;
+  // Two rows of the largest pixels that there are on the way.
+  memory_ = 2 * width_ * (has16Bits ? 8 : 4);
   return true;
+}
+
+bool PngReader::start() {
+  const png_structp png = state_->png;
+  const png_infop info = state_->info;
+  if (setjmp(png_jmpbuf(png)) != 0) return false;
+  png_read_update_info(png, info);
+  return png_get_rowbytes(png, info) == bytesPerRow();
 }
 
 bool PngReader::readRow(std::uint8_t* row) {
@@ -116,10 +135,16 @@ bool PngReader::readAllRows(std::uint8_t* rows) {
   if (setjmp(png_jmpbuf(state_->png)) != 0) return false;
   for (int pass = 0; pass < passes_; ++pass) {
     for (std::size_t y = 0; y < height_; ++y) {
-      png_read_row(state_->png, rows + y * bytesPerRow_, nullptr);
+      png_read_row(state_->png, rows + y * bytesPerRow(), nullptr);
     }
   }
   return true;
+}
+
+std::nullopt_t PngReader::failed() const {
+  if (!state_->png || !state_->info) return failedForMemory(request_);
+  return detail::failed(request_, CGImageSourceError::corruptFile,
+                        state_->hasEnded ? endsInsideImage : std::string_view());
 }
 
 }  // namespace FrameworkUtility::detail
