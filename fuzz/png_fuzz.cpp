@@ -30,7 +30,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   request.properties = header.formatProperties;
   request.blocks = header.blocks;
   std::vector<std::byte> written;
-  if (!codec.encode(*image, request, written)) std::abort();
+  if (!codec.encode(*image, request, written, nullptr)) std::abort();
   const detail::ByteSource again{Data(std::move(written))};
   const detail::ImageHeader other = codec.readHeader(again);
   if (other.status != CGImageSourceStatus::complete || other.width != header.width ||
