@@ -79,6 +79,8 @@ bool fillBetween(const GradientSegment& segment, const RadialRow& row, std::int6
     // Distances and their roots lose no more than three bits; an eighth of a level may be lost.
     constexpr double precision = 8 * std::numeric_limits<Real>::epsilon();
     if (!(255 * std::abs(step) * farthest * precision < 0.125)) return false;
+    // What a Real cannot hold would be no number, and none is no level.
+    if (!(farthest * farthest < std::numeric_limits<Real>::max() / 2)) return false;
     fillRun(runColors<Real>(segment, start, step),
             RadialRun<Real>{static_cast<Real>(along), static_cast<Real>(asideSquared)},
             segment.isOpaque, pixels, count);

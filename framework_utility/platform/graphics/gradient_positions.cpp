@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 
 namespace FrameworkUtility::detail {
 
@@ -72,6 +73,7 @@ long double RadialRow::at(std::int64_t x) const {
 }
 
 long double RadialRow::crossing(double location, bool rises) const {
+  if (location <= 0) return std::numeric_limits<long double>::infinity();  // reached everywhere
   const long double distance = location / gain();
   const long double half = std::sqrt(std::max(distance * distance - asideSquared_, 0.0L));
   return rises ? nearest_ + half : nearest_ - half;

@@ -76,6 +76,7 @@ const std::vector<Stops>& everyKindOfStops() {
       {"beyond both ends", {red, slate, blue}, {-0.5, 0.4, 1.7}},
       {"steep", {red, blue, green, red}, {0.3, 0.3 + 1e-9, 0.6, 0.6 + 1e-3}},
       {"one", {slate}, {0.4}},
+      {"just before the start", {red, slate, blue, green}, {-0.2, -0.1, 0.6, 1}},
   };
   return stops;
 }
@@ -182,6 +183,11 @@ TEST(CGContextTest, FarAndTinyGradientsKeepTheirPrecision) {
       {Kind::radial, {red, green, blue}, {0.9, 0.95, 1}, {-1e6, 20}, {}, 1e6 + 32},
       {Kind::radial, {red, green, blue}, {0.999999, 0.9999995, 1}, {3e8, -4e8}, {}, 5e8},
       {Kind::radial, {red, green}, {0.5, std::nextafter(0.5, 1.0)}, {-1e18, 0}, {}, 2e18},
+      // Squares that overflow: of a float, of a double, and beyond the last stop.
+      {Kind::radial, {red, green}, {0, 1}, {-1e25, 0}, {}, 2e25},
+      {Kind::radial, {clearGold, slate}, {0, 1}, {1e200, -1e200}, {}, 2e200},
+      {Kind::radial, {red, green}, {0, 1e30}, {-1e30, 0}, {}, 1},
+      {Kind::radial, {red, green}, {0, 1}, {-1e25, 1e300}, {}, 1e25},
       {Kind::linear, {red, green}, {0, 1}, {1e9, 1e9}, {-1e9, -1e9}},
       {Kind::linear, {red, green}, {0.5, 0.50000001}, {-1e9, 7}, {1e9, 7}},
       {Kind::linear, {red, green}, {0, 1}, {16.25, 16}, {16.25 + 1e-200, 16}},
