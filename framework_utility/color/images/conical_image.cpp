@@ -62,22 +62,19 @@ std::optional<KvColor> interpolatedColor(double position, const std::vector<KvCo
                                          const std::vector<double>& locations) {
   if (colors.empty()) return std::nullopt;
   if (colors.size() == 1) return colors.front();
+  if (locations.size() > colors.size()) stop("interpolatedColor: a location has no color");
   const KvColor* lower = &colors.front();
   const KvColor* upper = &colors.back();
   double lowerLocation = 0;
   double upperLocation = 1;
-  const auto colorAt = [&](std::size_t i) {
-    if (i >= colors.size()) stop("interpolatedColor: a location has no color");
-    return &colors[i];
-  };
   for (std::size_t i = 0; i < locations.size(); ++i) {
     const double location = locations[i];
     if (lowerLocation < location && location <= position) {
-      lower = colorAt(i);
+      lower = &colors[i];
       lowerLocation = location;
     }
     if (location < upperLocation && location >= position) {
-      upper = colorAt(i);
+      upper = &colors[i];
       upperLocation = location;
     }
   }

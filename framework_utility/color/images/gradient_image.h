@@ -110,7 +110,7 @@ std::optional<UIImage> conicalGradientImage();
 
 /// The colour at `position`, the first colour standing at 0 and the last at 1 whatever their
 /// locations; of stops at one place the first is used, on both sides, which is meant. Absent
-/// without colours. Stops the process where a location that counts has no colour.
+/// without colours. With two colours or more, stops the process when there are more locations.
 /// Selector: interpolatedColor:colors:locations:
 std::optional<KvColor> interpolatedColor(double position, const std::vector<KvColor>& colors,
                                          const std::vector<double>& locations);
