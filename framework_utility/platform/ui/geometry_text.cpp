@@ -1,5 +1,7 @@
 #include <framework_utility/platform/ui/geometry_text.h>
 
+#include <framework_utility/geometry/plane/number_list.h>
+
 #include <algorithm>
 #include <array>
 #include <charconv>
@@ -9,17 +11,6 @@
 
 namespace FrameworkUtility {
 namespace {
-
-std::string pair(double first, double second) {
-  std::string text = "{";
-  std::array<char, 32> digits;
-  for (const double number : {first, second}) {
-    if (text.size() > 1) text += ", ";
-    text.append(digits.data(),
-                std::to_chars(digits.data(), digits.data() + digits.size(), number).ptr);
-  }
-  return text += '}';
-}
 
 /// The numbers that stand where `form` has "#".
 template <std::size_t count>
@@ -47,11 +38,13 @@ std::optional<std::array<double, count>> numbersIn(std::string_view text, std::s
 
 }  // namespace
 
-std::string NSStringFromCGPoint(Point point) { return pair(point.x, point.y); }
+std::string NSStringFromCGPoint(Point point) {
+  return '{' + detail::numberList({point.x, point.y}) + '}';
+}
 
 std::string NSStringFromCGRect(const Rect& rect) {
-  return '{' + pair(rect.origin.x, rect.origin.y) + ", " + pair(rect.size.width, rect.size.height) +
-         '}';
+  return '{' + NSStringFromCGPoint(rect.origin) + ", {" +
+         detail::numberList({rect.size.width, rect.size.height}) + "}}";
 }
 
 Point CGPointFromString(std::string_view text) {

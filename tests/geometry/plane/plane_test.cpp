@@ -7,8 +7,10 @@
 
 #include <cmath>
 #include <cstdint>
+#include <iomanip>
 #include <limits>
 #include <numbers>
+#include <sstream>
 
 namespace FrameworkUtility {
 namespace {
@@ -103,6 +105,20 @@ TEST(AffineTransformTest, ScalesPairTheColumnsAsStored) {
   EXPECT_EQ(turned.angle(), std::numbers::pi / 2);
   EXPECT_EQ(turned.scaleX(), 5);
   EXPECT_EQ(turned.scaleY(), 2);
+}
+
+TEST(PrintingTest, PlaneValuesAreWrittenAsThePlatformDoes) {
+  const auto printed = [](const auto& value) {
+    std::ostringstream out;
+    out << std::left << std::setw(9) << std::setprecision(1) << value;
+    return out.str();
+  };
+  EXPECT_EQ(printed(Point{-1.5, 2}), "{-1.5, 2}");
+  EXPECT_EQ(printed(Point{0, nan}), "{0, nan} ");
+  EXPECT_EQ(printed(Size{0.1 + 0.2, 1e300}), "{0.30000000000000004, 1e+300}");
+  EXPECT_EQ(printed(Rect(0.1, 0, 30, -4)), "{{0.1, 0}, {30, -4}}");
+  EXPECT_EQ(printed(EdgeInsets{1, 2, 3.25, 4}), "{1, 2, 3.25, 4}");
+  EXPECT_EQ(printed(AffineTransform{.tx = -7}), "[1, 0, 0, 1, -7, 0]");
 }
 
 TEST(CornerMaskTest, MapsEveryCornerAndDropsOtherBits) {
