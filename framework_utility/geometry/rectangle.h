@@ -60,7 +60,7 @@ class KvRectangle {
 
   /// p1 to p4.
   /// Selector: points
-  const std::array<Point, 4>& points() const { return corners_; }
+  std::array<Point, 4> points() const { return corners_; }
 
   /// p1-p2, p2-p3, p3-p4, p4-p1.
   /// Selector: segments

@@ -101,7 +101,8 @@ class KvTouchItem {
       const std::shared_ptr<const NSObject>& object);
 
   /// Never null.
-  const std::shared_ptr<const KvTouchProtocol>& object() const { return object_; }
+  const std::shared_ptr<const KvTouchProtocol>& object() const& { return object_; }
+  std::shared_ptr<const KvTouchProtocol> object() const&& { return object_; }
   /// Where the object is, in the coordinates of `view`.
   /// Selector: locationIn:
   Point locationIn(const UIView& view) const;
@@ -133,7 +134,8 @@ class KvTouchAdapter final : public KvTouchProtocol {
   KvTouchAdapter& operator=(const KvTouchAdapter&) = default;
 
   /// Never null.
-  const std::shared_ptr<const Object>& object() const { return object_; }
+  const std::shared_ptr<const Object>& object() const& { return object_; }
+  std::shared_ptr<const Object> object() const&& { return object_; }
   Point locationIn(const UIView& view) const override { return object_->locationInView(view); }
 
  private:
@@ -157,7 +159,8 @@ class KvTouchCGPoint final : public KvTouchProtocol {
   static std::optional<KvTouchCGPoint> withObject(const std::shared_ptr<const NSObject>& object);
 
   Point object() const { return point_; }
-  const std::shared_ptr<const UIView>& view() const { return view_; }  ///< May be null.
+  const std::shared_ptr<const UIView>& view() const& { return view_; }  ///< May be null.
+  std::shared_ptr<const UIView> view() const&& { return view_; }
   Point locationIn(const UIView& view) const override;
 
  private:

@@ -70,14 +70,14 @@ std::optional<KvImageMetadata> KvImageMetadata::withImageSource(
   return metadata;
 }
 
-const std::optional<Dictionary>& KvImageMetadata::properties() const { return properties_; }
+const std::optional<Dictionary>& KvImageMetadata::properties() const& { return properties_; }
 
 void KvImageMetadata::setProperties(std::optional<Dictionary> properties) {
   properties_ = std::move(properties);
   blocks_ = nullptr;  // They describe the old properties.
 }
 
-const std::optional<Dictionary>& KvImageMetadata::auxiliaryDataInfoDepth() const {
+const std::optional<Dictionary>& KvImageMetadata::auxiliaryDataInfoDepth() const& {
   return auxiliaryDataInfoDepth_;
 }
 
@@ -85,7 +85,7 @@ void KvImageMetadata::setAuxiliaryDataInfoDepth(std::optional<Dictionary> info) 
   auxiliaryDataInfoDepth_ = std::move(info);
 }
 
-const std::optional<Dictionary>& KvImageMetadata::auxiliaryDataInfoDisparity() const {
+const std::optional<Dictionary>& KvImageMetadata::auxiliaryDataInfoDisparity() const& {
   return auxiliaryDataInfoDisparity_;
 }
 
@@ -93,7 +93,7 @@ void KvImageMetadata::setAuxiliaryDataInfoDisparity(std::optional<Dictionary> in
   auxiliaryDataInfoDisparity_ = std::move(info);
 }
 
-const std::optional<Dictionary>& KvImageMetadata::auxiliaryDataInfoMatte() const {
+const std::optional<Dictionary>& KvImageMetadata::auxiliaryDataInfoMatte() const& {
   return auxiliaryDataInfoMatte_;
 }
 
@@ -101,7 +101,7 @@ void KvImageMetadata::setAuxiliaryDataInfoMatte(std::optional<Dictionary> info) 
   auxiliaryDataInfoMatte_ = std::move(info);
 }
 
-const std::optional<std::string>& KvImageMetadata::videoCodecName() const {
+const std::optional<std::string>& KvImageMetadata::videoCodecName() const& {
   return videoCodecName_;
 }
 

@@ -12,6 +12,7 @@
 #include <optional>
 #include <sstream>
 #include <type_traits>
+#include <utility>
 
 namespace FrameworkUtility {
 namespace {
@@ -19,6 +20,8 @@ namespace {
 using testing::Numbers;
 
 static_assert(!std::is_default_constructible_v<KvRectangle>);
+// Of a temporary, nothing refers to it.
+static_assert(!std::is_reference_v<decltype(std::declval<KvRectangle>().points())>);
 
 using Corners = std::array<Point, 4>;
 

@@ -24,6 +24,11 @@ constexpr double largest = std::numeric_limits<double>::max();
 
 constexpr EdgeInsets everySide(double inset) { return {inset, inset, inset, inset}; }
 
+// Of a temporary, nothing refers to it.
+static_assert(!std::is_reference_v<decltype(std::declval<KvTouchItem>().object())>);
+static_assert(!std::is_reference_v<decltype(std::declval<KvTouchUITouch>().object())>);
+static_assert(!std::is_reference_v<decltype(std::declval<KvTouchCGPoint>().view())>);
+
 /// A platform object of class `Base` that is somewhere in a window, or anywhere without one.
 template <class Base>
 class Located : public Base {

@@ -7,9 +7,21 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
+#include <type_traits>
+#include <utility>
 
 namespace FrameworkUtility {
 namespace {
+
+// Of a temporary, nothing refers to it.
+static_assert(!std::is_reference_v<decltype(std::declval<KvImageMetadata>().properties())>);
+static_assert(
+    !std::is_reference_v<decltype(std::declval<KvImageMetadata>().auxiliaryDataInfoDepth())>);
+static_assert(
+    !std::is_reference_v<decltype(std::declval<KvImageMetadata>().auxiliaryDataInfoDisparity())>);
+static_assert(
+    !std::is_reference_v<decltype(std::declval<KvImageMetadata>().auxiliaryDataInfoMatte())>);
+static_assert(!std::is_reference_v<decltype(std::declval<KvImageMetadata>().videoCodecName())>);
 
 KvImageMetadata metadataWith(std::string_view dictionary, Dictionary entries) {
   return KvImageMetadata::withProperties(Dictionary{{dictionary, std::move(entries)}});

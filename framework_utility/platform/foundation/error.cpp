@@ -44,11 +44,13 @@ Error::~Error() {
   waiting = nullptr;
 }
 
-const std::string& Error::domain() const { return Contents::of(*this).domain; }
+const std::string& Error::domain() const& { return Contents::of(*this).domain; }
 
 std::int64_t Error::code() const { return Contents::of(*this).code; }
 
-const Dictionary& Error::userInfo() const { return Contents::of(*this).userInfo; }
+const Dictionary& Error::userInfo() const& { return Contents::of(*this).userInfo; }
+
+Dictionary Error::userInfo() const&& { return userInfo(); }
 
 bool Error::is(const ErrorCode& code) const {
   return this->code() == code.code && domain() == code.domain;

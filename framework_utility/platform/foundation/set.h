@@ -18,7 +18,8 @@ class NSSet final : public NSObject, public NSCoding {
   /// Selector: initWithArray:
   explicit NSSet(Array objects) : objects_(std::move(objects)) {}
 
-  const Array& allObjects() const { return objects_; }  ///< Selector: allObjects
+  const Array& allObjects() const& { return objects_; }  ///< Selector: allObjects
+  Array allObjects() const&& { return objects_; }
 
   std::string_view className() const override;
   void encodeWithCoder(NSKeyedArchiver& coder) const override;

@@ -172,7 +172,7 @@ bool URL::isFileURL() const {
                                           [](char a, char b) { return (a | 0x20) == b; });
 }
 
-const std::string& URL::absoluteString() const { return absolute_; }
+const std::string& URL::absoluteString() const& { return absolute_; }
 
 std::optional<std::string> URL::path() const {
   const Parts parts = split(absolute_);

@@ -20,7 +20,7 @@ class NSUUID final : public NSObject, public NSCoding {
   explicit NSUUID(const Bytes& bytes) : bytes_(bytes) {}
 
   /// Selector: getUUIDBytes:
-  const Bytes& uuidBytes() const { return bytes_; }
+  Bytes uuidBytes() const { return bytes_; }
 
   std::string_view className() const override;
   void encodeWithCoder(NSKeyedArchiver& coder) const override;

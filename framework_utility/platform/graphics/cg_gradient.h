@@ -34,7 +34,8 @@ class CGGradient {
 
   /// In the order of their locations. Stops at one place keep the order in which they were given
   /// and make a hard edge, the last one's colour starting on its far side.
-  const std::vector<Stop>& stops() const { return *stops_; }
+  const std::vector<Stop>& stops() const& { return *stops_; }
+  std::vector<Stop> stops() const&& { return *stops_; }
   bool isOpaque() const;
 
  private:

@@ -68,12 +68,12 @@ std::size_t CGImage::width() const { return contents_->layout.width; }
 
 std::size_t CGImage::height() const { return contents_->layout.height; }
 
-const CGImageLayout& CGImage::layout() const { return contents_->layout; }
+const CGImageLayout& CGImage::layout() const& { return contents_->layout; }
 
 CGImageAlphaInfo CGImage::alphaInfo() const { return contents_->layout.alphaInfo; }
 
-const std::optional<CGColorSpace>& CGImage::colorSpace() const { return contents_->space; }
+const std::optional<CGColorSpace>& CGImage::colorSpace() const& { return contents_->space; }
 
-const Data& CGImage::pixels() const { return contents_->pixels; }
+const Data& CGImage::pixels() const& { return contents_->pixels; }
 
 }  // namespace FrameworkUtility

@@ -47,7 +47,7 @@ UIImage UIImage::withoutBitmap(Size size, double scale) {
       Contents{std::nullopt, size, usableScale(scale), UIImageOrientation::up}));
 }
 
-const std::optional<CGImage>& UIImage::cgImage() const { return contents_->image; }
+const std::optional<CGImage>& UIImage::cgImage() const& { return contents_->image; }
 
 Size UIImage::size() const { return contents_->size; }
 

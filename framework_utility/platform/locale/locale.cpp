@@ -79,7 +79,7 @@ Locale Locale::current(LocaleCategory category) {
   return Locale("C");
 }
 
-std::string_view Locale::languageCode() const { return languageOf(identifier_); }
+std::string_view Locale::languageCode() const& { return languageOf(identifier_); }
 
 ScopedLocale::ScopedLocale(Locale locale)
     : locale_(std::move(locale)), previous_(std::exchange(scopedLocale, &locale_)) {}

@@ -27,11 +27,13 @@ class Locale {
 
   /// Canonical: the parts joined by "_", keywords after "@".
   /// Selector: localeIdentifier
-  const std::string& identifier() const { return identifier_; }
+  const std::string& identifier() const& { return identifier_; }
+  std::string identifier() const&& { return identifier_; }
   /// Selector: languageCode
-  std::string_view languageCode() const;
+  std::string_view languageCode() const&;
+  std::string languageCode() const&& { return std::string(languageCode()); }
 
-  const std::string& description() const { return identifier_; }
+  std::string description() const { return identifier_; }
   friend bool operator==(const Locale&, const Locale&) = default;
 
  private:

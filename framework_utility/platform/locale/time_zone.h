@@ -31,12 +31,13 @@ class TimeZone {
   /// Selector: localTimeZone
   static TimeZone current();
 
-  const std::string& name() const { return name_; }
+  const std::string& name() const& { return name_; }
+  std::string name() const&& { return name_; }
   /// How far the clock is ahead of Greenwich's at `date`.
   /// Selector: secondsFromGMTForDate:
   std::chrono::seconds secondsFromGMTForDate(Date date) const;
 
-  const std::string& description() const { return name_; }
+  std::string description() const { return name_; }
   friend bool operator==(const TimeZone& a, const TimeZone& b) { return a.name_ == b.name_; }
 
  private:

@@ -6,9 +6,15 @@
 #include <gtest/gtest.h>
 
 #include <sstream>
+#include <type_traits>
+#include <utility>
 
 namespace FrameworkUtility {
 namespace {
+
+// Of a temporary, nothing refers to it.
+static_assert(!std::is_reference_v<decltype(std::declval<Error>().domain())>);
+static_assert(!std::is_reference_v<decltype(std::declval<Error>().userInfo())>);
 
 constexpr ErrorCode noFile{"DiskDomain", 5, "No file."};
 

@@ -4,9 +4,14 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <type_traits>
+#include <utility>
 
 namespace FrameworkUtility {
 namespace {
+
+// Of a temporary, nothing refers to it.
+static_assert(!std::is_reference_v<decltype(std::declval<URL>().absoluteString())>);
 
 TEST(URLTest, FileNamesComeBackUnchanged) {
   for (const std::string name : {"a%20b.jpg", "100%.jpg", "a#b?.jpg", "a;b:c.jpg", "ü\u2028 .jpg",

@@ -11,6 +11,8 @@
 #include <numbers>
 #include <random>
 #include <string>
+#include <type_traits>
+#include <utility>
 #include <vector>
 
 namespace FrameworkUtility {
@@ -20,6 +22,9 @@ using testing::ExactGradient;
 using testing::expectExact;
 using enum CGImageAlphaInfo;
 using Kind = ExactGradient::Kind;
+
+// Of a temporary, nothing refers to it.
+static_assert(!std::is_reference_v<decltype(std::declval<CGGradient>().stops())>);
 
 CGGradient gradientOf(const ExactGradient& exact) {
   std::vector<CGColor> colors;

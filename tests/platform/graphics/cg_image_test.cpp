@@ -9,6 +9,7 @@
 #include <cmath>
 #include <limits>
 #include <type_traits>
+#include <utility>
 
 namespace FrameworkUtility {
 namespace {
@@ -19,6 +20,12 @@ using testing::noise;
 using enum CGImageAlphaInfo;
 
 constexpr std::size_t huge = std::numeric_limits<std::size_t>::max();
+
+// Of a temporary, nothing refers to it.
+static_assert(!std::is_reference_v<decltype(std::declval<CGImage>().layout())>);
+static_assert(!std::is_reference_v<decltype(std::declval<CGImage>().colorSpace())>);
+static_assert(!std::is_reference_v<decltype(std::declval<CGImage>().pixels())>);
+static_assert(!std::is_reference_v<decltype(std::declval<UIImage>().cgImage())>);
 
 TEST(CGImageTest, TakesLayoutsThatAgreeWithThemselvesAndTheSpace) {
   const CGColorSpace rgb = CGColorSpace::createDeviceRGB();

@@ -3,8 +3,15 @@
 
 #include <gtest/gtest.h>
 
+#include <type_traits>
+#include <utility>
+
 namespace FrameworkUtility {
 namespace {
+
+// Of a temporary, nothing refers to it.
+static_assert(!std::is_reference_v<decltype(std::declval<Locale>().identifier())>);
+static_assert(!std::is_reference_v<decltype(std::declval<Locale>().description())>);
 
 using testing::ScopedEnvironment;
 
