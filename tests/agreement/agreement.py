@@ -37,7 +37,7 @@ def exiftool(path, *options):
 SETS = {
     "plain": [],
     "camera": ["-Make=Acme", "-Model=Acme One", "-Software=Firm 1.0", "-Orientation#=6",
-               "-CreateDate=2024:05:06 07:08:09", "-DateTimeOriginal=2024:05:06 07:08:08",
+               "-CreateDate=2024:05:06 07:08:09", "-OffsetTimeDigitized=+02:00", "-DateTimeOriginal=2024:05:06 07:08:08",
                "-ModifyDate=2024:05:07 00:00:00", "-ISO=125", "-FNumber=1.8", "-FocalLength=4.25",
                "-GPSLatitude=48.8584", "-GPSLatitudeRef=N", "-GPSLongitude=2.2945",
                "-GPSLongitudeRef=W", "-GPSAltitude=35.5", "-GPSAltitudeRef=1",
@@ -109,9 +109,13 @@ def expected_facts(path):
         "fileSize": first("System:FileSize"),
     }
     if any(name.startswith("ExifIFD:") for name in tags):
-        text = first("ExifIFD:CreateDate", "ExifIFD:DateTimeOriginal", "IFD0:ModifyDate")
-        if text:
-            facts["date"] = text[:10].replace(":", "-") + "T" + text[11:19] + "Z"
+        for name, offset in (("ExifIFD:CreateDate", "OffsetTimeDigitized"),
+                             ("ExifIFD:DateTimeOriginal", "OffsetTimeOriginal"),
+                             ("IFD0:ModifyDate", "OffsetTime")):
+            if text := tags.get(name):
+                facts["date"] = (text[:10].replace(":", "-") + "T" + text[11:19] +
+                                 tags.get("ExifIFD:" + offset, ""))
+                break
     latitude, longitude = first("GPS:GPSLatitude"), first("GPS:GPSLongitude")
     if re.search(r"GPSL(at|ong)itude = .*\n.*string\[", run("exiftool", "-v2", path).stdout):
         latitude = None  # stored as text, which exiftool reads as a number

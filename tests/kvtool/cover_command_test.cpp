@@ -83,22 +83,13 @@ TEST_F(CoverCommandTest, DrawsBoth) {
 }
 
 TEST_F(CoverCommandTest, WhatHasNoAnswerIsReported) {
-  const std::pair<const char*, int> cases[] = {
-      {"--area 3,2 --content 4,3 --center 0,0 --angle 0.5 --svg no/folder.svg", 1},
-      {"--area 3,2 --content 4,3 --center 0,0 --angle nan", 1},
-      {"--area 3,2 --content 4,3 --center 1e308,-1e308 --angle 1", 1},
-      {"--area 3,0 --content 4,3 --center 0,0 --angle 1", 2},
-      {"--area 3,2 --content 4,-3 --center 0,0 --angle 1", 2},
-      {"--area inf,2 --content 4,3 --center 0,0 --angle 1", 2},
-      {"--area 3 --content 4,3 --center 0,0 --angle 1", 2},
-      {"--area 3,2,1 --content 4,3 --center 0,0 --angle 1", 2},
-      {"--area 3,2 --content 4,3 --center x,y --angle 1", 2},
-      {"--area 3,2 --content 4,3 --center 0,0", 2}};
-  for (const auto& [arguments, exitCode] : cases) {
+  for (const char* arguments :
+       {"--area 3,2 --content 4,3 --center 0,0 --angle 0.5 --svg no/folder.svg",
+        "--area 3,2 --content 4,3 --center 1e308,-1e308 --angle 1"}) {
     SCOPED_TRACE(arguments);
     const ProgramResult result = run(arguments);
-    EXPECT_EQ(result.exitCode, exitCode);
-    EXPECT_NE(result.problems, "");
+    EXPECT_EQ(result.exitCode, 1);
+    EXPECT_THAT(result.problems, StartsWith("kvtool: "));
   }
 }
 

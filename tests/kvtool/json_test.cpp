@@ -1,4 +1,4 @@
-#include <tools/kvtool/json.h>
+#include <tools/kvtool/console/json.h>
 
 #include <gtest/gtest.h>
 

@@ -1,16 +1,18 @@
-#include <tools/kvtool/commands.h>
-#include <tools/kvtool/console.h>
-#include <tools/kvtool/json.h>
+#include <tools/kvtool/console/console.h>
+#include <tools/kvtool/console/json.h>
+#include <tools/kvtool/files/output.h>
+#include <tools/kvtool/geometry/commands.h>
 
 #include <framework_utility/geometry/math.h>
 #include <framework_utility/geometry/rectangle.h>
-#include <framework_utility/platform/foundation/files.h>
+#include <framework_utility/platform/foundation/path.h>
 
 #include <fmt/core.h>
 
 #include <algorithm>
 #include <cmath>
-#include <iterator>
+#include <limits>
+#include <memory>
 #include <span>
 
 namespace kvtool {
@@ -18,6 +20,15 @@ namespace kvtool {
 using namespace FrameworkUtility;
 
 namespace {
+
+struct Options {
+  std::pair<double, double> area;     ///< Width and height of what must be covered, at (0, 0).
+  std::pair<double, double> content;  ///< Width and height whose proportions count.
+  std::pair<double, double> center;   ///< What the content is turned about.
+  double angle = 0;                   ///< In radians.
+  bool json = false;
+  std::string svg;  ///< Where to draw both; empty for nowhere.
+};
 
 Size sizeOf(std::pair<double, double> sides) { return {sides.first, sides.second}; }
 
@@ -69,9 +80,7 @@ void print(const KvRectangle& cover, double zoom) {
   printLine(fmt::format("zoom {:10.3f}", zoom));
 }
 
-}  // namespace
-
-bool printCover(const CoverOptions& options) {
+bool printCover(const Options& options) {
   const KvRectangle area(sizeOf(options.area));
   const Size content = sizeOf(options.content);
   const Point center{options.center.first, options.center.second};
@@ -88,17 +97,53 @@ bool printCover(const CoverOptions& options) {
                               {"p2", corner(cover.p2())},
                               {"p3", corner(cover.p3())},
                               {"p4", corner(cover.p4())}}));
-  else
+  else if (!isStandardOutput(options.svg))
     print(cover, zoom);
   if (options.svg.empty()) return true;
   const std::string svg = picture(area, cover, center);
-  Error error;
-  if (!FileManager::defaultManager().writeAtomically(Data(std::as_bytes(std::span(svg))),
-                                                     options.svg, &error)) {
-    printProblem(options.svg, error);
-    return false;
-  }
-  return true;
+  return writeOutput(std::as_bytes(std::span(svg)), options.svg);
+}
+
+std::string problemOf(const Options& options) {
+  if (options.json && isStandardOutput(options.svg))
+    return "--json and --svg - both go to standard output";
+  const std::string extension = paths::pathExtension(options.svg);
+  return extension.empty() || isStandardOutput(options.svg) || extension == "svg"
+             ? ""
+             : options.svg + " is not a name for SVG";
+}
+
+}  // namespace
+
+Command coverCommand() {
+  const auto options = std::make_shared<Options>();
+  constexpr double anything = -std::numeric_limits<double>::infinity();
+  return {
+      .name = "cover",
+      .purpose = "Find how large a turned picture must be shown to cover a crop area",
+      .arguments = {{"--area", numberPair(options->area, 0, "WIDTH,HEIGHT"),
+                     "The crop area, at 0,0", true},
+                    {"--content", numberPair(options->content, 0, "WIDTH,HEIGHT"),
+                     "The picture's proportions", true},
+                    {"--center", numberPair(options->center, anything, "X,Y"),
+                     "What the picture is turned about", true},
+                    {"-a,--angle", finiteNumber(options->angle, "RADIANS"),
+                     "By how much, counterclockwise", true},
+                    {"-j,--json", flag(options->json),
+                     R"({"p1": [x, y], ...}, with digits that read back as the same numbers)"},
+                    {"--svg", anyText(options->svg, "FILE"),
+                     "Draw both; - is standard output, then without the numbers"}},
+      .help =
+          R"(Prints the corners of the smallest such picture, clockwise from its top left one, y downwards, then
+its size, and its zoom: how many times it is as wide as the smallest upright one. For a whole or half
+turn, 0 included, the answer is that upright one at 0,0, whatever the center.
+
+Examples:
+  kvtool cover --area 300,200 --content 4032,3024 --center 150,100 --angle 0.12
+  kvtool cover --area 3,2 --content 4,3 --center 1.5,1 --angle -0.5 --svg cover.svg
+  kvtool cover --json --area 3,2 --content 4,3 --center 1.5,1 --angle 0.5 | jq .p1[0])",
+      .check = [options] { return problemOf(*options); },
+      .run = [options] { return printCover(*options); }};
 }
 
 }  // namespace kvtool

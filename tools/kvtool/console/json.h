@@ -16,7 +16,4 @@ std::string json(const FrameworkUtility::Value& value);
 /// `text` between quotation marks, with everything escaped that must not stand there.
 std::string jsonText(std::string_view text);
 
-/// "2024-05-06T07:08:09Z": UTC, whole seconds, rounded down.
-std::string isoText(FrameworkUtility::Date date);
-
 }  // namespace kvtool

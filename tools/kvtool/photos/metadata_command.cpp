@@ -1,11 +1,13 @@
-#include <tools/kvtool/commands.h>
-#include <tools/kvtool/console.h>
-#include <tools/kvtool/facts.h>
-#include <tools/kvtool/json.h>
+#include <tools/kvtool/console/console.h>
+#include <tools/kvtool/console/json.h>
+#include <tools/kvtool/files/picture_input.h>
+#include <tools/kvtool/photos/commands.h>
+#include <tools/kvtool/photos/facts.h>
 
 #include <fmt/core.h>
 
 #include <algorithm>
+#include <memory>
 
 namespace kvtool {
 
@@ -43,16 +45,22 @@ void printTable(const std::vector<Row>& rows) {
   for (const auto& [name, text] : rows) printLine(fmt::format("  {:<{}}  {}", name, width, text));
 }
 
+struct Options {
+  std::vector<std::string> files;
+  bool json = false;
+};
+
 bool printMetadataOf(const std::string& file, bool asJson) {
+  const std::optional<PictureInput> input = PictureInput::open(file);
+  if (!input) return false;
   Error error;
-  const std::optional<KvImageMetadata> metadata =
-      KvImageMetadata::withUrl(URL::fileURLWithPath(file), &error);
+  const auto metadata = KvImageMetadata::withImageSource(input->source(), &error);
   if (!metadata) {
-    printProblem(file, error);
+    printProblem(input->name(), error);
     return false;
   }
   const Dictionary properties = metadata->properties().value_or(Dictionary());
-  const Dictionary known = facts(*metadata, file);
+  const Dictionary known = facts(*metadata, input->path());
   if (asJson) {
     printLine(json(Dictionary{{"file", file}, {"properties", properties}, {"facts", known}}));
     return true;
@@ -60,7 +68,7 @@ bool printMetadataOf(const std::string& file, bool asJson) {
   std::vector<Row> factRows, propertyRows;
   addRows(factRows, known, "");
   addRows(propertyRows, properties, "");
-  printLine(file);
+  printLine(input->name());
   printTable(factRows);
   printLine("");
   printTable(propertyRows);
@@ -70,10 +78,29 @@ bool printMetadataOf(const std::string& file, bool asJson) {
 
 }  // namespace
 
-bool printMetadata(const MetadataOptions& options) {
-  bool all = true;
-  for (const std::string& file : options.files) all = printMetadataOf(file, options.json) && all;
-  return all;
+Command metadataCommand() {
+  const auto options = std::make_shared<Options>();
+  return {
+      .name = "metadata",
+      .purpose = "Show what image files say of themselves",
+      .arguments = {{"FILE", fileNames(options->files), "Image files; - is standard input", true},
+                    {"-j,--json", flag(options->json), "One JSON object a line and file"}},
+      .help =
+          R"(Reads the files' metadata only, never their pixels. The facts come first, each only when it is
+known; then all properties under the platform's names. With --json an object has the members
+"file", "properties" and "facts"; bytes are {"base64": "..."}. A date is what the camera's clock
+showed, with its offset from Greenwich where the file says it.
+
+Examples:
+  kvtool metadata photo.jpg
+  kvtool metadata --json *.jpg | jq -r '[.file, .facts.model, .facts.date] | @tsv'
+  kvtool metadata -j - <photo.jpg | jq '.properties["{GPS}"]')",
+      .run = [options] {
+        bool all = true;
+        for (const std::string& file : options->files)
+          all = printMetadataOf(file, options->json) && all;
+        return all;
+      }};
 }
 
 }  // namespace kvtool

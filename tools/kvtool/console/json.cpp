@@ -1,10 +1,11 @@
-#include <tools/kvtool/json.h>
+#include <tools/kvtool/console/json.h>
+
+#include <tools/kvtool/console/photo_date.h>
 
 #include <framework_utility/platform/foundation/object.h>
 
 #include <fmt/core.h>
 
-#include <chrono>
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
@@ -90,7 +91,7 @@ void append(std::string& out, const Value& value) {
   } else if (const auto* data = value.as<Data>()) {
     out += "{\"base64\": \"" + base64(*data) + "\"}";
   } else if (const auto* date = value.as<Date>()) {
-    out += jsonText(isoText(*date));
+    out += jsonText(textOf({*date, "Z"}));
   } else {
     out += value.isNull() ? "null" : jsonText(value.description());
   }
@@ -120,15 +121,6 @@ std::string jsonText(std::string_view text) {
     text.remove_prefix(length == 0 ? 1 : length);
   }
   return out + '"';
-}
-
-std::string isoText(Date date) {
-  const auto day = std::chrono::floor<std::chrono::days>(date);
-  const std::chrono::year_month_day calendar(day);
-  const std::chrono::hh_mm_ss time(std::chrono::floor<std::chrono::seconds>(date - day));
-  return fmt::format("{:04}-{:02}-{:02}T{:02}:{:02}:{:02}Z", static_cast<int>(calendar.year()),
-                     static_cast<unsigned>(calendar.month()), static_cast<unsigned>(calendar.day()),
-                     time.hours().count(), time.minutes().count(), time.seconds().count());
 }
 
 }  // namespace kvtool

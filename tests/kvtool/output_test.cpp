@@ -1,0 +1,195 @@
+#include <framework_utility/platform/foundation/files.h>
+#include <framework_utility/platform/imageio/image_source.h>
+#include <tests/imageio/pictures.h>
+#include <tests/support/files.h>
+#include <tests/support/run_program.h>
+#include <tests/support/temporary_folder.h>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <string>
+
+namespace FrameworkUtility {
+namespace {
+
+namespace fs = std::filesystem;
+using ::testing::EndsWith;
+using ::testing::HasSubstr;
+using testing::ProgramResult;
+using ::testing::StartsWith;
+
+constexpr char pngMark[] = "\x89PNG";
+constexpr char jpegMark[] = "\xFF\xD8\xFF";
+
+/// Where each command writes to, which goes behind it.
+struct Writer {
+  std::string command;
+  std::string beginning;  // of what it writes
+};
+
+const Writer writers[] = {
+    {"cover --area 3,2 --content 4,3 --center 1,1 --angle 1 --svg ", "<svg "},
+    {"gradient --kind hue --size 4x4 --out ", pngMark},
+    {"palette a.png --png ", pngMark},
+    {"save a.png --out ", pngMark},
+    {"save a.png --type jpeg -o ", jpegMark},
+    {"thumbnail a.png -s 3 -o ", pngMark},
+};
+
+class OutputTest : public ::testing::Test {
+ protected:
+  OutputTest() {
+    testing::writeFile(path("a.png"), testing::encoded(testing::redAndBlue(20, 10), "public.png"));
+  }
+
+  std::string path(const std::string& name) const { return folder_.path(name); }
+
+  ProgramResult run(const std::string& arguments) const {
+    return testing::runProgram("'" KVTOOL "' " + arguments, folder_.path());
+  }
+
+  std::string contents(const std::string& name) const {
+    return testing::contentsOf(FileManager::defaultManager(), path(name)).value_or("");
+  }
+
+  const testing::TemporaryFolder folder_;
+};
+
+TEST_F(OutputTest, StandardOutputGetsTheResultAndNothingElse) {
+  for (const auto& [command, beginning] : writers) {
+    SCOPED_TRACE(command);
+    const ProgramResult result = run(command + "-");
+    EXPECT_EQ(result.exitCode, 0);
+    EXPECT_EQ(result.problems, "");
+    EXPECT_THAT(result.output, StartsWith(beginning));
+    EXPECT_EQ(run(command + "/dev/stdout").output, result.output);
+    EXPECT_FALSE(fs::exists(path("-")));
+    EXPECT_EQ(run(command + "file").exitCode, 0);
+    EXPECT_EQ(contents("file"), result.output);
+    fs::remove(path("file"));
+  }
+}
+
+TEST_F(OutputTest, PipesAndDevicesAreWrittenThrough) {
+  for (const auto& [command, beginning] : writers) {
+    SCOPED_TRACE(command);
+    const ProgramResult result = testing::runProgram(
+        "mkfifo pipe && { timeout 20 cat pipe & timeout 20 '" KVTOOL "' " + command +
+            "pipe; code=$?; wait; test -p pipe && rm pipe && exit $code; }",
+        folder_.path());
+    EXPECT_EQ(result.exitCode, 0);
+    EXPECT_EQ(result.problems, "");
+    EXPECT_THAT(result.output, HasSubstr(beginning));
+  }
+  // By a link of our own: whatever happens to it, the device itself is nobody's to replace here.
+  fs::create_symlink("/dev/full", path("full"));
+  const ProgramResult full = run("thumbnail a.png -s 3 -o full");
+  EXPECT_EQ(full.exitCode, 1);
+  EXPECT_EQ(full.problems,
+            "kvtool: full: there is no space left on the disk (NSPOSIXErrorDomain 28)\n");
+  EXPECT_TRUE(fs::is_symlink(path("full")));
+}
+
+TEST_F(OutputTest, ALinksTargetIsReplaced) {
+  fs::create_directory(path("folder"));
+  for (const auto& [command, beginning] : writers) {
+    SCOPED_TRACE(command);
+    fs::create_symlink("folder/second", path("first"));
+    fs::create_symlink("target", path("folder/second"));
+    for (const bool isThere : {false, true}) {
+      if (isThere) std::ofstream(path("folder/target")) << "old";
+      EXPECT_EQ(run(command + "first").exitCode, 0);
+      EXPECT_TRUE(fs::is_symlink(path("first")) && fs::is_symlink(path("folder/second")));
+      EXPECT_THAT(contents("folder/target"), StartsWith(beginning));
+    }
+    for (const char* name : {"first", "folder/second", "folder/target"}) fs::remove(path(name));
+  }
+  fs::create_symlink("round", path("round"));
+  EXPECT_THAT(run(writers[0].command + "round").problems, HasSubstr("round: "));
+  EXPECT_TRUE(fs::is_symlink(path("round")));
+}
+
+TEST_F(OutputTest, StandardInputIsReadLikeAFile) {
+  const std::pair<std::string, std::string> cases[] = {
+      {"metadata -j", R"({"file": "-", )"},
+      {"save -o -", pngMark},
+      {"thumbnail -s 3 -o -", pngMark},
+      {"palette -q full -c 1", "#FF0000"},
+  };
+  for (const auto& [command, beginning] : cases) {
+    SCOPED_TRACE(command);
+    const ProgramResult piped =
+        testing::runProgram("cat a.png | '" KVTOOL "' " + command + " -", folder_.path());
+    EXPECT_EQ(piped.exitCode, 0);
+    EXPECT_THAT(piped.output, StartsWith(beginning));
+    if (command.starts_with("metadata")) continue;  // which names the file
+    EXPECT_EQ(piped.output, run(command + " a.png").output);
+  }
+  EXPECT_THAT(testing::runProgram("'" KVTOOL "' metadata - <a.png", folder_.path()).output,
+              HasSubstr("fileSize  " + std::to_string(fs::file_size(path("a.png"))) + "\n"));
+  EXPECT_THAT(run("save - <a.png").output, EndsWith("/stdin.png\n"));
+  EXPECT_THAT(run("metadata - </dev/null").problems,
+              HasSubstr("standard input: the file is empty"));
+}
+
+TEST_F(OutputTest, CausesAreToldInPlainWords) {
+  const std::pair<std::string, std::string> files[] = {
+      {"heic", std::string("\0\0\0\x18"
+                           "ftypheic",
+                           12)},
+      {"webp", "RIFF\1\2\3\4WEBP"},
+      {"gif", "GIF89a"},
+      {"text", "words"},
+      {"nothing", ""},
+      {"cut", std::string("\xFF\xD8\xFF\xE1\xFF\xFF", 6)}};
+  for (const auto& [name, bytes] : files) std::ofstream(path(name), std::ios::binary) << bytes;
+  const std::pair<std::string, std::string> cases[] = {
+      {"metadata none.jpg", "none.jpg: there is no such file (NSCocoaErrorDomain 260)"},
+      {"metadata .", ".: that is a folder, not a file (NSCocoaErrorDomain 256)"},
+      {"metadata /dev/null", "/dev/null: that is a pipe or a device"},
+      {"thumbnail heic -s 3 -o x",
+       "heic: HEIC is not read here (NSTervixKvImageMetadataErrorDomain 4)"},
+      {"save webp", "webp: WebP is not read here"},
+      {"palette gif", "gif: GIF is not read here"},
+      {"metadata text", "text: that is no picture"},
+      {"metadata nothing", "nothing: the file is empty"},
+      {"metadata cut", "cut: the file is cut off"},
+      {"save a.png -o no/x.png", "no/x.png: there is no such folder (NSCocoaErrorDomain 4)"},
+      {"palette a.png --png a.png/x.png", "a.png/x.png: a part of the path is a file"},
+      {"metadata a.png >/dev/full", "standard output: there is no space left on the disk"}};
+  for (const auto& [arguments, problem] : cases) {
+    SCOPED_TRACE(arguments);
+    const ProgramResult result = run(arguments);
+    EXPECT_EQ(result.exitCode, 1);
+    EXPECT_THAT(result.problems, StartsWith("kvtool: " + problem));
+  }
+}
+
+TEST_F(OutputTest, ManyFilesEndInASummary) {
+  testing::writeFile(path("b.jpg"), testing::encoded(testing::redAndBlue(20, 10), "public.jpeg"));
+  fs::create_directory(path("more"));
+  fs::copy_file(path("b.jpg"), path("more/b.jpg"));
+
+  const ProgramResult reduced = run("thumbnail a.png none.jpg b.jpg -s 3 --out-dir new/small");
+  EXPECT_EQ(reduced.exitCode, 1);
+  EXPECT_EQ(reduced.output, "new/small/a.png\nnew/small/b.jpg\n");
+  EXPECT_THAT(reduced.problems, EndsWith("\nkvtool: 2 of 3 reduced, 1 failed\n"));
+
+  const ProgramResult saved = run("save a.png b.jpg more/b.jpg -O saved -t jpeg");
+  EXPECT_EQ(saved.output, "saved/a.jpeg\nsaved/b.jpg\n");
+  EXPECT_THAT(saved.problems, HasSubstr("more/b.jpg: saved/b.jpg is the result of another file"));
+
+  const ProgramResult palettes = run("palette a.png b.jpg -q full -c 1 -O .");
+  EXPECT_EQ(palettes.exitCode, 1);
+  EXPECT_THAT(palettes.output, StartsWith("a.png\n#FF0000  255   0   0\nb.jpg\n#"));
+  EXPECT_THAT(palettes.problems, StartsWith("kvtool: a.png: ./a.png would be replaced"));
+  EXPECT_THAT(contents("b.png"), StartsWith(pngMark));
+
+  EXPECT_EQ(run("save a.png b.jpg").problems, "kvtool: 2 of 2 saved\n");
+}
+
+}  // namespace
+}  // namespace FrameworkUtility

@@ -1,0 +1,59 @@
+#include <tools/kvtool/console/error_words.h>
+
+#include <framework_utility/platform/foundation/file_error.h>
+
+#include <cctype>
+#include <cerrno>
+#include <cstddef>
+#include <optional>
+#include <system_error>
+
+namespace kvtool {
+
+using namespace FrameworkUtility;
+
+std::string plainWords(int systemError) {
+  switch (systemError) {
+    case ENOENT:
+      return "there is no such file";
+    case EACCES:
+    case EPERM:
+      return "permission denied";
+    case ENOSPC:
+      return "there is no space left on the disk";
+    case EDQUOT:
+      return "your share of the disk is used up";
+    case EROFS:
+      return "the disk is read-only";
+    case EISDIR:
+      return "that is a folder, not a file";
+    case ENOTDIR:
+      return "a part of the path is a file, not a folder";
+    case ESPIPE:
+      return "that is a pipe or a device, not a file; standard input is read by the name -";
+    case ELOOP:
+      return "the link leads in a circle";
+    case ENAMETOOLONG:
+      return "the name is too long";
+    default:
+      break;
+  }
+  std::string text = std::generic_category().message(systemError);
+  if (!text.empty()) text[0] = static_cast<char>(std::tolower(static_cast<unsigned char>(text[0])));
+  return text;
+}
+
+std::string plainWords(const Error& error) {
+  constexpr std::size_t deepest = 16;  // apps nest causes as they like
+  std::optional<Error> cause = error;
+  for (std::size_t i = 0; cause && i < deepest; ++i) {
+    // Of a file that cannot be made it is the folder that is missing.
+    if (cause->domain() == NSCocoaErrorDomain && cause->code() == NSFileNoSuchFileError)
+      return "there is no such folder";
+    if (cause->domain() == NSPOSIXErrorDomain) return plainWords(static_cast<int>(cause->code()));
+    cause = cause->underlyingError();
+  }
+  return error.localizedDescription();
+}
+
+}  // namespace kvtool

@@ -1,0 +1,9 @@
+#pragma once
+
+#include <tools/kvtool/console/command.h>
+
+namespace kvtool {
+
+Command coverCommand();
+
+}  // namespace kvtool
