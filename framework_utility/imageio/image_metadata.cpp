@@ -31,11 +31,14 @@ KvImageMetadata KvImageMetadata::withProperties(
 std::optional<KvImageMetadata> KvImageMetadata::withUrl(const std::optional<URL>& url,
                                                         Error* error) {
   if (!url) return fail(error, KvImageMetadataError::urlIsNil);
-  const std::optional<CGImageSource> source = CGImageSource::createWithURL(*url);
+  Error cause;
+  const std::optional<CGImageSource> source = CGImageSource::createWithURL(*url, {}, &cause);
+  if (source) return withImageSource(source, error);
   // Asked only where opening failed: what opens exists.
-  if (!source && !fileExistsAtUrl(FileManager::defaultManager(), *url))
-    return fail(error, KvImageMetadataError::fileDoesNotExist);
-  return withImageSource(source, error);
+  const bool isThere = fileExistsAtUrl(FileManager::defaultManager(), *url);
+  return fail(
+      error, isThere ? KvImageMetadataError::noImageSource : KvImageMetadataError::fileDoesNotExist,
+      cause);
 }
 
 std::optional<KvImageMetadata> KvImageMetadata::withData(const std::optional<Data>& data,
@@ -53,8 +56,13 @@ std::optional<KvImageMetadata> KvImageMetadata::withImageSource(
   if (const CGImageSourceStatus status = source->status();
       status != CGImageSourceStatus::complete) {
     const ErrorCode& code = KvImageMetadataError::sourceNotComplete;
-    return fail(error, code,
-                std::string(code.message) + std::string(description(status)) + " is not complete.");
+    Error cause;
+    (void)source->propertiesAtIndex(0, &cause);
+    if (error)
+      *error = errorWithCode(
+          code, std::string(code.message) + std::string(description(status)) + " is not complete.",
+          cause);
+    return std::nullopt;
   }
   std::optional<Dictionary> properties = source->propertiesAtIndex(0);
   if (!properties) return fail(error, KvImageMetadataError::noProperties);

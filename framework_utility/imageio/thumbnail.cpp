@@ -1,4 +1,3 @@
-#include <framework_utility/imageio/files/file_utility.h>
 #include <framework_utility/imageio/image_metadata.h>
 #include <framework_utility/imageio/image_writer.h>
 #include <framework_utility/platform/foundation/files.h>
@@ -27,32 +26,36 @@ UTType roundTripType(const UIImage& image) {
 
 }  // namespace
 
-std::optional<UIImage> thumbnailForImageAtURL(const URL& url, Size size) {
-  const double side = std::max(size.width, size.height);
-  if (std::isnan(size.width) || std::isnan(size.height) || side <= 0) return std::nullopt;
-  if (!fileExistsAtUrl(FileManager::defaultManager(), url)) return std::nullopt;
-  const std::optional<CGImageSource> source = CGImageSource::createWithURL(url);
-  if (!source || source->status() != CGImageSourceStatus::complete) return std::nullopt;
+std::optional<UIImage> thumbnailForImageAtURL(const URL& url, Size size,
+                                              const CGImageSourceLimits& limits, Error* error) {
+  // Not a number where a side is none: then there is no thumbnail.
+  const double side = std::isnan(size.height) ? size.height : std::max(size.width, size.height);
+  const auto source = CGImageSource::createWithURL(url, {.limits = limits}, error);
+  if (!source) return std::nullopt;
   const std::optional<CGImage> thumbnail =
-      source->thumbnailAtIndex(0, {.createThumbnailFromImageAlways = true,
-                                   .createThumbnailWithTransform = true,
-                                   .shouldCacheImmediately = true,
-                                   .thumbnailMaxPixelSize = side});
+      source->thumbnailAtIndex(0,
+                               {.createThumbnailFromImageAlways = true,
+                                .createThumbnailWithTransform = true,
+                                .shouldCacheImmediately = true,
+                                .thumbnailMaxPixelSize = side},
+                               error);
   if (!thumbnail) return std::nullopt;
   return UIImage(*thumbnail);
 }
 
 std::optional<UIImage> thumbnailWrittenOnDiskWithSize(const UIImage& image, Size size,
-                                                      std::string_view sessionIdentifier) {
+                                                      std::string_view sessionIdentifier,
+                                                      Error* error) {
   KvImageMetadata metadata;
   metadata.setImageOrientation(image.imageOrientation());
   const std::optional<URL> written =
       writeToDiskWithFileName(image, std::nullopt, sessionIdentifier,
                               {.metadata = &metadata,
                                .compressionQuality = thumbnailCompressionQuality,
-                               .uti = roundTripType(image)});
+                               .uti = roundTripType(image)},
+                              error);
   if (!written) return std::nullopt;
-  std::optional<UIImage> thumbnail = thumbnailForImageAtURL(*written, size);
+  std::optional<UIImage> thumbnail = thumbnailForImageAtURL(*written, size, {}, error);
   FileManager::defaultManager().removeItemAtPath(written->path().value_or(""), nullptr);
   return thumbnail;
 }

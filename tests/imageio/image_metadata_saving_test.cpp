@@ -48,6 +48,8 @@ TEST(KvImageMetadataReadingTest, EveryFailureHasItsError) {
   EXPECT_THAT(readData(Data(bytes("no picture at all"))), notComplete("statusUnknownType"));
   const Data cut(std::span(jpeg.data(), 30));
   EXPECT_TRUE(readData(cut).is(KvImageMetadataError::sourceNotComplete));
+  EXPECT_EQ(readData(cut).underlyingError()->localizedDescription(),
+            "The file ends inside the image.");
   Error error;
   EXPECT_FALSE(KvImageMetadata::withImageSource(std::nullopt, &error));
   EXPECT_THAT(error, IsError(KvImageMetadataError::noImageSource));
@@ -65,6 +67,7 @@ TEST(KvImageMetadataReadingTest, AFileThatCannotBeReadGivesNoSource) {
   Error error;
   EXPECT_FALSE(KvImageMetadata::withUrl(URL::fileURLWithPath(folder.path("a.jpg")), &error));
   EXPECT_THAT(error, IsError(KvImageMetadataError::noImageSource));
+  EXPECT_EQ(error.underlyingError(), Error("NSCocoaErrorDomain", 257));
 }
 
 TEST(KvImageMetadataReadingTest, SuccessLeavesTheErrorAlone) {

@@ -8,6 +8,7 @@
 
 #include <filesystem>
 #include <limits>
+#include <utility>
 
 namespace FrameworkUtility {
 namespace {
@@ -63,10 +64,22 @@ TEST_F(ThumbnailTest, IsUpright) {
 
 TEST_F(ThumbnailTest, NeedsAWholeImageFile) {
   const Data jpeg = encoded(redAndBlue(200, 100), "public.jpeg");
-  EXPECT_FALSE(thumbnailForImageAtURL(URL::fileURLWithPath(folder_.path("none")), {50, 50}));
-  EXPECT_FALSE(thumbnailForImageAtURL(URL::fileURLWithPath(folder_.path()), {50, 50}));
-  EXPECT_FALSE(thumbnailForImageAtURL(file("empty", Data()), {50, 50}));
-  EXPECT_FALSE(thumbnailForImageAtURL(file("cut", Data(std::span(jpeg.data(), 30))), {50, 50}));
+  const struct {
+    URL url;
+    Size size;
+    std::uint64_t mostPixels;
+    std::int64_t code;
+  } cases[] = {{URL::fileURLWithPath(folder_.path("none")), {50, 50}, 20'000, 260},
+               {URL::fileURLWithPath(folder_.path()), {50, 50}, 20'000, 256},
+               {file("empty", Data()), {50, 50}, 20'000, 259},
+               {file("cut", Data(std::span(jpeg.data(), 30))), {50, 50}, 20'000, 259},
+               {file("whole", jpeg), {nan, 50}, 20'000, 256},
+               {file("whole", jpeg), {50, 50}, 19'999, 263}};
+  Error error;
+  for (const auto& [url, size, mostPixels, code] : cases) {
+    EXPECT_FALSE(thumbnailForImageAtURL(url, size, {.mostPixels = mostPixels}, &error));
+    EXPECT_EQ(std::exchange(error, Error()).code(), code);
+  }
 }
 
 TEST_F(ThumbnailTest, ByWayOfTheDiskItLeavesNoFile) {
@@ -79,8 +92,14 @@ TEST_F(ThumbnailTest, ByWayOfTheDiskItLeavesNoFile) {
        std::filesystem::recursive_directory_iterator(temporaryDirectory() + "Thumbnail-1"))
     EXPECT_TRUE(entry.is_directory()) << entry.path();
 
-  EXPECT_FALSE(thumbnailWrittenOnDiskWithSize(turned, {50, 50}, ""));
-  EXPECT_FALSE(thumbnailWrittenOnDiskWithSize(UIImage::withoutBitmap({5, 5}), {50, 50}, "T"));
+  Error error;
+  EXPECT_FALSE(thumbnailWrittenOnDiskWithSize(turned, {50, 50}, "", &error));
+  EXPECT_TRUE(error.is(CGImageWriteToDiskError::noFolder));
+  EXPECT_FALSE(
+      thumbnailWrittenOnDiskWithSize(UIImage::withoutBitmap({5, 5}), {50, 50}, "T", &error));
+  EXPECT_TRUE(error.is(CGImageWriteToDiskError::imageIsNil));
+  EXPECT_FALSE(thumbnailWrittenOnDiskWithSize(turned, {0, 0}, "T", &error));
+  EXPECT_EQ(error.localizedDescription(), "A thumbnail needs a side above 0.");
 }
 
 }  // namespace

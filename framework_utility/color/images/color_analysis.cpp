@@ -1,12 +1,13 @@
 #include <framework_utility/color/images/color_analysis.h>
 
 #include <framework_utility/color/images/color_buckets.h>
-#include <framework_utility/imageio/files/file_utility.h>
 #include <framework_utility/platform/foundation/application.h>
 #include <framework_utility/platform/foundation/number.h>
+#include <framework_utility/platform/foundation/platform_error.h>
 #include <framework_utility/platform/graphics/drawn_rows.h>
 #include <framework_utility/platform/imageio/image_source.h>
 #include <framework_utility/platform/imageio/property_keys.h>
+#include <framework_utility/platform/imageio/ui_image_coding.h>
 
 #include <algorithm>
 #include <array>
@@ -18,6 +19,7 @@ namespace FrameworkUtility {
 namespace {
 
 using detail::ColorBucket;
+using detail::failed;
 
 /// Truncated; stops the process where that is no 64-bit integer.
 std::int64_t whole(double value) { return Number(value).integerValue(); }
@@ -71,9 +73,10 @@ std::vector<KvColor> mainColors(std::vector<ColorBucket> buckets, std::int64_t c
 }
 
 /// The file as it is, or reduced to the quality's pixels where it is larger.
-std::optional<UIImage> imageForAnalysis(const URL& url, std::int64_t quality) {
-  const auto source = CGImageSource::createWithURL(url);
-  const auto properties = source ? source->propertiesAtIndex(0) : std::nullopt;
+std::optional<UIImage> imageForAnalysis(const URL& url, std::int64_t quality,
+                                        const CGImageSourceLimits& limits, Error* error) {
+  const auto source = CGImageSource::createWithURL(url, {.limits = limits}, error);
+  const auto properties = source ? source->propertiesAtIndex(0, error) : std::nullopt;
   if (!properties) return std::nullopt;
   const auto side = [&](std::string_view key) {
     const auto* number = properties->get<Number>(key);
@@ -82,11 +85,13 @@ std::optional<UIImage> imageForAnalysis(const URL& url, std::int64_t quality) {
   const auto longest = static_cast<double>(quality);
   if (quality == 0 ||
       std::max(side(kCGImagePropertyPixelWidth), side(kCGImagePropertyPixelHeight)) <= longest) {
-    return UIImage::withContentsOfFile(*url.path());
+    return detail::uiImageFrom(*source, error);
   }
-  const auto reduced = source->thumbnailAtIndex(0, {.createThumbnailFromImageAlways = true,
-                                                    .createThumbnailWithTransform = true,
-                                                    .thumbnailMaxPixelSize = longest});
+  const auto reduced = source->thumbnailAtIndex(0,
+                                                {.createThumbnailFromImageAlways = true,
+                                                 .createThumbnailWithTransform = true,
+                                                 .thumbnailMaxPixelSize = longest},
+                                                error);
   if (!reduced) return std::nullopt;
   return UIImage(*reduced);
 }
@@ -108,19 +113,25 @@ std::optional<UIImageAnalyzeColorQuality> fromRawValue<UIImageAnalyzeColorQualit
 
 std::optional<UIImageAnalyzeResult> analyzeImageWithQuality(const UIImage& image,
                                                             UIImageAnalyzeColorQuality quality,
-                                                            std::int64_t count) {
-  if (!image.cgImage()) return std::nullopt;
+                                                            std::int64_t count, Error* error) {
+  if (!image.cgImage()) return failed(error, UIImageAnalyzeError::noColors);
   const Size size = image.size();
   const std::int64_t width = whole(size.width);
   const std::int64_t height = whole(size.height);
   constexpr auto most = static_cast<std::int64_t>(detail::maximumPixelBytes / 4);
   (void)whole(size.width * size.height);
-  if (width < 1 || height < 1 || width > most / height) return std::nullopt;
+  if (width < 1 || height < 1 || width > most / height)
+    return failed(error, UIImageAnalyzeError::badSize);
 
   const Size area = analysisSize(size, static_cast<std::int64_t>(quality));
   const detail::PixelSize bitmap{static_cast<std::size_t>(width), static_cast<std::size_t>(height)};
   auto rows = detail::DrawnRows::create(*image.cgImage(), bitmap, area);
-  if (!rows) return std::nullopt;
+  if (!rows) {
+    const auto& space = image.cgImage()->colorSpace();
+    return failed(error, space && space->model() == CGColorSpaceModel::rgb
+                             ? UIImageAnalyzeError::badSize
+                             : UIImageAnalyzeError::noColors);
+  }
   detail::ColorBuckets buckets;
   const auto columnsToWalk = static_cast<std::size_t>(std::min(whole(area.width), width));
   const auto rowsToWalk = static_cast<std::size_t>(std::min(whole(area.height), height));
@@ -135,16 +146,19 @@ std::optional<UIImageAnalyzeResult> analyzeImageWithQuality(const UIImage& image
 
 std::optional<UIImageAnalyzeResult> analyzeImageWithQuality(const URL& url,
                                                             UIImageAnalyzeColorQuality quality,
-                                                            std::int64_t count) {
-  if (!fileExistsAtUrl(FileManager::defaultManager(), url)) return std::nullopt;
-  const auto image = imageForAnalysis(url, static_cast<std::int64_t>(quality));
-  return image ? analyzeImageWithQuality(*image, quality, count) : std::nullopt;
+                                                            std::int64_t count,
+                                                            const CGImageSourceLimits& limits,
+                                                            Error* error) {
+  const auto image = imageForAnalysis(url, static_cast<std::int64_t>(quality), limits, error);
+  return image ? analyzeImageWithQuality(*image, quality, count, error) : std::nullopt;
 }
 
 std::optional<UIImageAnalyzeResult> analyzeImageAtUrl(const URL& url,
                                                       UIImageAnalyzeColorQuality quality,
-                                                      std::int64_t count) {
-  return analyzeImageWithQuality(url, quality, count);
+                                                      std::int64_t count,
+                                                      const CGImageSourceLimits& limits,
+                                                      Error* error) {
+  return analyzeImageWithQuality(url, quality, count, limits, error);
 }
 
 bool hasAlpha(const UIImage& image) {

@@ -1,9 +1,12 @@
 #pragma once
 
 #include <framework_utility/color/color.h>
+#include <framework_utility/platform/foundation/error.h>
+#include <framework_utility/platform/foundation/file_error.h>
 #include <framework_utility/platform/foundation/raw_value.h>
 #include <framework_utility/platform/foundation/url.h>
 #include <framework_utility/platform/graphics/ui_image.h>
+#include <framework_utility/platform/imageio/image_source.h>
 
 #include <cstdint>
 #include <optional>
@@ -22,6 +25,14 @@ enum class UIImageAnalyzeColorQuality : std::int64_t {
 template <>
 std::optional<UIImageAnalyzeColorQuality> fromRawValue<UIImageAnalyzeColorQuality>(
     std::int64_t rawValue);
+
+/// How an analysis fails beside what an image source says.
+struct UIImageAnalyzeError {
+  static constexpr ErrorCode noColors{NSCocoaErrorDomain, 3328,
+                                      "The image has no pixels in red, green and blue."};
+  static constexpr ErrorCode badSize{NSCocoaErrorDomain, 263,
+                                     "The image has no points, or too many."};
+};
 
 /// What an analysis found.
 struct UIImageAnalyzeResult {
@@ -42,26 +53,31 @@ struct UIImageAnalyzeResult {
 /// high to that width, any other stretched to a square, of which only the lower left part, as large
 /// as the image, is seen. It is meant.
 ///
-/// Absent without a bitmap, for one whose colour space is not RGB, for a size that truncates to 0
-/// and for more than 536 million points. A size that is not finite, or does not fit 64 bits, stops
-/// the process.
+/// Absent without a bitmap and for one whose colour space is not RGB (`noColors`), for a size that
+/// truncates to 0 and for more than 536 million points (`badSize`). A size that is not finite, or
+/// does not fit 64 bits, stops the process.
 ///
 /// Thread: any.
 /// Selector: analyzeImageWithQuality:count:
 std::optional<UIImageAnalyzeResult> analyzeImageWithQuality(const UIImage& image,
                                                             UIImageAnalyzeColorQuality quality,
-                                                            std::int64_t count);
+                                                            std::int64_t count,
+                                                            Error* error = nullptr);
 /// The same of the file, reduced to the quality's pixels where it is larger. Absent for a missing
-/// or unreadable file too.
+/// or unreadable file too, and for one beyond the limits, with the errors of image_source_error.h.
 /// Selector: analyzeImageWithQuality:count:
 std::optional<UIImageAnalyzeResult> analyzeImageWithQuality(const URL& url,
                                                             UIImageAnalyzeColorQuality quality,
-                                                            std::int64_t count);
+                                                            std::int64_t count,
+                                                            const CGImageSourceLimits& limits = {},
+                                                            Error* error = nullptr);
 /// The same.
 /// Selector: analyzeImageAtUrl:quality:count:
 std::optional<UIImageAnalyzeResult> analyzeImageAtUrl(const URL& url,
                                                       UIImageAnalyzeColorQuality quality,
-                                                      std::int64_t count);
+                                                      std::int64_t count,
+                                                      const CGImageSourceLimits& limits = {},
+                                                      Error* error = nullptr);
 
 /// Whether the bitmap's pixels carry colour and alpha; false for an alpha mask and without a
 /// bitmap.

@@ -1,5 +1,7 @@
 // The operations of UIImage that read or write files; the rest stands beside its header.
 
+#include <framework_utility/platform/imageio/ui_image_coding.h>
+
 #include <framework_utility/platform/foundation/uniform_type.h>
 #include <framework_utility/platform/graphics/ui_image.h>
 #include <framework_utility/platform/imageio/image_destination.h>
@@ -37,22 +39,23 @@ std::int64_t exifNumber(UIImageOrientation orientation) {
   return found == orientations.end() ? 1 : std::distance(orientations.begin(), found) + 1;
 }
 
-std::optional<UIImage> imageFrom(const std::optional<CGImageSource>& source, Error* error) {
-  const std::optional<CGImage> image = source ? source->imageAtIndex(0, error) : std::nullopt;
+}  // namespace
+
+std::optional<UIImage> detail::uiImageFrom(const CGImageSource& source, Error* error) {
+  const std::optional<CGImage> image = source.imageAtIndex(0, error);
   if (!image) {
     return std::nullopt;
   }
-  return UIImage(*image, 1, orientationIn(source->propertiesAtIndex(0).value_or(Dictionary())));
+  return UIImage(*image, 1, orientationIn(source.propertiesAtIndex(0).value_or(Dictionary())));
 }
 
-}  // namespace
-
 std::optional<UIImage> UIImage::withContentsOfFile(std::string_view path, Error* error) {
-  return imageFrom(CGImageSource::createWithURL(URL::fileURLWithPath(path), {}, error), error);
+  const auto source = CGImageSource::createWithURL(URL::fileURLWithPath(path), {}, error);
+  return source ? detail::uiImageFrom(*source, error) : std::nullopt;
 }
 
 std::optional<UIImage> UIImage::withData(const Data& data, Error* error) {
-  return imageFrom(CGImageSource::createWithData(data), error);
+  return detail::uiImageFrom(*CGImageSource::createWithData(data), error);
 }
 
 std::optional<Data> UIImageJPEGRepresentation(const UIImage& image, double quality) {

@@ -71,16 +71,28 @@ TEST_F(ColorAnalysisOfFilesTest, SmallFilesAreReadWhole) {
 }
 
 TEST_F(ColorAnalysisOfFilesTest, WithoutAReadableColourPictureThereIsNoResult) {
-  const CGImage gray = *CGImage::create(layoutOf(300, 300, 1, CGImageAlphaInfo::none),
-                                        CGColorSpace::createDeviceGray(), dataOf(noise(90'000)));
+  const CGImage gray = *CGImage::create(layoutOf(200, 200, 1, CGImageAlphaInfo::none),
+                                        CGColorSpace::createDeviceGray(), dataOf(noise(40'000)));
   const Data jpeg = encoded(bitmapOf(300, 300, all(red)), "public.jpeg");
+  const struct {
+    URL url;
+    std::int64_t code;
+  } cases[] = {{write("gray.png", encoded(gray, "public.png")), 3328},
+               {urlOf("missing.png"), 260},
+               {urlOf(""), 256},
+               {*URL::withString("https://example.com/a.png"), 262},
+               {*URL::withString("mailto:a@b.c"), 262},
+               {write("text.png", dataOf({'n', 'o'})), 259},
+               {write("empty.png", Data()), 259},
+               {write("cut.jpg", Data(std::span(jpeg).first(100))), 259},
+               {write("large.jpg", jpeg), 263}};
   for (const auto quality : {full, low})
-    for (const URL& url :
-         {write("gray.png", encoded(gray, "public.png")), urlOf("missing.png"), urlOf(""),
-          *URL::withString("https://example.com/a.png"), *URL::withString("mailto:a@b.c"),
-          write("text.png", dataOf({'n', 'o'})), write("empty.png", Data()),
-          write("cut.jpg", Data(std::span(jpeg).first(100)))})
-      EXPECT_EQ(colorsOf(url, quality), "none") << url.absoluteString();
+    for (const auto& [url, code] : cases) {
+      Error error;
+      EXPECT_FALSE(analyzeImageAtUrl(url, quality, 0, {.mostPixels = 89'999}, &error))
+          << url.absoluteString();
+      EXPECT_EQ(error.code(), code) << url.absoluteString();
+    }
 }
 
 }  // namespace
