@@ -1,15 +1,25 @@
 #include <framework_utility/platform/imageio/metadata_codec.h>
+#include <framework_utility/platform/imageio/xmp/xmp_extension.h>
+#include <framework_utility/platform/imageio/xmp/xmp_packet.h>
 
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
+#include <optional>
 #include <span>
+#include <string_view>
 #include <vector>
 
 using namespace FrameworkUtility;
 using namespace FrameworkUtility::detail;
 
-// A packet in which everything was changed stays as it is when nothing more is.
+static std::optional<std::size_t> count(const Data& packet) {
+  const auto found = parseXmpPacket({reinterpret_cast<const char*>(packet.data()), packet.size()});
+  return found ? std::optional(found->size()) : std::nullopt;
+}
+
+// A packet in which everything was changed stays as it is when nothing more is. One that is split
+// loses no property, nor when it is joined again.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const std::span packet = std::as_bytes(std::span(data, size));
   Dictionary before;
@@ -26,5 +36,13 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const std::vector<std::byte> changed = mergeXmp(packet, before, after, pixels);
   const std::vector<std::byte> again = mergeXmp(changed, after, after, pixels);
   if (again != changed) std::abort();
+
+  const Data whole(packet);
+  if (const std::optional<XmpParts> parts = splitXmp(whole, size / 2)) {
+    const Data joined = joinedXmp(parts->packet, parts->extension);
+    if (count(whole) && (*count(parts->packet) + *count(parts->extension) != *count(whole) ||
+                         *count(joined) + !xmpExtensionName(whole).empty() < *count(whole)))
+      std::abort();
+  }
   return 0;
 }

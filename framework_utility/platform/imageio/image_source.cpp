@@ -293,15 +293,18 @@ std::shared_ptr<const MetadataBlocks> CGImageSource::metadataBlocksAtIndex(
   }
   const MetadataBlocks& stored = contents_->header().blocks;
   if (stored.exif.empty() && stored.xmp.empty() && stored.imageResources.empty() &&
-      stored.extendedXmp.empty()) {
+      stored.formatParts.empty()) {
     return nullptr;
   }
   auto blocks = std::make_shared<MetadataBlocks>();
   blocks->exif = compact(detail::withoutEmbeddedThumbnail(stored.exif));
   blocks->xmp = compact(stored.xmp);
+  blocks->extendedXmp = compact(stored.extendedXmp);
   blocks->imageResources = compact(stored.imageResources);
-  std::transform(stored.extendedXmp.begin(), stored.extendedXmp.end(),
-                 std::back_inserter(blocks->extendedXmp), compact);
+  blocks->format = stored.format;
+  for (const FormatPart& part : stored.formatParts) {
+    blocks->formatParts.push_back({part.kind, compact(part.contents)});
+  }
   return blocks;
 }
 

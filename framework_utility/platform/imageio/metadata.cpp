@@ -1,6 +1,9 @@
 #include <framework_utility/platform/imageio/metadata_codec.h>
 
+#include <framework_utility/platform/imageio/xmp/xmp_extension.h>
+
 #include <string_view>
+#include <utility>
 
 namespace FrameworkUtility::detail {
 namespace {
@@ -30,26 +33,34 @@ void readMetadata(const MetadataBlocks& blocks, Dictionary& properties) {
   readExif(blocks.exif, properties);
   readImageResources(blocks.imageResources, properties);
   readXmp(blocks.xmp, properties);
+  readXmp(blocks.extendedXmp, properties);
 }
 
 MetadataBlocks mergeMetadata(const MetadataBlocks* source, const Dictionary& properties,
                              const PixelFacts& pixels) {
-  if (!source)
-    return {.exif = Data(mergeExif({}, properties, pixels)),
-            .xmp = {},
-            .imageResources = Data(mergeImageResources({}, properties)),
-            .extendedXmp = {}};
-
+  MetadataBlocks blocks;
+  if (!source) {
+    blocks.exif = Data(mergeExif({}, properties, pixels));
+    blocks.imageResources = Data(mergeImageResources({}, properties));
+    return blocks;
+  }
   Dictionary withoutXmp;
   readExif(source->exif, withoutXmp);
   readImageResources(source->imageResources, withoutXmp);
   Dictionary before = withoutXmp;
   readXmp(source->xmp, before);
+  readXmp(source->extendedXmp, before);
   const Dictionary rest = withoutXmpEntries(properties, before, withoutXmp);
-  return {.exif = Data(mergeExif(source->exif, rest, pixels)),
-          .xmp = Data(mergeXmp(source->xmp, before, properties, pixels)),
-          .imageResources = Data(mergeImageResources(source->imageResources, rest)),
-          .extendedXmp = source->extendedXmp};
+  blocks.exif = Data(mergeExif(source->exif, rest, pixels));
+  blocks.xmp = Data(mergeXmp(source->xmp, before, properties, pixels));
+  blocks.extendedXmp = Data(mergeXmp(source->extendedXmp, before, properties, pixels));
+  // The name is a digest of what it names.
+  if (blocks.extendedXmp != source->extendedXmp)
+    blocks.xmp = withXmpExtensionName(blocks.xmp, {}).value_or(blocks.xmp);
+  blocks.imageResources = Data(mergeImageResources(source->imageResources, rest));
+  blocks.format = source->format;
+  blocks.formatParts = source->formatParts;
+  return blocks;
 }
 
 }  // namespace FrameworkUtility::detail

@@ -1,3 +1,4 @@
+#include <framework_utility/platform/foundation/uniform_type.h>
 #include <framework_utility/platform/imageio/jpeg/jpeg_decode.h>
 #include <framework_utility/platform/imageio/jpeg/jpeg_encode.h>
 #include <framework_utility/platform/imageio/jpeg/jpeg_header.h>
@@ -142,19 +143,57 @@ TEST(JpegHeader, JfifGivesResolution) {
 }
 
 TEST(JpegHeader, BlocksAreFoundAmongOthers) {
-  const std::string extension = "http://ns.adobe.com/xmp/extension/\0guid"s;
-  const ImageHeader header =
-      read(jpegHeader(jpegSegment(0xE1, "Exif\0\0first"s) + jpegSegment(0xE1, "Exif\0\0second"s) +
-                      jpegSegment(0xE1, "http://ns.adobe.com/xap/1.0/\0<x/>"s) +
-                      jpegSegment(0xE1, extension + "1") + jpegSegment(0xE1, extension + "2") +
-                      jpegSegment(0xE1, "Exi") + jpegSegment(0xFE, "comment") +
-                      jpegSegment(0xED, "Photoshop 3.0\0008BI"s) + jpegFrame() +
-                      jpegSegment(0xED, "Photoshop 3.0\0M..."s)));
+  const ImageHeader header = read(jpegHeader(
+      jpegSegment(0xE1, "Exif\0\0first"s) + jpegSegment(0xE1, "Exif\0\0second"s) +
+      jpegSegment(0xE1, "http://ns.adobe.com/xap/1.0/\0<x/>"s) + jpegSegment(0xE1, "Exi") +
+      jpegSegment(0xFE, "comment") + jpegSegment(0xED, "Photoshop 3.0\0008BI"s) + jpegFrame() +
+      jpegSegment(0xED, "Photoshop 3.0\0M..."s)));
   EXPECT_EQ(textOf(header.blocks.exif), "first");
   EXPECT_EQ(textOf(header.blocks.xmp), "<x/>");
   EXPECT_EQ(textOf(header.blocks.imageResources), "8BIM...");
-  ASSERT_EQ(header.blocks.extendedXmp.size(), 2U);
-  EXPECT_EQ(textOf(header.blocks.extendedXmp[1]), extension + "2");
+}
+
+/// The kinds and contents of what is kept of a file with these segments.
+std::string partsOf(const std::string& segments) {
+  std::string parts;
+  for (const FormatPart& part : read(segments).blocks.formatParts) {
+    parts += static_cast<char>(part.kind);
+    parts += textOf(part.contents) + '\n';
+  }
+  return parts;
+}
+
+TEST(JpegHeader, OtherSegmentsAreKeptButForThoseOfThePixels) {
+  const std::pair<unsigned, std::string> kept[] = {{0xE0, "II\x1A\0\0\0HEAPJPGM"s},
+                                                   {0xE1, "FLIR\0raw"s},
+                                                   {0xE2, "FPXR\0"s},
+                                                   {0xE3, "Meta"},
+                                                   {0xED, "Adobe_CM"},
+                                                   {0xEE, "of nobody"},
+                                                   {0xEF, "Q 90"},
+                                                   {0xFE, "a comment"},
+                                                   {0xFE, "another"}};
+  const std::pair<unsigned, std::string> gone[] = {{0xE0, "JFIF\0\1\1\0\0\1\0\1\0\0"s},
+                                                   {0xE0, "JFXX\0\x10 small"s},
+                                                   {0xE1, "Exif\0\0MM"s},
+                                                   {0xE1, "Exif\0\0II"s},
+                                                   {0xE1, "http://ns.adobe.com/xap/1.0/\0<x/>"s},
+                                                   {0xE2, "MPF\0MM"s},
+                                                   {0xE2, "ICC_PROFILE\0\1\1profile"s},
+                                                   {0xE8, "SPIFF\0"s},
+                                                   {0xED, "Photoshop 3.0\0008BIM"s},
+                                                   {0xEE, "Adobe\0\x64"s},
+                                                   {0xC4, "a table"},
+                                                   {0xE4, "\xFF\xD8\xFF\xDB large"},
+                                                   {0xE4, "the rest of it"}};
+  std::string segments, expected;
+  for (std::size_t i = 0; i < std::size(gone); ++i) {
+    segments += jpegSegment(gone[i].first, gone[i].second);
+    if (i >= std::size(kept)) continue;
+    segments += jpegSegment(kept[i].first, kept[i].second);
+    expected += static_cast<char>(kept[i].first) + kept[i].second + '\n';
+  }
+  EXPECT_EQ(partsOf(jpegHeader(segments + jpegFrame())), expected);
 }
 
 TEST(JpegHeader, ProfileIsJoinedInOrderOrNone) {
@@ -293,31 +332,68 @@ TEST(JpegEncode, MetadataComesBackHoweverLarge) {
   EncodeRequest request;
   request.blocks.exif = dataOf("MM\0*" + noise(60'000));
   request.blocks.xmp = dataOf("<x/>");
-  request.blocks.extendedXmp = {dataOf("http://ns.adobe.com/xmp/extension/\0"s + noise(65'400)),
-                                dataOf("http://ns.adobe.com/xmp/extension/\0rest"s)};
   request.blocks.imageResources = dataOf(noise(150'000));
   request.iccProfile = dataOf(noise(200'000));
   const ImageHeader header = read(encode(image, request));
   ASSERT_EQ(header.status, Status::complete);
   EXPECT_EQ(header.blocks.exif, request.blocks.exif);
   EXPECT_EQ(header.blocks.xmp, request.blocks.xmp);
-  EXPECT_EQ(header.blocks.extendedXmp, request.blocks.extendedXmp);
   EXPECT_EQ(header.blocks.imageResources, request.blocks.imageResources);
   EXPECT_EQ(header.iccProfile, request.iccProfile);
   EXPECT_EQ(header.formatProperties.find("{JFIF}"), nullptr);
+}
+
+TEST(JpegEncode, PartsComeBackInOrderFromJpegOnly) {
+  EncodeRequest request;
+  request.blocks.formatParts = {{0xFE, dataOf("a comment")}, {0xE0, dataOf("CIFF")}, {0xFE, {}}};
+  EXPECT_EQ(partsOf(encode(quarters(16, 16), request)), "");
+  request.blocks.format = UTTypeJPEG.identifier();
+  EXPECT_EQ(partsOf(encode(quarters(16, 16), request)),
+            "\xFE"
+            "a comment\n\xE0"
+            "CIFF\n");
+}
+
+TEST(JpegEncode, JfifIsAsItWasUnlessTheResolutionChanges) {
+  const auto written = [](Dictionary properties, bool hasExif) {
+    EncodeRequest request;
+    request.properties = std::move(properties);
+    if (hasExif) request.blocks.exif = dataOf("MM\0*"s);
+    const std::string file = encode(quarters(16, 16), request);
+    return file.substr(6, 4) == "JFIF" ? file.substr(11, 7) : "none";
+  };
+  const Value version(Array{1, 0, 2});
+  const auto stored = [&](int unit, int x, int y) {
+    return Dictionary{
+        {"JFIFVersion", version}, {"DensityUnit", unit}, {"XDensity", x}, {"YDensity", y}};
+  };
+  const Dictionary tiff{{"XResolution", 300}, {"YResolution", 300}};
+  EXPECT_EQ(written({}, false), "\1\1\0\0\1\0\1"s);
+  EXPECT_EQ(written({}, true), "none");
+  EXPECT_EQ(written({{"{JFIF}", Dictionary{{"IsProgressive", true}}}}, true), "none");
+  EXPECT_EQ(written({{"{JFIF}", stored(0, 4, 3)}}, true), "\1\2\0\0\4\0\3"s);
+  EXPECT_EQ(
+      written({{"{JFIF}", stored(2, 100, 100)}, {"DPIWidth", 254.0}, {"DPIHeight", 254.0}}, true),
+      "\1\2\2\0\x64\0\x64"s);
+  // EXIF says another resolution than JFIF, and did so before.
+  EXPECT_EQ(
+      written(
+          {{"{JFIF}", stored(1, 72, 72)}, {"{TIFF}", tiff}, {"DPIWidth", 300}, {"DPIHeight", 300}},
+          true),
+      "\1\2\1\0\x48\0\x48"s);
+  EXPECT_EQ(written({{"{JFIF}", stored(1, 72, 72)}, {"DPIWidth", 96}, {"DPIHeight", 97.4}}, true),
+            "\1\2\1\0\x60\0\x61"s);
 }
 
 TEST(JpegEncode, WhatFitsNoSegmentIsLeftOut) {
   EncodeRequest request;
   request.blocks.exif = dataOf(noise(65'528));
   request.blocks.xmp = dataOf(noise(65'505));
-  request.blocks.extendedXmp = {dataOf("http://ns.adobe.com/xmp/extension/\0rest"s)};
   request.properties = {{"DPIWidth", 300}, {"DPIHeight", 299.6}};
   const std::string file = encode(quarters(16, 16), request);
   const ImageHeader header = read(file);
   EXPECT_TRUE(header.blocks.exif.empty());
   EXPECT_TRUE(header.blocks.xmp.empty());
-  EXPECT_TRUE(header.blocks.extendedXmp.empty());
   EXPECT_EQ(*header.formatProperties.get<Number>("DPIHeight"), Number(300));
   EXPECT_TRUE(decode(file));
 

@@ -1,7 +1,10 @@
 #include <framework_utility/platform/imageio/jpeg/jpeg_encode.h>
 
+#include <framework_utility/platform/foundation/uniform_type.h>
 #include <framework_utility/platform/graphics/rgba_rows.h>
+#include <framework_utility/platform/imageio/jpeg/jpeg_extended_xmp.h>
 #include <framework_utility/platform/imageio/jpeg/jpeg_header.h>
+#include <framework_utility/platform/imageio/jpeg/jpeg_resolution.h>
 #include <framework_utility/platform/imageio/jpeg/jpeg_writer.h>
 #include <framework_utility/platform/imageio/property_keys.h>
 
@@ -12,6 +15,7 @@
 #include <cstring>
 #include <optional>
 #include <span>
+#include <string>
 
 namespace FrameworkUtility::detail {
 
@@ -125,13 +129,6 @@ int qualityNumber(double quality) {
   return static_cast<int>(std::lround(std::clamp(100 * quality, 1.0, 100.0)));
 }
 
-/// 0 when it is missing or no number that JFIF can hold.
-std::uint16_t dotsPerInch(const Dictionary& properties, std::string_view key) {
-  const Number* number = properties.get<Number>(key);
-  const double dots = number ? std::round(number->doubleValue()) : 0;
-  return dots >= 1 && dots <= 65535 ? static_cast<std::uint16_t>(dots) : std::uint16_t{0};
-}
-
 bool fits(std::string_view signature, const Data& contents) {
   return !contents.empty() && signature.size() + contents.size() <= JpegWriter::maximumSegmentSize;
 }
@@ -149,15 +146,32 @@ bool writeImageResources(JpegWriter& writer, Bytes resources) {
   return true;
 }
 
-/// The extension is of use only beside the packet that names it.
 bool writeXmp(JpegWriter& writer, const MetadataBlocks& blocks) {
-  if (!fits(jpegXmpSignature, blocks.xmp)) {
+  if (blocks.xmp.empty()) {
     return true;
   }
-  return writer.writeSegment(JPEG_APP0 + 1, jpegXmpSignature, blocks.xmp) &&
-         std::all_of(blocks.extendedXmp.begin(), blocks.extendedXmp.end(), [&](const Data& piece) {
-           return !fits("", piece) || writer.writeSegment(JPEG_APP0 + 1, "", piece);
-         });
+  const std::optional<XmpParts> xmp = xmpForSegments(blocks.xmp, blocks.extendedXmp);
+  if (!xmp) {
+    return true;
+  }
+  const Bytes extension = xmp->extension;
+  const std::string name = extension.empty() ? "" : xmpExtensionName(xmp->packet);
+  const std::size_t pieceSize = JpegWriter::maximumSegmentSize - extendedXmpHead(name, 0, 0).size();
+  bool isWritten = writer.writeSegment(JPEG_APP0 + 1, jpegXmpSignature, xmp->packet);
+  for (std::size_t i = 0; i < extension.size() && isWritten; i += pieceSize) {
+    const Bytes rest = extension.subspan(i);
+    isWritten = writer.writeSegment(JPEG_APP0 + 1, extendedXmpHead(name, extension.size(), i),
+                                    rest.first(std::min(pieceSize, rest.size())));
+  }
+  return isWritten;
+}
+
+bool writeParts(JpegWriter& writer, const MetadataBlocks& blocks) {
+  return blocks.format != UTTypeJPEG.identifier() ||
+         std::all_of(blocks.formatParts.begin(), blocks.formatParts.end(),
+                     [&](const FormatPart& part) {
+                       return writer.writeSegment(static_cast<int>(part.kind), "", part.contents);
+                     });
 }
 
 /// The profile says what components mean, so it may only stand beside as many.
@@ -186,12 +200,11 @@ bool encodeJpeg(const CGImage& image, const EncodeRequest& request, std::vector<
                      .colors = rows->colors(),
                      .bytesPerPixel = rows->bytesPerPixel(),
                      .quality = qualityNumber(request.quality),
-                     .hasJfif = !hasExif,
-                     .dotsPerInchX = dotsPerInch(request.properties, kCGImagePropertyDPIWidth),
-                     .dotsPerInchY = dotsPerInch(request.properties, kCGImagePropertyDPIHeight)}) ||
+                     .jfif = jpegResolution(request.properties, !hasExif)}) ||
       (hasExif && !writer.writeSegment(JPEG_APP0 + 1, jpegExifSignature, blocks.exif)) ||
       !writeXmp(writer, blocks) || !writeImageResources(writer, blocks.imageResources) ||
-      (profileFits(request, image, *rows) && !writer.writeProfile(request.iccProfile))) {
+      (profileFits(request, image, *rows) && !writer.writeProfile(request.iccProfile)) ||
+      !writeParts(writer, blocks)) {
     return cannotEncode(writer.problem(), error);
   }
   for (std::size_t y = 0; y < image.height(); ++y) {

@@ -1,9 +1,12 @@
 #include <framework_utility/platform/imageio/jpeg/jpeg_header.h>
 
+#include <framework_utility/platform/foundation/uniform_type.h>
+#include <framework_utility/platform/imageio/jpeg/jpeg_extended_xmp.h>
 #include <framework_utility/platform/imageio/property_keys.h>
 
 #include <algorithm>
 #include <cstring>
+#include <iterator>
 #include <memory>
 #include <span>
 #include <utility>
@@ -31,7 +34,24 @@ constexpr unsigned startOfScan = 0xDA;
 constexpr unsigned application0 = 0xE0;
 constexpr unsigned application1 = 0xE1;
 constexpr unsigned application2 = 0xE2;
+constexpr unsigned application5 = 0xE5;
+constexpr unsigned application8 = 0xE8;
 constexpr unsigned application13 = 0xED;
+constexpr unsigned application14 = 0xEE;
+constexpr unsigned application15 = 0xEF;
+constexpr unsigned comment = 0xFE;
+
+struct Kind {
+  unsigned marker;
+  std::string_view signature;
+};
+/// What is read elsewhere and written anew, or true of the old pixels only.
+constexpr Kind notKept[] = {
+    {application0, {"JFIF\0", 5}},        {application0, {"JFXX\0", 5}},
+    {application1, {"Exif\0", 5}},        {application1, jpegXmpSignature},
+    {application2, jpegProfileSignature}, {application2, {"MPF\0", 4}},
+    {application8, {"SPIFF\0", 6}},       {application13, jpegResourcesSignature},
+    {application14, {"Adobe", 5}}};
 
 /// SOF0 to SOF15; the three numbers left out are other tables'.
 constexpr bool isStartOfFrame(unsigned marker) {
@@ -110,6 +130,11 @@ class HeaderReader {
     header_.status = status;
     header_.iccProfile = profile();
     header_.blocks.imageResources = joined(imageResources_);
+    if (!extendedXmp_.empty()) {
+      header_.blocks.extendedXmp =
+          joinExtendedXmp(extendedXmp_, xmpExtensionName(header_.blocks.xmp));
+    }
+    header_.blocks.format = UTTypeJPEG.identifier();
     return std::move(header_);
   }
 
@@ -210,21 +235,50 @@ class HeaderReader {
   }
 
   void readApplicationSegment(const Segment& segment) {
+    bool isRead = false;
     switch (segment.marker) {
       case application0:
-        return readJfif(window_.at(segment.offset, std::min<std::size_t>(segment.size, 14)));
+        readJfif(window_.at(segment.offset, std::min<std::size_t>(segment.size, 14)));
+        break;
       case application1:
-        return readExifOrXmp(segment);
+        isRead = readExifOrXmp(segment);
+        break;
       case application2:
-        return readProfileChunk(segment);
+        readProfileChunk(segment);
+        break;
       case application13:
         if (const Data bytes = contents(segment, jpegResourcesSignature); !bytes.empty()) {
           imageResources_.push_back(bytes);
         }
-        return;
+        break;
       default:
-        return;
+        break;
     }
+    const bool isPart = segment.marker == comment ||
+                        (segment.marker >= application0 && segment.marker <= application15);
+    if (isPart && !isRead && isKept(segment)) {
+      if (Data all = contents(segment, ""); !all.empty()) {
+        header_.blocks.formatParts.push_back({segment.marker, std::move(all)});
+      }
+    }
+  }
+
+  /// Some cameras put a large picture into segments that follow one another; only the first of them
+  /// can be told.
+  bool isKept(const Segment& segment) {
+    constexpr std::size_t enough = 64;
+    const Bytes bytes = window_.at(segment.offset, std::min(segment.size, enough));
+    const bool isPicture =
+        segment.marker >= application2 && segment.marker <= application5 &&
+        (startsWith(bytes, "\xFF\xD8\xFF") || startsWith(bytes, {"QVGA\0\xFF\xD8\xFF", 8}) ||
+         startsWith(bytes, "BGTH\xFF\xD8\xFF"));
+    if (isPicture || segment.marker != picture_) {
+      picture_ = isPicture ? segment.marker : 0;
+    }
+    return picture_ == 0 &&
+           std::none_of(std::begin(notKept), std::end(notKept), [&](const Kind& kind) {
+             return kind.marker == segment.marker && startsWith(bytes, kind.signature);
+           });
   }
 
   /// JFIF 1.02: version, unit of density, densities, thumbnail.
@@ -252,24 +306,27 @@ class HeaderReader {
     }
   }
 
-  void readExifOrXmp(const Segment& segment) {
+  /// Whether the segment has been taken.
+  bool readExifOrXmp(const Segment& segment) {
     MetadataBlocks& blocks = header_.blocks;
     if (blocks.exif.empty()) {
       // The last byte of the signature is padding, and not always 0.
       blocks.exif = contents(segment, jpegExifSignature.substr(0, jpegExifSignature.size() - 1), 1);
       if (!blocks.exif.empty()) {
-        return;
+        return true;
       }
     }
     if (blocks.xmp.empty()) {
       blocks.xmp = contents(segment, jpegXmpSignature);
       if (!blocks.xmp.empty()) {
-        return;
+        return true;
       }
     }
     if (!contents(segment, jpegExtendedXmpSignature).empty()) {
-      blocks.extendedXmp.push_back(window_.shared(segment.offset, segment.size));
+      extendedXmp_.push_back(window_.shared(segment.offset, segment.size));
+      return true;
     }
+    return false;
   }
 
   void readProfileChunk(const Segment& segment) {
@@ -314,6 +371,8 @@ class HeaderReader {
   bool hasJfif_ = false;
   std::vector<ProfileChunk> profileChunks_;
   std::vector<Data> imageResources_;
+  std::vector<Data> extendedXmp_;  // whole contents of segments
+  unsigned picture_ = 0;           // the marker of the segment before, where it was of a picture
   std::size_t metadataSize_ = 0;
 };
 

@@ -21,7 +21,9 @@ inline constexpr std::string_view jpegResourcesSignature{"Photoshop 3.0\0", 14};
 /// The status is unknownType without the signature, incomplete when the file ends before the first
 /// scan or has no frame, and invalidData when the segments contradict themselves. Only a complete
 /// header has a size. Of EXIF, XMP and JFIF the first counts. A profile with a missing or repeated
-/// chunk is none.
+/// chunk is none, and so is extended XMP. Comments and all other application segments are the
+/// blocks' parts, but for those that belong to the pixels: Adobe's, which says how they are coded,
+/// small and large pictures of the same, and the index of pictures that stand behind this one.
 ImageHeader readJpegHeader(const ByteSource& source);
 
 }  // namespace FrameworkUtility::detail

@@ -56,13 +56,13 @@ bool JpegWriter::start(const Format& format) {
     info_.input_components = format.bytesPerPixel;
     jpeg_set_defaults(&info_);  // for three colours 4:2:0
     jpeg_set_quality(&info_, format.quality, TRUE);
-    if (!format.hasJfif) {
-      info_.write_JFIF_header = FALSE;
-    }
-    if (format.dotsPerInchX != 0 && format.dotsPerInchY != 0) {
-      info_.density_unit = 1;  // a inch
-      info_.X_density = format.dotsPerInchX;
-      info_.Y_density = format.dotsPerInchY;
+    info_.write_JFIF_header = format.jfif ? TRUE : FALSE;
+    if (format.jfif) {
+      info_.JFIF_major_version = format.jfif->majorVersion;
+      info_.JFIF_minor_version = format.jfif->minorVersion;
+      info_.density_unit = format.jfif->unit;
+      info_.X_density = format.jfif->x;
+      info_.Y_density = format.jfif->y;
     }
     jpeg_start_compress(&info_, TRUE);
   });

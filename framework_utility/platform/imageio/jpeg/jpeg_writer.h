@@ -1,10 +1,12 @@
 #pragma once
 
 #include <framework_utility/platform/imageio/jpeg/jpeg_errors.h>
+#include <framework_utility/platform/imageio/jpeg/jpeg_resolution.h>
 
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -22,9 +24,7 @@ class JpegWriter {
     J_COLOR_SPACE colors = JCS_EXT_RGBX;  // of the rows
     int bytesPerPixel = 4;
     int quality = 85;
-    bool hasJfif = true;
-    std::uint16_t dotsPerInchX = 0;  // 0: not known
-    std::uint16_t dotsPerInchY = 0;
+    std::optional<JpegResolution> jfif;  // absent: no JFIF segment
   };
 
   /// The largest contents of a segment, signature included.

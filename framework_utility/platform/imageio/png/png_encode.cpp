@@ -6,6 +6,7 @@
 #include <framework_utility/platform/imageio/png/png_text.h>
 #include <framework_utility/platform/imageio/png/png_writer.h>
 #include <framework_utility/platform/imageio/property_keys.h>
+#include <framework_utility/platform/imageio/xmp/xmp_extension.h>
 
 #include <algorithm>
 #include <array>
@@ -119,10 +120,11 @@ bool writeColorSpace(PngWriter& writer, const Data& profile, bool isGray) {
 bool writeMetadata(PngWriter& writer, const EncodeRequest& request, const Dictionary& png) {
   const MetadataBlocks& blocks = request.blocks;
   if (!blocks.exif.empty() && !writer.writeChunk("eXIf", blocks.exif)) return false;
-  if (!blocks.xmp.empty() &&
+  const Data xmp =
+      blocks.extendedXmp.empty() ? blocks.xmp : joinedXmp(blocks.xmp, blocks.extendedXmp);
+  if (!xmp.empty() &&
       !writer.writeChunk(
-          "iTXt",
-          ChunkData().text(pngXmpKeyword).byte(0).word(0).byte(0).byte(0).append(blocks.xmp))) {
+          "iTXt", ChunkData().text(pngXmpKeyword).byte(0).word(0).byte(0).byte(0).append(xmp))) {
     return false;
   }
   if (!blocks.imageResources.empty()) {

@@ -228,6 +228,7 @@ Dictionary xmpEntries(const XmpMapping& mapping, const std::vector<std::string>&
         entries.set(mapping.secondKey, exifDay(*date));
       }
       break;
+    case extensionName:
     case obsolete:
       break;
   }

@@ -156,6 +156,10 @@ constexpr XmpMapping basicProperties[] = {
     {"Thumbnails", obsolete},
 };
 
+constexpr XmpMapping noteProperties[] = {
+    {"HasExtendedXMP", extensionName},
+};
+
 struct Namespace {
   std::string_view uri;
   std::span<const XmpMapping> properties;
@@ -176,6 +180,7 @@ constexpr Namespace namespaces[] = {
     {"http://ns.adobe.com/photoshop/1.0/", photoshopProperties},
     {"http://iptc.org/std/Iptc4xmpCore/1.0/xmlns/", iptcCoreProperties},
     {"http://ns.adobe.com/xap/1.0/", basicProperties},
+    {"http://ns.adobe.com/xmp/note/", noteProperties},
 };
 
 }  // namespace

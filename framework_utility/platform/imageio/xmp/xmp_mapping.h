@@ -23,7 +23,8 @@ enum class XmpForm : std::uint8_t {
   altitudeRef,  ///< "1" below sea level. Second entry: the altitude.
   pixelWidth,   ///< Follows the pixels, whatever the entry says.
   pixelHeight,
-  obsolete,  ///< A fact about the old pixels that a changed file must not keep.
+  extensionName,  ///< By which a packet asks for another one that continues it.
+  obsolete,       ///< A fact about the old pixels that a changed file must not keep.
 };
 
 /// A property of the XMP packet and the entries that say the same.

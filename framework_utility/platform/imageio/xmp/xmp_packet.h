@@ -1,5 +1,6 @@
 #pragma once
 
+#include <framework_utility/platform/imageio/xmp/xml_walk.h>
 #include <framework_utility/platform/imageio/xmp/xmp_mapping.h>
 
 #include <cstddef>
@@ -10,11 +11,9 @@
 
 namespace FrameworkUtility::detail {
 
-/// Bytes of a packet from `begin` up to, not including, `end`.
-struct TextRange {
-  std::size_t begin = 0;
-  std::size_t end = 0;
-};
+inline constexpr std::string_view rdfRoot = "http://www.w3.org/1999/02/22-rdf-syntax-ns#|RDF";
+inline constexpr std::string_view rdfDescription =
+    "http://www.w3.org/1999/02/22-rdf-syntax-ns#|Description";
 
 /// A member of an rdf:Seq, rdf:Bag or rdf:Alt.
 struct XmpItem {
@@ -42,9 +41,8 @@ struct XmpProperty {
 };
 
 /// The properties of the tables in a UTF-8 packet, in its order: those at the top of an
-/// rdf:Description, as attributes and as elements. Absent for a packet that is not well-formed,
-/// holds a DOCTYPE, nests more than 64 elements, or has more than 16 MiB or 65,536 properties and
-/// items.
+/// rdf:Description, as attributes and as elements. Absent for a packet that cannot be walked over
+/// or has more than 65,536 properties and items.
 std::optional<std::vector<XmpProperty>> parseXmpPacket(std::string_view packet);
 
 }  // namespace FrameworkUtility::detail
