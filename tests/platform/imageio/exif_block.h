@@ -211,7 +211,7 @@ inline TestBlock photograph(std::endian order, std::string_view makerNote = {}) 
            b.numbers(7, unsignedRational, {1, 1, 2, 1, 350, 100}),
            b.text(0x1D, "2024:05:06")};
   b.interop = {b.text(1, "R98"), b.raw(2, undefined, "0100")};
-  b.thumbnail = "\xFF\xD8 the old picture, small \xFF\xD9";
+  b.thumbnail = std::string("\xFF\xD8\xFF\xFE\0\x1A the old picture, small \xFF\xD9", 32);
   return b;
 }
 

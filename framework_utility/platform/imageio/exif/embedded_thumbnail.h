@@ -5,6 +5,10 @@
 
 namespace FrameworkUtility::detail {
 
+/// The JPEG file that these bytes begin with, up to its end marker and zeros that fill up the rest;
+/// all of them when it is cut off. Empty when they begin with none.
+std::span<const std::byte> leadingJpeg(std::span<const std::byte> bytes);
+
 /// The small JPEG file that an EXIF block keeps for previews, in its second directory; empty when
 /// there is none.
 std::span<const std::byte> embeddedThumbnail(std::span<const std::byte> exif);

@@ -1,5 +1,7 @@
 #include <framework_utility/platform/imageio/exif/exif_pictures.h>
 
+#include <framework_utility/platform/imageio/exif/embedded_thumbnail.h>
+
 #include <algorithm>
 #include <iterator>
 #include <optional>
@@ -16,6 +18,8 @@ constexpr PixelTags strips{0x0111, 0x0117};
 constexpr PixelTags tiles{0x0144, 0x0145};
 constexpr PixelTags thumbnail{0x0201, 0x0202};
 constexpr PixelTags pixelTags[] = {strips, tiles, thumbnail};
+/// A longer value of a thumbnail's directory stays where it is, though nothing leads to it.
+constexpr std::size_t longestValue = 256;
 constexpr std::uint16_t childrenTag = 0x014A;
 constexpr std::uint16_t profileTag = 0x8773;
 
@@ -42,11 +46,17 @@ class Pictures {
     for (const PixelTags& tags : pixelTags) {
       const std::optional<TiffEntry> offsets = findEntry(reader_, directory, tags.offsets);
       const std::optional<TiffEntry> sizes = findEntry(reader_, directory, tags.sizes);
-      for (std::uint32_t i = 0; offsets && sizes; ++i) {
+      const bool isJpeg = tags.offsets == thumbnail.offsets;
+      for (std::uint32_t i = 0; offsets && sizes && !(isJpeg && i > 0); ++i) {
         const std::optional<std::uint32_t> offset = reader_.unsignedInteger(*offsets, i);
         const std::optional<std::uint32_t> size = reader_.unsignedInteger(*sizes, i);
         if (!offset || !size) break;
-        add(*offset, *size);
+        const auto rest =
+            reader_.block().subspan(std::min<std::size_t>(*offset, reader_.block().size()));
+        if (isJpeg)
+          add(*offset, leadingJpeg(rest.first(std::min<std::size_t>(*size, rest.size()))).size());
+        else if (*size <= rest.size())
+          add(*offset, *size);
       }
     }
     const std::optional<TiffEntry> children = findEntry(reader_, directory, childrenTag);
@@ -62,21 +72,31 @@ class Pictures {
       const std::uint32_t count = directory == 0 ? 0 : reader_.entryCount(directory);
       if (count == 0) return;
       --budget_;
+      addPixels(directory);
+      if (!isSound(directory, count)) return;
       add(directory, tiffDirectorySize(count));
       for (std::uint32_t i = 0; i < count; ++i) {
         const TiffEntry entry = reader_.entry(directory, i);
-        if (entry.value.size() > tiffInlineSize) add(entry.offset, entry.value.size());
+        if (entry.value.size() > tiffInlineSize && entry.value.size() <= longestValue)
+          add(entry.offset, entry.value.size());
       }
-      addPixels(directory);
     }
   }
 
   std::vector<ByteRange> places() && { return std::move(places_); }
 
  private:
+  /// Whether all of its records are there, and all of their values.
+  bool isSound(std::uint32_t directory, std::uint32_t count) const {
+    if (count != reader_.u16(reader_.block().data() + directory)) return false;
+    for (std::uint32_t i = 0; i < count; ++i)
+      if (reader_.entry(directory, i).isDamaged()) return false;
+    return true;
+  }
+
   void add(std::uint64_t offset, std::uint64_t size) {
     const std::uint64_t end = reader_.block().size();
-    places_.push_back({std::min(offset, end), std::min(offset + size, end)});
+    places_.push_back({offset, std::min(offset + size, end)});
   }
 
   const TiffReader& reader_;

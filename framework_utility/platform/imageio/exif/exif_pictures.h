@@ -9,7 +9,8 @@
 namespace FrameworkUtility::detail {
 
 /// The bytes of all that a block holds of old pixels: the directories behind the first one
-/// (thumbnails) and below it (previews), their values, and the pixels of all of them.
+/// (thumbnails) and below it (previews), their values, and the pixels of all of them. Of what is
+/// damaged, or says that it has more bytes than such things have, none: they may be anybody's.
 std::vector<ByteRange> exifPictures(const TiffReader& reader);
 
 /// Whether the first directory is that of a TIFF file's own image.

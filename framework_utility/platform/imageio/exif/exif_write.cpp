@@ -29,6 +29,9 @@ constexpr std::uint16_t imageLengthTag = 0x0101;
 constexpr std::uint16_t pixelXDimensionTag = 0xA002;
 constexpr std::uint16_t pixelYDimensionTag = 0xA003;
 
+// A longer value of a tag that goes with the pixels stays where it is, though nothing leads to it.
+constexpr std::size_t longestPixelFact = 256;
+
 constexpr std::string_view newHeader("MM\0\x2A\0\0\0\0", tiffHeaderSize);
 
 class Merge {
@@ -74,8 +77,15 @@ class Merge {
   void supply() {
     if (at_.exif == 0) supply(ExifDirectory::exif, 0x9000, Value(Array{2, 3, 2}));
     if (at_.gps == 0) supply(ExifDirectory::gps, 0x0000, Value(Array{2, 3, 0, 0}));
-    if (pixels_.width != 0) supply(ExifDirectory::exif, pixelXDimensionTag, pixels_.width);
-    if (pixels_.height != 0) supply(ExifDirectory::exif, pixelYDimensionTag, pixels_.height);
+    supplyPixels(pixelXDimensionTag, pixels_.width);
+    supplyPixels(pixelYDimensionTag, pixels_.height);
+  }
+  // A directory that came without them stays without.
+  void supplyPixels(std::uint16_t tag, std::size_t size) {
+    if (size == 0) return;
+    bool isThere = at_.exif == 0;
+    forEachEntry(at_.exif, [&](const TiffEntry& entry) { isThere |= entry.tag == tag; });
+    if (isThere) supply(ExifDirectory::exif, tag, size);
   }
   void supply(ExifDirectory which, std::uint16_t tag, Value value) {
     Dictionary& wanted = which == ExifDirectory::exif ? wanted_.exif : wanted_.gps;
@@ -164,7 +174,8 @@ class Merge {
 
   bool mergeOldPixels(const TiffEntry& entry, TiffDirectory& result) {
     if (leadsToPixels(entry.tag) || (holdsPixels_ && describesPixels(entry.tag))) {
-      plan_.drop(entry);
+      // What says that it is long may be damaged.
+      if (entry.value.size() <= longestPixelFact) plan_.drop(entry);
       return true;
     }
     if (entry.tag != imageWidthTag && entry.tag != imageLengthTag) return false;

@@ -1,6 +1,9 @@
 #include <framework_utility/platform/imageio/exif/tiff_layout.h>
 
 #include <algorithm>
+#include <array>
+#include <map>
+#include <set>
 #include <utility>
 
 namespace FrameworkUtility::detail {
@@ -44,38 +47,41 @@ std::vector<ByteRange> without(const std::vector<ByteRange>& from,
   return result;
 }
 
-// The bytes that may be written, those behind the end included.
+// The bytes that may be written, those behind the end included. Found by their place and, the
+// tightest first, by their size.
 class FreeSpace {
  public:
-  FreeSpace(std::vector<ByteRange> ranges, std::uint64_t end)
-      : ranges_(std::move(ranges)), end_(end) {
-    if (!ranges_.empty() && ranges_.back().end >= end_) {
-      end_ = ranges_.back().begin;
-      ranges_.pop_back();
+  FreeSpace(std::vector<ByteRange> ranges, std::uint64_t end) : end_(end) {
+    if (!ranges.empty() && ranges.back().end >= end_) {
+      end_ = ranges.back().begin;
+      ranges.pop_back();
     }
+    for (const ByteRange& range : ranges) insert(range);
   }
 
   std::uint64_t end() const { return end_; }
 
   bool takeAt(std::uint64_t begin, std::uint64_t size) {
     if (begin >= end_) {
-      if (begin > end_) ranges_.push_back({end_, begin});
+      if (begin > end_) insert({end_, begin});
       end_ = begin + size;
       return true;
     }
-    for (auto range = ranges_.begin(); range != ranges_.end(); ++range) {
-      if (begin < range->begin || begin + size > range->end) continue;
-      cut(range, begin, size);
-      return true;
-    }
-    return false;
+    auto range = ends_.upper_bound(begin);
+    if (range == ends_.begin() || begin + size > (--range)->second) return false;
+    cut({range->first, range->second}, begin, size);
+    return true;
   }
 
   // Values begin at even offsets, as TIFF asks.
   std::uint64_t take(std::uint64_t size) {
-    for (auto range = ranges_.begin(); range != ranges_.end(); ++range) {
-      const std::uint64_t begin = range->begin + range->begin % 2;
-      if (begin + size > range->end) continue;
+    // The tightest may lack the byte before an even offset; one that has a byte more does not.
+    for (std::uint64_t wanted : {size, size + 1}) {
+      const auto found = sizes_.lower_bound({wanted, 0});
+      if (found == sizes_.end()) break;
+      const ByteRange range{found->second, found->second + found->first};
+      const std::uint64_t begin = range.begin + range.begin % 2;
+      if (begin + size > range.end) continue;
       cut(range, begin, size);
       return begin;
     }
@@ -85,14 +91,21 @@ class FreeSpace {
   }
 
  private:
-  void cut(std::vector<ByteRange>::iterator range, std::uint64_t begin, std::uint64_t size) {
-    const ByteRange behind{begin + size, range->end};
-    range->end = begin;
-    if (!behind.empty()) range = ranges_.insert(range + 1, behind) - 1;
-    if (range->empty()) ranges_.erase(range);
+  void insert(const ByteRange& range) {
+    if (range.empty()) return;
+    ends_.emplace(range.begin, range.end);
+    sizes_.emplace(range.size(), range.begin);
   }
 
-  std::vector<ByteRange> ranges_;
+  void cut(const ByteRange& range, std::uint64_t begin, std::uint64_t size) {
+    ends_.erase(range.begin);
+    sizes_.erase({range.size(), range.begin});
+    insert({range.begin, begin});
+    insert({begin + size, range.end});
+  }
+
+  std::map<std::uint64_t, std::uint64_t> ends_;              // by where ranges begin
+  std::set<std::pair<std::uint64_t, std::uint64_t>> sizes_;  // and where these begin
   std::uint64_t end_;
 };
 
@@ -103,6 +116,7 @@ class Layout {
 
   std::vector<std::byte> bytes() {
     claimDirectories();
+    findChanges();
     claimUnchangedValues();
     FreeSpace space = freeSpace();
     placeRest(space);
@@ -139,23 +153,58 @@ class Layout {
     }
   }
 
-  // An unchanged value moves only where a directory needs its bytes. A sound block's values do not
-  // share bytes, so that what moves is never more than the source. Records that do cannot make a
-  // block grow without bound: they go, and those of the same tag behind them, which do not count.
+  // A damaged block's values may lie in its header and directories; they can stay there where these
+  // are to be as they were.
+  void findChanges() {
+    const auto compare = [&](std::uint64_t at, std::span<const std::byte> stored) {
+      const ByteRange place{at, at + stored.size()};
+      if (place.end > plan_.source.size() ||
+          !std::equal(stored.begin(), stored.end(),
+                      plan_.source.begin() + static_cast<std::ptrdiff_t>(at)))
+        changes_.push_back(place);
+    };
+    writeHeader(compare);
+    for (std::size_t i = 0; i < plan_.directories.size(); ++i)
+      if (isPlaced_[i]) writeDirectory(plan_.directories[i], compare);
+    changes_ = united(std::move(changes_));
+  }
+
+  bool isChanged(const ByteRange& range) const {
+    const auto first =
+        std::partition_point(changes_.begin(), changes_.end(),
+                             [&](const ByteRange& change) { return change.end <= range.begin; });
+    return first != changes_.end() && first->begin < range.end;
+  }
+
+  bool mustMove(const TiffRecord& record) const {
+    return record.unchanged && !isInline(record) &&
+           (!(inPlace_ || record.pinned) || isChanged(record.place));
+  }
+
+  // A sound block's values do not share bytes, so that what moves is never more than the source.
+  // Records that do cannot make a block grow without bound: the longest go, and those of the same
+  // tag behind them, which do not count.
   void claimUnchangedValues() {
+    std::vector<std::uint64_t> sizes;
+    for (const TiffDirectory& directory : plan_.directories)
+      for (const TiffRecord& record : directory.records)
+        if (mustMove(record)) sizes.push_back(record.value.size());
+    std::sort(sizes.begin(), sizes.end());
     std::uint64_t moved = 0;
+    std::size_t count = 0;
+    while (count < sizes.size() && (moved += sizes[count]) <= plan_.source.size()) ++count;
     for (TiffDirectory& directory : plan_.directories) {
       std::optional<std::uint16_t> gone;
       std::erase_if(directory.records, [&](TiffRecord& record) {
         if (record.tag == gone) return true;
         if (isInline(record) || !record.unchanged) return false;
-        if ((inPlace_ || record.pinned) && !isClaimed(record.place)) {
+        if (!mustMove(record)) {
           kept_.push_back(record.place);
           return false;
         }
         record.unchanged = false;
-        moved += record.value.size();
-        if (moved <= plan_.source.size()) return false;
+        record.place = {};  // Not its own alone.
+        if (count == sizes.size() || record.value.size() < sizes[count]) return false;
         gone = record.tag;
         return true;
       });
@@ -201,47 +250,77 @@ class Layout {
     for (std::size_t i = 0; i < plan_.directories.size(); ++i)
       if (!isPlaced_[i])
         plan_.directories[i].place.begin = space.take(sizeOf(plan_.directories[i]));
+    isPlaced_.assign(isPlaced_.size(), true);
     for (TiffDirectory& directory : plan_.directories)
       for (TiffRecord& record : directory.records)
         if (!isInline(record) && record.place.empty())
           record.place.begin = space.take(record.value.size());
+    isLaidOut_ = true;
   }
 
   void store() {
-    std::copy(plan_.header.begin(), plan_.header.end(), bytes_.begin());
-    if (!plan_.hasFixedDirectory)
-      store(plan_.header.size() - 4, plan_.directories.front().place.begin, 4);
+    const auto write = [&](std::uint64_t at, std::span<const std::byte> stored) {
+      std::copy(stored.begin(), stored.end(), bytes_.begin() + static_cast<std::ptrdiff_t>(at));
+    };
+    writeHeader(write);
     for (const TiffDirectory& directory : plan_.directories) {
-      std::uint64_t at = directory.place.begin;
-      store(at, directory.records.size(), 2);
-      at += 2;
-      for (const TiffRecord& record : directory.records) {
-        store(at, record.tag, 2);
-        store(at + 2, static_cast<std::uint16_t>(record.type), 2);
-        store(at + 4, record.count, 4);
-        store(at + 8, 0, 4);
-        if (record.child)
-          store(at + 8, plan_.directories[*record.child].place.begin, 4);
-        else if (!isInline(record))
-          store(at + 8, record.place.begin, 4);
-        std::copy(record.value.begin(), record.value.end(),
-                  bytes_.begin() +
-                      static_cast<std::ptrdiff_t>(isInline(record) ? at + 8 : record.place.begin));
-        at += tiffRecordSize;
-      }
-      store(at, directory.next, 4);
+      writeDirectory(directory, write);
+      for (const TiffRecord& record : directory.records)
+        if (!isInline(record)) write(record.place.begin, record.value);
     }
   }
-  void store(std::uint64_t at, std::uint64_t number, std::size_t size) {
-    storeTiffInteger(bytes_.data() + at, number, size, plan_.order);
+
+  // Each hands out what stands where, as far as it has been decided.
+  template <class Write>
+  void writeHeader(Write write) const {
+    std::vector<std::byte> header = plan_.header;
+    if (!plan_.hasFixedDirectory)
+      storeTiffInteger(header.data() + header.size() - 4, offsetOf(0), 4, plan_.order);
+    write(0, header);
+  }
+  template <class Write>
+  void writeDirectory(const TiffDirectory& directory, Write write) const {
+    std::array<std::byte, tiffRecordSize> bytes;
+    const std::span<std::byte> all(bytes);
+    const auto store = [&](std::size_t at, std::uint64_t number, std::size_t size) {
+      storeTiffInteger(bytes.data() + at, number, size, plan_.order);
+    };
+    std::uint64_t at = directory.place.begin;
+    store(0, directory.records.size(), 2);
+    write(at, all.first(2));
+    at += 2;
+    for (const TiffRecord& record : directory.records) {
+      store(0, record.tag, 2);
+      store(2, static_cast<std::uint16_t>(record.type), 2);
+      store(4, record.count, 4);
+      store(8, isInline(record) && !record.child ? 0 : offsetIn(record), 4);
+      if (isInline(record) && !record.child)
+        std::copy(record.value.begin(), record.value.end(), bytes.begin() + 8);
+      write(at, all);
+      at += tiffRecordSize;
+    }
+    store(0, directory.next, 4);
+    write(at, all.first(4));
+  }
+  // No block has this offset; it stands for one that is not decided yet.
+  static constexpr std::uint64_t undecided = UINT32_MAX;
+  std::uint64_t offsetOf(std::size_t directory) const {
+    return isPlaced_[directory] ? plan_.directories[directory].place.begin : undecided;
+  }
+  std::uint64_t offsetIn(const TiffRecord& record) const {
+    if (record.child) return offsetOf(*record.child);
+    const bool stays = record.unchanged && inPlace_ && !isClaimed(record.place);
+    return isLaidOut_ || stays ? record.place.begin : undecided;
   }
 
   TiffPlan& plan_;
   const bool inPlace_;
   std::vector<ByteRange> claims_;   // By the header and by directories.
+  std::vector<ByteRange> changes_;  // Of these, what differs from the source.
   std::vector<ByteRange> kept_;     // Claims, and values that stay.
   std::vector<ByteRange> dropped_;  // All that is not needed where it is.
   std::vector<bool> isPlaced_;      // Of each directory.
+  bool isLaidOut_ = false;
   std::vector<std::byte> bytes_;
 };
 
