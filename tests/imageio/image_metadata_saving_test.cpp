@@ -48,8 +48,7 @@ TEST(KvImageMetadataReadingTest, EveryFailureHasItsError) {
   EXPECT_THAT(readData(Data(bytes("no picture at all"))), notComplete("statusUnknownType"));
   const Data cut(std::span(jpeg.data(), 30));
   EXPECT_TRUE(readData(cut).is(KvImageMetadataError::sourceNotComplete));
-  EXPECT_EQ(readData(cut).underlyingError()->localizedDescription(),
-            "The file ends inside the image.");
+  EXPECT_EQ(readData(cut).underlyingError()->localizedDescription(), "The file is cut off.");
   Error error;
   EXPECT_FALSE(KvImageMetadata::withImageSource(std::nullopt, &error));
   EXPECT_THAT(error, IsError(KvImageMetadataError::noImageSource));

@@ -156,7 +156,8 @@ TEST_F(PaletteCommandTest, WhatCannotBeReadOrWrittenIsReported) {
                           .bytesPerRow = 1,
                           .alphaInfo = CGImageAlphaInfo::none},
                          CGColorSpace::createDeviceGray(), Data(std::vector(1, std::byte{9}))));
-  EXPECT_THAT(run("grey.png").problems, HasSubstr("no picture in colour"));
+  EXPECT_THAT(run("grey.png").problems,
+              HasSubstr("the image has no pixels in red, green and blue"));
 }
 
 }  // namespace

@@ -18,7 +18,7 @@ struct DecodeRequest {
 };
 
 /// How the description of `CGImageSourceError::corruptFile` reads where bytes are missing.
-inline constexpr std::string_view endsInsideImage = "The file ends inside the image.";
+inline constexpr std::string_view cutOff = "The file is cut off.";
 
 /// The lower ones, and none above the default.
 CGImageSourceLimits lowerLimits(const CGImageSourceLimits& a, const CGImageSourceLimits& b);

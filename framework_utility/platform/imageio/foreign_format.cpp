@@ -10,12 +10,22 @@ struct Mark {
   std::string_view format;
 };
 
-// Of the ISO media files only those whose first brand is a picture's.
-constexpr Mark marks[] = {
-    {4, "ftyphei", "HEIC"},  {4, "ftyphev", "HEIC"},           {4, "ftypmif1", "HEIC"},
-    {4, "ftypmsf1", "HEIC"}, {4, "ftypavi", "AVIF"},           {4, "JXL \r\n\x87\n", "JPEG XL"},
-    {0, "GIF8", "GIF"},      {0, {"II*\0", 4}, "TIFF or raw"}, {0, {"MM\0*", 4}, "TIFF or raw"},
-    {8, "WEBP", "WebP"}};
+// The first that fits counts.
+constexpr Mark marks[] = {{4, "ftyphei", "HEIC"},
+                          {4, "ftyphev", "HEIC"},
+                          {4, "ftypmif1", "HEIC"},
+                          {4, "ftypmsf1", "HEIC"},
+                          {4, "ftypavi", "AVIF"},
+                          {4, "ftyp", "A film"},
+                          {4, "JXL \r\n\x87\n", "JPEG XL"},
+                          {0, "GIF8", "GIF"},
+                          {8, "WEBP", "WebP"},
+                          {0, {"II*\0", 4}, "TIFF"},
+                          {0, {"MM\0*", 4}, "TIFF"},
+                          {0, "%PDF", "PDF"},
+                          {0, "<svg", "SVG"},
+                          {0, "<?xml", "SVG"},
+                          {0, "BM", "BMP"}};
 
 }  // namespace
 

@@ -6,8 +6,8 @@
 
 namespace FrameworkUtility::detail {
 
-/// The name of a common image format that has no codec here, by the first 16 bytes of the file;
-/// empty for anything else.
+/// What a file is that looks like a picture to people and has no codec here, by its first 16
+/// bytes: "HEIC", "A film". Empty for anything else.
 std::string_view foreignFormat(std::span<const std::byte> beginning);
 
 }  // namespace FrameworkUtility::detail

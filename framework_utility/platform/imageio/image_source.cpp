@@ -214,7 +214,7 @@ struct CGImageSource::Contents {
         failed(request, CGImageSourceError::noSuchImage);
         return;
       case CGImageSourceStatus::incomplete:
-        failed(request, CGImageSourceError::corruptFile, detail::endsInsideImage);
+        failed(request, CGImageSourceError::corruptFile, detail::cutOff);
         return;
       case CGImageSourceStatus::unknownType:
         break;
@@ -223,10 +223,11 @@ struct CGImageSource::Contents {
         return;
     }
     const std::string format(detail::foreignFormat(bytes.bytes(0, beginningSize)));
-    if (format.empty())
-      failed(request, CGImageSourceError::corruptFile, "The file is not an image.");
+    if (!format.empty())
+      failed(request, CGImageSourceError::unsupported, format + " is not read here.");
     else
-      failed(request, CGImageSourceError::unsupported, format + " images are not read here.");
+      failed(request, CGImageSourceError::corruptFile,
+             bytes.size() == 0 ? "The file is empty." : "The file is not an image.");
   }
 
   mutable std::mutex mutex_;

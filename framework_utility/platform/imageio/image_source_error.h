@@ -15,7 +15,7 @@ struct CGImageSourceError {
   /// No image at this index, or a thumbnail without a side above 0.
   static constexpr ErrorCode noSuchImage{domain, 256, "There is no such image."};
   /// No image at all, or one that is damaged or cut off; the description says which.
-  static constexpr ErrorCode corruptFile{domain, 259, "The image is damaged."};
+  static constexpr ErrorCode corruptFile{domain, 259, "The file is damaged."};
   static constexpr ErrorCode notAFileURL{domain, 262, "The URL is not that of a file."};
   /// Past one of `CGImageSourceLimits`.
   static constexpr ErrorCode tooLarge{domain, 263, "The image is too large."};

@@ -154,7 +154,7 @@ TEST(ImageSource, LimitsBindBeforeAnythingIsDecoded) {
   };
   const std::string tooManyPixels = "The image has 2116000000 pixels, more than the limit of ";
   const std::string tooManyBytes = " bytes of memory to decode, more than the limit of ";
-  const std::string damaged = "The image is damaged.";
+  const std::string damaged = "The file is damaged.";
   constexpr std::uint64_t mebibyte = 1 << 20;
   const struct {
     const char* what;
@@ -222,18 +222,19 @@ TEST(ImageSource, EveryFailureFillsTheErrorThatIsShared) {
     ErrorCode code;
     const char* description;
   } cases[] = {
-      {"empty", Data(), CGImageSourceError::corruptFile, "The file is not an image."},
+      {"empty", Data(), CGImageSourceError::corruptFile, "The file is empty."},
+      {"text", dataOf("hello"), CGImageSourceError::corruptFile, "The file is not an image."},
       {"a.heic",
        dataOf("\0\0\0\x18"
               "ftypheic\0\0\0\0"s),
-       CGImageSourceError::unsupported, "HEIC images are not read here."},
-      {"a.gif", dataOf("GIF89a"), CGImageSourceError::unsupported, "GIF images are not read here."},
+       CGImageSourceError::unsupported, "HEIC is not read here."},
+      {"a.gif", dataOf("GIF89a"), CGImageSourceError::unsupported, "GIF is not read here."},
       {"cut.jpg", Data(std::span(jpeg.data(), 30)), CGImageSourceError::corruptFile,
-       "The file ends inside the image."},
+       "The file is cut off."},
       {"half.jpg", Data(std::span(jpeg.data(), jpeg.size() - 20)), CGImageSourceError::corruptFile,
-       "The file ends inside the image."},
+       "The file is cut off."},
       {"frames.jpg", dataOf(jpegHeader(jpegFrame() + jpegFrame())), CGImageSourceError::corruptFile,
-       "The image is damaged."},
+       "The file is damaged."},
       {"12.jpg", dataOf(twelveBits), CGImageSourceError::unsupported,
        "Images of this kind are not read here."}};
   Error error(NSPOSIXErrorDomain, 1);

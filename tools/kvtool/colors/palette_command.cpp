@@ -13,6 +13,7 @@
 #include <fmt/core.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <cmath>
 #include <cstdint>
 #include <memory>
@@ -28,6 +29,7 @@ struct Options {
   int count = 5;                   ///< At most; 0 for all.
   std::string quality = "medium";  ///< Or low, high, full.
   bool json = false;
+  CGImageSourceLimits limits;
   std::string png;  ///< Where to draw the photo and its colours; empty for nowhere.
   std::optional<std::string> folder;  ///< The same for several.
 };
@@ -89,24 +91,26 @@ std::optional<CGImage> pictureOf(const CGImage& photo, const std::vector<KvColor
 }
 
 bool draw(const PictureInput& input, const std::vector<KvColor>& colors,
-          const std::string& target) {
+          const CGImageSourceLimits& limits, const std::string& target) {
+  Error error(NSPOSIXErrorDomain, ENOMEM);
   const std::optional<UIImage> photo =
-      thumbnailForImageAtURL(input.url(), {longestShown, longestShown});
+      thumbnailForImageAtURL(input.url(), {longestShown, longestShown}, limits, &error);
   const std::optional<CGImage> picture =
       photo ? pictureOf(*photo->cgImage(), colors) : std::nullopt;
   if (picture) return writePicture(*picture, UTTypePNG, target);
-  printProblem(input.name(), "the picture cannot be drawn");
+  printProblem(input.name(), error);
   return false;
 }
 
 bool printPalette(const std::string& file, const Options& options,
                   std::optional<OutputFolder>& folder) {
-  const std::optional<PictureInput> input = PictureInput::open(file);
+  const std::optional<PictureInput> input = PictureInput::open(file, options.limits);
   if (!input) return false;
-  const auto result =
-      analyzeImageWithQuality(input->url(), qualityNamed(options.quality), options.count);
+  Error error;
+  const auto result = analyzeImageWithQuality(input->url(), qualityNamed(options.quality),
+                                              options.count, options.limits, &error);
   if (!result) {
-    printProblem(input->name(), "there is no picture in colour that can be decoded");
+    printProblem(input->name(), error);
     return false;
   }
   if (options.json) {
@@ -115,9 +119,10 @@ bool printPalette(const std::string& file, const Options& options,
     if (options.files.size() > 1) printLine(input->name());
     print(result->colors);
   }
-  if (!folder) return options.png.empty() || draw(*input, result->colors, options.png);
+  if (!folder)
+    return options.png.empty() || draw(*input, result->colors, options.limits, options.png);
   const std::string target = folder->claim(file, stemOf(file) + ".png");
-  return !target.empty() && draw(*input, result->colors, target);
+  return !target.empty() && draw(*input, result->colors, options.limits, target);
 }
 
 bool printPalettes(const Options& options) {
@@ -140,20 +145,22 @@ std::string problemOf(const Options& options) {
 
 Command paletteCommand() {
   const auto options = std::make_shared<Options>();
+  std::vector<Argument> arguments = {
+      {"PHOTO", fileNames(options->files), "Pictures; - is standard input", true},
+      {"-c,--count", wholeNumber(options->count, 0, 1000000, "COLORS"),
+       "At most so many, 0 for all", false, "5"},
+      {"-q,--quality", oneOf(options->quality, {"low", "medium", "high", "full"}),
+       "How large the photo is looked at", false, options->quality},
+      {"-j,--json", flag(options->json),
+       R"({"file": ..., "containsAlpha": ..., "colors": [{"hex": ..., "red": 0 to 1, ...}]})"},
+      {"--png", anyText(options->png, "FILE"),
+       "Draw the photo and its colours; - is standard output, then without the list"},
+      {"-O,--out-dir", anyText(options->folder, "FOLDER"), "The same for several photos"}};
+  addLimits(arguments, options->limits);
   return {
       .name = "palette",
       .purpose = "Name photos' main colours",
-      .arguments =
-          {{"PHOTO", fileNames(options->files), "Pictures; - is standard input", true},
-           {"-c,--count", wholeNumber(options->count, 0, 1000000, "COLORS"),
-            "At most so many, 0 for all", false, "5"},
-           {"-q,--quality", oneOf(options->quality, {"low", "medium", "high", "full"}),
-            "How large the photo is looked at", false, options->quality},
-           {"-j,--json", flag(options->json),
-            R"({"file": ..., "containsAlpha": ..., "colors": [{"hex": ..., "red": 0 to 1, ...}]})"},
-           {"--png", anyText(options->png, "FILE"),
-            "Draw the photo and its colours; - is standard output, then without the list"},
-           {"-O,--out-dir", anyText(options->folder, "FOLDER"), "The same for several photos"}},
+      .arguments = std::move(arguments),
       .help =
           R"(The most frequent colour comes first, as "#RRGGBB" and as three numbers of 0 to 255; each differs
 from those above it by more than a quarter in red, green or blue. Photos are reduced to 50, 100 or 250

@@ -1,7 +1,9 @@
 #include <tools/kvtool/console/error_words.h>
 
 #include <framework_utility/platform/foundation/file_error.h>
+#include <framework_utility/platform/foundation/value.h>
 
+#include <algorithm>
 #include <cctype>
 #include <cerrno>
 #include <cstddef>
@@ -43,17 +45,34 @@ std::string plainWords(int systemError) {
   return text;
 }
 
+namespace {
+
+/// "the file is damaged" of "The file is damaged."; a name at the beginning stays: "HEIC is ...".
+std::string asPartOfALine(std::string sentence) {
+  if (sentence.ends_with('.')) sentence.pop_back();
+  const auto isUpper = [](unsigned char letter) { return std::isupper(letter) != 0; };
+  const auto end = std::find(sentence.begin(), sentence.end(), ' ');
+  if (std::count_if(sentence.begin(), end, isUpper) == 1)
+    sentence[0] = static_cast<char>(std::tolower(static_cast<unsigned char>(sentence[0])));
+  return sentence;
+}
+
+}  // namespace
+
 std::string plainWords(const Error& error) {
   constexpr std::size_t deepest = 16;  // apps nest causes as they like
   std::optional<Error> cause = error;
+  std::optional<std::string> platform;  // what it says itself
   for (std::size_t i = 0; cause && i < deepest; ++i) {
     // Of a file that cannot be made it is the folder that is missing.
     if (cause->domain() == NSCocoaErrorDomain && cause->code() == NSFileNoSuchFileError)
       return "there is no such folder";
     if (cause->domain() == NSPOSIXErrorDomain) return plainWords(static_cast<int>(cause->code()));
+    if (cause->domain() == NSCocoaErrorDomain && cause->userInfo().find(NSLocalizedDescriptionKey))
+      platform = asPartOfALine(cause->localizedDescription());
     cause = cause->underlyingError();
   }
-  return error.localizedDescription();
+  return platform.value_or(error.localizedDescription());
 }
 
 }  // namespace kvtool

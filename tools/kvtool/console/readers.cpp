@@ -98,6 +98,25 @@ Reader wholeNumber(std::optional<int>& target, int least, int most, std::string 
   return whole(target, least, most, std::move(shape));
 }
 
+Reader amount(std::uint64_t& target, std::vector<std::pair<std::string, std::uint64_t>> units,
+              std::string shape) {
+  std::vector<std::string> names;
+  for (const auto& [unit, factor] : units)
+    if (!unit.empty()) names.push_back(unit);
+  return {
+      std::move(shape), fmt::format("a number above 0, alone or with {} behind it", listOf(names)),
+      [&target, units = std::move(units)](const std::string& given) {
+        const std::size_t digits = std::min(given.find_first_not_of("0123456789"), given.size());
+        const auto number = numberIn<std::uint64_t>(std::string_view(given).substr(0, digits));
+        for (const auto& [unit, factor] : units) {
+          if (!number || *number == 0 || given.substr(digits) != unit) continue;
+          target = *number > UINT64_MAX / factor ? UINT64_MAX : *number * factor;
+          return true;
+        }
+        return false;
+      }};
+}
+
 Reader finiteNumber(double& target, std::string shape) {
   return {std::move(shape), "a number", [&target](const std::string& given) {
             const auto value = numberIn<double>(given);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <functional>
 #include <optional>
 #include <string>
@@ -28,6 +29,9 @@ Reader anyText(std::optional<std::string>& target, std::string shape);
 Reader oneOf(std::string& target, std::vector<std::string> names);
 Reader wholeNumber(int& target, int least, int most, std::string shape);
 Reader wholeNumber(std::optional<int>& target, int least, int most, std::string shape);
+/// A whole number above 0 with one of these units behind it: {"KiB", 1024}.
+Reader amount(std::uint64_t& target, std::vector<std::pair<std::string, std::uint64_t>> units,
+              std::string shape);
 Reader finiteNumber(double& target, std::string shape);
 /// From 0 to 1.
 Reader fraction(std::optional<double>& target, std::string shape);

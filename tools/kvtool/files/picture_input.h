@@ -1,11 +1,14 @@
 #pragma once
 
+#include <tools/kvtool/console/command.h>
+
 #include <framework_utility/platform/foundation/url.h>
 #include <framework_utility/platform/imageio/image_source.h>
 
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace kvtool {
 
@@ -14,7 +17,8 @@ class PictureInput {
  public:
   /// `name` is a file, or "-": standard input, read to its end. Absent, and reported, when it
   /// cannot be opened or is no picture that is read here.
-  static std::optional<PictureInput> open(const std::string& name);
+  static std::optional<PictureInput> open(const std::string& name,
+                                          const FrameworkUtility::CGImageSourceLimits& limits = {});
 
   const std::string& name() const { return name_; }
   /// Where its bytes can be read from the beginning, while this lives.
@@ -27,5 +31,9 @@ class PictureInput {
   std::shared_ptr<void> spool_;  // of standard input; null for a file
   std::optional<FrameworkUtility::CGImageSource> source_;
 };
+
+/// --max-pixels and --max-memory, of which the help shows `mostMemory` as the standard.
+void addLimits(std::vector<Argument>& arguments, FrameworkUtility::CGImageSourceLimits& limits,
+               const std::string& mostMemory = "2GiB");
 
 }  // namespace kvtool

@@ -22,6 +22,7 @@ struct Options {
   std::vector<std::string> files;
   Edits edits;
   std::optional<double> quality;  ///< In 0...1.
+  CGImageSourceLimits limits;
   Targets targets;
   std::string session = "kvtool";
 };
@@ -47,7 +48,7 @@ bool writeIntoSession(const Data& bytes, const std::string& file, const UTType& 
 }
 
 bool saveFile(const std::string& file, const Options& options, TargetNames& names) {
-  const std::optional<PictureInput> input = PictureInput::open(file);
+  const std::optional<PictureInput> input = PictureInput::open(file, options.limits);
   if (!input) return false;
   Error error;
   const auto metadata = KvImageMetadata::withImageSource(input->source(), &error);
@@ -55,9 +56,9 @@ bool saveFile(const std::string& file, const Options& options, TargetNames& name
     printProblem(input->name(), error);
     return false;
   }
-  const std::optional<CGImage> image = input->source().imageAtIndex(0);
+  const std::optional<CGImage> image = input->source().imageAtIndex(0, &error);
   if (!image) {
-    printProblem(input->name(), "the picture cannot be decoded");
+    printProblem(input->name(), error);
     return false;
   }
   Dictionary properties = edited(*metadata, options.edits);
@@ -98,6 +99,7 @@ Command saveCommand() {
   addTargets(arguments, options->targets);
   arguments.push_back({"--session", anyText(options->session, "NAME"),
                        "The editing session that it belongs to", false, options->session});
+  addLimits(arguments, options->limits);
   return {
       .name = "save",
       .purpose = "Save pictures again, with changed metadata",

@@ -16,16 +16,19 @@ namespace {
 struct Options {
   std::vector<std::string> files;
   int size = 0;  ///< The longer side, in pixels.
+  CGImageSourceLimits limits = {.mostMemory = std::uint64_t{512} << 20};
   Targets targets;
 };
 
 bool writeThumbnail(const std::string& file, const Options& options, TargetNames& names) {
-  const std::optional<PictureInput> input = PictureInput::open(file);
+  const std::optional<PictureInput> input = PictureInput::open(file, options.limits);
   if (!input) return false;
   const double side = options.size;
-  const std::optional<UIImage> thumbnail = thumbnailForImageAtURL(input->url(), {side, side});
+  Error error;
+  const std::optional<UIImage> thumbnail =
+      thumbnailForImageAtURL(input->url(), {side, side}, options.limits, &error);
   if (!thumbnail) {
-    printProblem(input->name(), "the picture cannot be decoded");
+    printProblem(input->name(), error);
     return false;
   }
   const UTType type = options.targets.type().value_or(usualType(*input));
@@ -43,6 +46,7 @@ Command thumbnailCommand() {
       {"FILE", fileNames(options->files), "Pictures; - is standard input", true},
       {"-s,--size", wholeNumber(options->size, 1, 65535, "PIXELS"), "The longer side", true}};
   addTargets(arguments, options->targets);
+  addLimits(arguments, options->limits, "512MiB");
   return {
       .name = "thumbnail",
       .purpose = "Write small upright copies of pictures",

@@ -155,7 +155,7 @@ std::nullopt_t JpegReader::failed() const {
     default:
       break;
   }
-  return source_.ended ? detail::failed(request_, CGImageSourceError::corruptFile, endsInsideImage)
+  return source_.ended ? detail::failed(request_, CGImageSourceError::corruptFile, cutOff)
                        : detail::failed(request_, CGImageSourceError::corruptFile);
 }
 

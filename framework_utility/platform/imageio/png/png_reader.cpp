@@ -144,7 +144,7 @@ bool PngReader::readAllRows(std::uint8_t* rows) {
 std::nullopt_t PngReader::failed() const {
   if (!state_->png || !state_->info) return failedForMemory(request_);
   return detail::failed(request_, CGImageSourceError::corruptFile,
-                        state_->hasEnded ? endsInsideImage : std::string_view());
+                        state_->hasEnded ? cutOff : std::string_view());
 }
 
 }  // namespace FrameworkUtility::detail
