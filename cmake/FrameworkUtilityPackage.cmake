@@ -5,6 +5,7 @@
 # object made of the same components, which then all stand for it.
 
 include(CMakePackageConfigHelpers)
+include(FrameworkUtilityExports)
 
 get_property(components GLOBAL PROPERTY FRAMEWORK_UTILITY_COMPONENTS)
 set(targets ${components})
@@ -12,7 +13,8 @@ list(TRANSFORM targets PREPEND framework_utility_)
 
 if(BUILD_SHARED_LIBS)
   get_property(headers GLOBAL PROPERTY FRAMEWORK_UTILITY_HEADERS)
-  set(version_script ${PROJECT_SOURCE_DIR}/cmake/exported_symbols.map)
+  set(version_script ${PROJECT_BINARY_DIR}/exported_symbols.map)
+  framework_utility_write_exports(${version_script})
   add_library(FrameworkUtility SHARED)
   target_sources(FrameworkUtility
     PUBLIC FILE_SET HEADERS BASE_DIRS ${PROJECT_SOURCE_DIR} FILES ${headers})
@@ -75,15 +77,27 @@ install(FILES
 
 if(BUILD_SHARED_LIBS)
   set(PC_LIBS -lFrameworkUtility)
+  set(PC_LIBS_PRIVATE "")
   set(PC_REQUIRES "")
 else()
   set(PC_LIBS ${targets})
   list(REVERSE PC_LIBS)  # what uses before what is used
   list(TRANSFORM PC_LIBS PREPEND -l)
   list(JOIN PC_LIBS " " PC_LIBS)
-  set(PC_REQUIRES "libjpeg libpng lcms2 icu-i18n expat")
+  set(PC_LIBS_PRIVATE "-lstdc++ -lm")  # which a C++ compiler links by itself
+  # Not `Requires.private`: archives cannot be linked without them, with --static or not.
+  set(PC_REQUIRES "libjpeg libpng zlib lcms2 icu-i18n expat")
+endif()
+set(pkgconfig_folder ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+if(IS_ABSOLUTE ${pkgconfig_folder})
+  set(PC_PREFIX ${CMAKE_INSTALL_PREFIX})
+  set(PC_LIBDIR ${CMAKE_INSTALL_LIBDIR})
+else()
+  file(RELATIVE_PATH PC_PREFIX /${pkgconfig_folder} /)
+  string(REGEX REPLACE "/$" "" PC_PREFIX "\${pcfiledir}/${PC_PREFIX}")
+  set(PC_LIBDIR "\${prefix}/${CMAKE_INSTALL_LIBDIR}")
 endif()
 configure_file(${PROJECT_SOURCE_DIR}/cmake/FrameworkUtility.pc.in
   ${PROJECT_BINARY_DIR}/FrameworkUtility.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/FrameworkUtility.pc
-  DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+  DESTINATION ${pkgconfig_folder})

@@ -4,7 +4,7 @@
 # needs too. docs/dependencies.md says what each is for.
 set -eu
 
-build='g++ cmake ninja-build pkg-config libjpeg-dev libpng-dev liblcms2-dev libicu-dev
+build='g++ cmake ninja-build pkg-config libjpeg-dev libpng-dev zlib1g-dev liblcms2-dev libicu-dev
   libexpat1-dev libcli11-dev libfmt-dev libgtest-dev libgmock-dev'
 check='git clang-14 clang-format-14 clang-tidy-14 libclang-rt-14-dev python3
   libimage-exiftool-perl exiv2 libjpeg-turbo-progs pngcheck imagemagick'
