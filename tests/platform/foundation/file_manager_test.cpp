@@ -179,6 +179,7 @@ TEST_P(FileManagerTest, MakesFoldersWithAndWithoutThoseAbove) {
   EXPECT_EQ(make("a/d", IntermediateDirectories::mustExist), 0);
   EXPECT_EQ(make("file", IntermediateDirectories::create), NSFileWriteFileExistsError);
   EXPECT_EQ(make("file/a/b", IntermediateDirectories::create), NSFileWriteUnknownError);
+  EXPECT_TRUE(files().flushDirectoryAtPath(at("a/b"), nullptr));
   EXPECT_TRUE(files().directoryExistsAtPath(at("a/b/c")));
   EXPECT_FALSE(files().directoryExistsAtPath(at("file")));
 }
@@ -202,6 +203,9 @@ TEST_P(FileManagerTest, ReportsThePlatformsCodeThePathAndTheCause) {
   };
   const auto makeFolders = [](FileManager& f, const std::string& path, Error* e) {
     return f.createDirectoryAtPath(path, IntermediateDirectories::create, e);
+  };
+  const auto flush = [](FileManager& f, const std::string& path, Error* e) {
+    return f.flushDirectoryAtPath(path, e);
   };
   const auto copy = [this](FileManager& f, const std::string& path, Error* e) {
     return f.copyItemAtPath(path, at("new"), e);
@@ -246,6 +250,9 @@ TEST_P(FileManagerTest, ReportsThePlatformsCodeThePathAndTheCause) {
                         {"put", put, withNul, 514, EILSEQ},
                         {"makeFolders", makeFolders, withNul, 514, EILSEQ},
                         {"makeFolders", makeFolders, longName + "/a", 514, ENAMETOOLONG},
+                        {"flush", flush, "none", 4, ENOENT},
+                        {"flush", flush, "file", 512, ENOTDIR},
+                        {"flush", flush, withNul, 514, EILSEQ},
                         {"copy", copy, "none", 260, ENOENT},
                         {"copy", copy, withNul, 258, EILSEQ},
                         {"copyTo", copyTo, "none/f", 4, ENOENT},

@@ -22,8 +22,28 @@ using Result = std::optional<PosixFailure>;
 Result readingFailed(int number = errno) { return PosixFailure{number, FileAccess::reading}; }
 Result writingFailed(int number = errno) { return PosixFailure{number, FileAccess::writing}; }
 
-// When what was written must be on the disk.
-enum class Flush { now, later };
+// Files and folders that are whole and have yet to reach the disk. They wait for it together: the
+// first one's flush takes with it most of what the others' would cost.
+class Flushes {
+ public:
+  Result add(Descriptor item) {
+    items_.push_back(std::move(item));
+    return items_.size() < most ? std::nullopt : flushAll();
+  }
+
+  Result flushAll() {
+    for (const Descriptor& item : items_)
+      sync_file_range(item.get(), 0, 0, SYNC_FILE_RANGE_WRITE);  // begins; the rest is told below
+    for (const Descriptor& item : items_)
+      if (const int number = flush(item.get())) return writingFailed(number);
+    items_.clear();
+    return std::nullopt;
+  }
+
+ private:
+  static constexpr std::size_t most = 64;
+  std::vector<Descriptor> items_;
+};
 
 // One entry of a folder that is open.
 struct Entry {
@@ -51,23 +71,27 @@ std::array<timespec, 2> datesOf(const struct stat& status) {
   return {status.st_atim, status.st_mtim};
 }
 
-Result copyFile(const Entry& from, const Entry& to, Flush flush) {
+struct Source {
+  Descriptor file;
+  struct stat status {};
+};
+
+// `known` is what the name stood for: a device is not even opened.
+Result openFile(const Entry& from, const struct stat& known, Source& source) {
+  if (!S_ISREG(known.st_mode)) return readingFailed(ESPIPE);
   // A file that became a pipe meanwhile must not make this wait.
   constexpr int read = O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC;
-  constexpr int create = O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC;
-  const Descriptor source(
-      uninterrupted([&] { return openat(from.folder, from.name.c_str(), read); }));
-  struct stat status {};
-  if (!source.isOpen() || fstat(source.get(), &status) != 0) return readingFailed();
-  if (!S_ISREG(status.st_mode)) return readingFailed(ESPIPE);
-  const Descriptor target(
-      uninterrupted([&] { return openat(to.folder, to.name.c_str(), create, 0600); }));
-  if (!target.isOpen()) return writingFailed();
-  if (Result failure = copyBytes(source.get(), target.get())) return failure;
-  if (fchmod(target.get(), status.st_mode & 0777) != 0 ||
-      futimens(target.get(), datesOf(status).data()) != 0)
-    return writingFailed();
-  if (flush == Flush::now && uninterrupted([&] { return fsync(target.get()); }) != 0)
+  source.file =
+      Descriptor(uninterrupted([&] { return openat(from.folder, from.name.c_str(), read); }));
+  if (!source.file.isOpen() || fstat(source.file.get(), &source.status) != 0)
+    return readingFailed();
+  return S_ISREG(source.status.st_mode) ? std::nullopt : readingFailed(ESPIPE);
+}
+
+// Bytes, permissions and dates.
+Result copyFile(const Source& from, int to) {
+  if (Result failure = copyBytes(from.file.get(), to)) return failure;
+  if (fchmod(to, from.status.st_mode & 0777) != 0 || futimens(to, datesOf(from.status).data()) != 0)
     return writingFailed();
   return std::nullopt;
 }
@@ -83,12 +107,20 @@ Result copyLink(const Entry& from, const Entry& to) {
 }
 
 // Of a folder only itself, for its owner alone while it is filled.
-Result copyEntry(const Entry& from, const struct stat& status, const Entry& to, Flush flush) {
-  if (S_ISREG(status.st_mode)) return copyFile(from, to, flush);
+Result copyEntry(const Entry& from, const struct stat& status, const Entry& to, Flushes& flushes) {
   if (S_ISLNK(status.st_mode)) return copyLink(from, to);
-  if (!S_ISDIR(status.st_mode)) return readingFailed(ESPIPE);
-  if (mkdirat(to.folder, to.name.c_str(), 0700) != 0) return writingFailed();
-  return std::nullopt;
+  if (S_ISDIR(status.st_mode)) {
+    if (mkdirat(to.folder, to.name.c_str(), 0700) != 0) return writingFailed();
+    return std::nullopt;
+  }
+  Source source;
+  if (Result failure = openFile(from, status, source)) return failure;
+  constexpr int create = O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC;
+  Descriptor target(
+      uninterrupted([&] { return openat(to.folder, to.name.c_str(), create, 0600); }));
+  if (!target.isOpen()) return writingFailed();
+  if (Result failure = copyFile(source, target.get())) return failure;
+  return flushes.add(std::move(target));
 }
 
 // The permissions and dates of a folder, once nothing more comes into it.
@@ -105,8 +137,9 @@ struct Level {
   std::vector<std::string> entries;  // still to be copied
 };
 
-// What the folder `from` holds into the folder `to`, which is empty.
+// What the folder `from` holds into the folder `to`, which is empty; flushed.
 Result copyContents(const Entry& from, const struct stat& status, const Entry& to) {
+  Flushes flushes;
   DirectoryCursor source, target;
   if (const int number = source.begin(from.folder, from.name)) return readingFailed(number);
   if (const int number = target.begin(to.folder, to.name)) return writingFailed(number);
@@ -118,10 +151,17 @@ Result copyContents(const Entry& from, const struct stat& status, const Entry& t
     if (levels.back().entries.empty()) {
       const Level done = std::move(levels.back());
       levels.pop_back();
-      if (levels.empty()) return finishFolder(done.status, to);
-      if (const int number = source.ascend()) return readingFailed(number);
-      if (const int number = target.ascend()) return writingFailed(number);
-      if (Result failure = finishFolder(done.status, {target.folder(), done.name})) return failure;
+      // Still open when its permissions may forbid that.
+      Descriptor folder(fcntl(target.folder(), F_DUPFD_CLOEXEC, 0));
+      if (!folder.isOpen()) return writingFailed();
+      if (!levels.empty()) {
+        if (const int number = source.ascend()) return readingFailed(number);
+        if (const int number = target.ascend()) return writingFailed(number);
+      }
+      const Entry copied = levels.empty() ? to : Entry{target.folder(), done.name};
+      if (Result failure = finishFolder(done.status, copied)) return failure;
+      if (Result failure = flushes.add(std::move(folder))) return failure;
+      if (levels.empty()) return flushes.flushAll();
       continue;
     }
     Level next{std::move(levels.back().entries.back()), {}, {}};
@@ -129,15 +169,37 @@ Result copyContents(const Entry& from, const struct stat& status, const Entry& t
     const Entry entry{source.folder(), next.name};
     if (fstatat(entry.folder, next.name.c_str(), &next.status, AT_SYMLINK_NOFOLLOW) != 0)
       return readingFailed();
-    if (Result failure = copyEntry(entry, next.status, {target.folder(), next.name}, Flush::later))
+    if (Result failure = copyEntry(entry, next.status, {target.folder(), next.name}, flushes))
       return failure;
     if (!S_ISDIR(next.status.st_mode)) continue;
     if (const int number = source.descend(next.name)) return readingFailed(number);
-    if (source.identity() == copy) return writingFailed(EINVAL);  // a folder into itself
+    if (source.identity() == copy) return writingFailed(EINVAL);  // moved there meanwhile
     if (const int number = target.descend(next.name)) return writingFailed(number);
     if (const int number = source.list(next.entries)) return readingFailed(number);
     levels.push_back(std::move(next));
   }
+}
+
+// Whether `folder` is the one with this status or lies in it, by whatever links and names its path
+// led there.
+bool liesIn(int folder, const struct stat& status) {
+  const auto same = [](const struct stat& a, const struct stat& b) {
+    return a.st_dev == b.st_dev && a.st_ino == b.st_ino;
+  };
+  struct stat at {
+  }, above{};
+  if (fstat(folder, &at) != 0) return false;
+  Descriptor parent;
+  while (!same(at, status)) {
+    parent = Descriptor(uninterrupted([&] {
+      return openat(parent.isOpen() ? parent.get() : folder, "..",
+                    O_PATH | O_DIRECTORY | O_CLOEXEC);
+    }));
+    if (!parent.isOpen() || fstat(parent.get(), &above) != 0) return false;
+    if (same(at, above)) return false;  // the root
+    at = above;
+  }
+  return true;
 }
 
 }  // namespace
@@ -148,18 +210,24 @@ std::optional<PosixFailure> copyItem(const std::string& path, const std::string&
   if (fstatat(from.folder, path.c_str(), &status, AT_SYMLINK_NOFOLLOW) != 0) return readingFailed();
   NewItem item(toPath);
   if (item.failure()) return writingFailed(item.failure());
-  // Asked for now to spare a long copy; `putInPlace` is what decides.
+  // Asked for now to spare a long copy; giving the name is what decides.
   struct stat taken {};
   if (fstatat(item.folder(), item.name().c_str(), &taken, AT_SYMLINK_NOFOLLOW) == 0)
     return writingFailed(EEXIST);
 
-  const Entry to{item.folder(), item.temporaryName()};
-  if (Result failure = copyEntry(from, status, to, Flush::now)) return failure;
   if (S_ISDIR(status.st_mode)) {
+    if (liesIn(item.folder(), status)) return writingFailed(EINVAL);
+    const Entry to{item.folder(), item.temporaryName()};
+    if (mkdirat(to.folder, to.name.c_str(), 0700) != 0) return writingFailed();
     if (Result failure = copyContents(from, status, to)) return failure;
-    // One flush for the whole tree. A folder that may not be listed cannot be asked for one.
-    if (uninterrupted([&] { return syncfs(item.folder()); }) != 0 && errno != EBADF)
-      return writingFailed();
+  } else if (S_ISLNK(status.st_mode)) {
+    if (Result failure = copyLink(from, {item.folder(), item.temporaryName()})) return failure;
+  } else {
+    Source source;
+    if (Result failure = openFile(from, status, source)) return failure;
+    if (const int number = item.makeFile(0600)) return writingFailed(number);
+    if (Result failure = copyFile(source, item.file())) return failure;
+    if (const int number = flush(item.file())) return writingFailed(number);
   }
   if (const int number = item.putInPlace(Existing::keep)) return writingFailed(number);
   return std::nullopt;

@@ -80,6 +80,11 @@ class FailingFileManager final : public FileManager {
            inner_.createDirectoryAtPath(path, intermediates, error);
   }
 
+  bool flushDirectoryAtPath(std::string_view path, Error* error) override {
+    return !fails(*failure_, "flushDirectoryAtPath", path, error) &&
+           inner_.flushDirectoryAtPath(path, error);
+  }
+
   bool copyItemAtPath(std::string_view path, std::string_view toPath, Error* error) override {
     return !fails(*failure_, "copyItemAtPath", path, error) &&
            inner_.copyItemAtPath(path, toPath, error);

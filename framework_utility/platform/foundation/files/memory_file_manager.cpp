@@ -136,6 +136,13 @@ class MemoryFileManager final : public FileManager {
     return succeed(number, path, error);
   }
 
+  bool flushDirectoryAtPath(std::string_view path, Error* error) override {
+    const std::lock_guard lock(mutex_);
+    int number = refusalToFind(path);
+    if (number == 0 && items_[normalised(path)].kind != FileKind::directory) number = ENOTDIR;
+    return succeed(number, path, error);
+  }
+
   bool copyItemAtPath(std::string_view path, std::string_view toPath, Error* error) override {
     const std::lock_guard lock(mutex_);
     const std::string from = normalised(path), to = normalised(toPath);

@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <csignal>
 #include <cstdio>
 
 namespace FrameworkUtility::detail {
@@ -18,14 +19,34 @@ namespace {
 // The system writes at most about this much at once.
 constexpr std::size_t largestWrite = std::size_t{1} << 30;
 
-int openFolder(const char* path) {
-  const auto opened = [&](int access) {
-    return uninterrupted([&] { return open(path, access | O_DIRECTORY | O_CLOEXEC); });
+/// Not open, with `errno`, where that fails.
+Descriptor openFolder(const std::string& path) {
+  const auto opened = [&path](int access) {
+    return uninterrupted([&] { return open(path.c_str(), access | O_DIRECTORY | O_CLOEXEC); });
   };
   const int folder = opened(O_RDONLY);
   // A folder that may be changed but not listed can be used, though not flushed.
-  return folder < 0 && errno == EACCES ? opened(O_PATH) : folder;
+  return Descriptor(folder < 0 && errno == EACCES ? opened(O_PATH) : folder);
 }
+
+/// Where an open file can be linked from, without the privilege that its number alone would need.
+std::string pathOf(int file) { return "/proc/self/fd/" + std::to_string(file); }
+
+/// Puts off, in this thread, every signal that can be, while it lives.
+class SignalsPutOff {
+ public:
+  SignalsPutOff() {
+    sigset_t all;
+    sigfillset(&all);
+    pthread_sigmask(SIG_SETMASK, &all, &before_);
+  }
+  SignalsPutOff(const SignalsPutOff&) = delete;
+  SignalsPutOff& operator=(const SignalsPutOff&) = delete;
+  ~SignalsPutOff() { pthread_sigmask(SIG_SETMASK, &before_, nullptr); }
+
+ private:
+  sigset_t before_;
+};
 
 }  // namespace
 
@@ -34,26 +55,53 @@ NewItem::NewItem(const std::string& path)
   const std::size_t slash = path.rfind('/');
   const bool hasFolder = slash != std::string::npos;
   name_ = hasFolder ? path.substr(slash + 1) : path;
-  folder_ = Descriptor(openFolder(hasFolder ? path.substr(0, slash + 1).c_str() : "."));
+  folder_ = openFolder(hasFolder ? path.substr(0, slash + 1) : ".");
   if (!folder_.isOpen()) failure_ = errno;
 }
 
 NewItem::~NewItem() {
-  if (folder_.isOpen() && !isInPlace_)
-    removeItem(folder_.get(), temporaryName_, ClosedFolders::open);
+  if (folder_.isOpen() && !isNameless_ && !isInPlace_)
+    removeItem(folder(), temporaryName_, ClosedFolders::open);
+}
+
+int NewItem::makeFile(mode_t mode) {
+  file_ = Descriptor(
+      uninterrupted([&] { return openat(folder(), ".", O_TMPFILE | O_WRONLY | O_CLOEXEC, mode); }));
+  isNameless_ = file_.isOpen() && access(pathOf(file()).c_str(), F_OK) == 0;
+  if (isNameless_) return 0;
+  file_ = Descriptor(uninterrupted([&] {
+    return openat(folder(), temporaryName_.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, mode);
+  }));
+  return file_.isOpen() ? 0 : errno;
 }
 
 int NewItem::putInPlace(Existing existing) {
-  if (existing == Existing::keep) {
-    if (const int number = renameKeeping(folder(), temporaryName_, folder(), name_)) return number;
-  } else if (renameat(folder(), temporaryName_.c_str(), folder(), name_.c_str()) != 0) {
-    return errno;
-  }
+  if (const int number = giveName(existing)) return number;
   isInPlace_ = true;
-  // The item has its name, so a refusal here is none of the operation's: some file systems cannot
-  // flush a folder.
-  uninterrupted([this] { return fsync(folder()); });
-  return 0;
+  const int number = flush(folder());
+  if (number != 0 && !hasReplaced_) removeItem(folder(), name_, ClosedFolders::open);
+  return number;
+}
+
+int NewItem::giveName(Existing existing) {
+  const int number =
+      isNameless_ ? link(name_) : renameKeeping(folder(), temporaryName_, folder(), name_);
+  if (number != EEXIST || existing == Existing::keep) return number;
+  // A link cannot replace, so the file needs a name that a rename can take away.
+  const SignalsPutOff whileItIsHidden;
+  if (isNameless_) {
+    if (const int refusal = link(temporaryName_)) return refusal;
+  }
+  hasReplaced_ = renameat(folder(), temporaryName_.c_str(), folder(), name_.c_str()) == 0;
+  if (hasReplaced_) return 0;
+  const int refusal = errno;
+  unlinkat(folder(), temporaryName_.c_str(), 0);
+  return refusal;
+}
+
+int NewItem::link(const std::string& name) const {
+  const std::string file = pathOf(file_.get());
+  return linkat(AT_FDCWD, file.c_str(), folder(), name.c_str(), AT_SYMLINK_FOLLOW) == 0 ? 0 : errno;
 }
 
 bool isTemporaryName(std::string_view name) {
@@ -80,6 +128,16 @@ int writeAll(int descriptor, std::span<const std::byte> bytes) {
   return 0;
 }
 
+int flush(int descriptor) {
+  if (uninterrupted([descriptor] { return fsync(descriptor); }) == 0) return 0;
+  return errno == EBADF || errno == EINVAL ? 0 : errno;
+}
+
+int flushFolder(const std::string& path) {
+  const Descriptor folder = openFolder(path);
+  return folder.isOpen() ? flush(folder.get()) : errno;
+}
+
 int writeFileAtomically(std::span<const std::byte> bytes, const std::string& path) {
   NewItem item(path);
   if (item.failure()) return item.failure();
@@ -87,14 +145,10 @@ int writeFileAtomically(std::span<const std::byte> bytes, const std::string& pat
   const bool replaces =
       fstatat(item.folder(), item.name().c_str(), &old, AT_SYMLINK_NOFOLLOW) == 0 &&
       S_ISREG(old.st_mode);
-  const Descriptor file(uninterrupted([&] {
-    return openat(item.folder(), item.temporaryName().c_str(),
-                  O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, replaces ? 0600 : 0666);
-  }));
-  if (!file.isOpen()) return errno;
-  if (replaces && fchmod(file.get(), old.st_mode & 0777) != 0) return errno;
-  if (const int number = writeAll(file.get(), bytes)) return number;
-  if (uninterrupted([&] { return fsync(file.get()); }) != 0) return errno;
+  if (const int number = item.makeFile(replaces ? 0600 : 0666)) return number;
+  if (replaces && fchmod(item.file(), old.st_mode & 0777) != 0) return errno;
+  if (const int number = writeAll(item.file(), bytes)) return number;
+  if (const int number = flush(item.file())) return number;
   return item.putInPlace(Existing::replace);
 }
 

@@ -170,6 +170,11 @@ class RealFileManager final : public FileManager {
     return succeed(create ? createFolders(*item) : createFolder(*item), path, error);
   }
 
+  bool flushDirectoryAtPath(std::string_view path, Error* error) override {
+    const std::optional<std::string> item = systemPath(path, FileAccess::writing, error);
+    return item && succeed(flushFolder(*item), path, error);
+  }
+
   bool copyItemAtPath(std::string_view path, std::string_view toPath, Error* error) override {
     const std::optional<std::string> from = systemPath(path, FileAccess::reading, error);
     if (!from) return false;
