@@ -1,7 +1,7 @@
 #include <framework_utility/imageio/data_writer.h>
 
 #include <framework_utility/imageio/fail.h>
-#include <framework_utility/imageio/session_manager.h>
+#include <framework_utility/imageio/made_folders.h>
 #include <framework_utility/platform/foundation/files.h>
 #include <framework_utility/platform/foundation/random.h>
 
@@ -15,15 +15,18 @@ std::optional<URL> writeToDisk(std::span<const std::byte> data, const std::optio
                                std::string_view sessionIdentifier, Error* error) {
   if (!uti) return fail(error, NSDataWriteToDiskError::noType);
   const std::string name = appendingPathExtensionForType(newUUIDString(), *uti);
-  const std::optional<std::string> folder =
-      KvSessionManager::getNewValidFolderPathForSessionIdentifier(sessionIdentifier);
+  detail::MadeFolders made;
+  const std::optional<std::string> folder = detail::newFolderOfSession(sessionIdentifier, made);
   if (!folder) return fail(error, NSDataWriteToDiskError::noFolder);
 
   const std::string path = *folder + "/" + name;
+  FileManager& files = FileManager::defaultManager();
   Error cause;
-  if (!FileManager::defaultManager().writeAtomically(data, path, &cause))
-    return fail(error, NSDataWriteToDiskError::writeFailed, cause);
-  return URL::fileURLWithPath(path);
+  if (files.writeAtomically(data, path, &cause)) {
+    if (made.keep(&cause)) return URL::fileURLWithPath(path);
+    files.removeItemAtPath(path, nullptr);
+  }
+  return fail(error, NSDataWriteToDiskError::writeFailed, made.failure().value_or(cause));
 }
 
 }  // namespace FrameworkUtility

@@ -1,7 +1,7 @@
 #include <framework_utility/imageio/image_metadata.h>
 
 #include <framework_utility/imageio/fail.h>
-#include <framework_utility/imageio/files/file_utility.h>
+#include <framework_utility/platform/foundation/files.h>
 #include <framework_utility/platform/imageio/image_destination.h>
 #include <framework_utility/platform/imageio/property_keys.h>
 
@@ -31,14 +31,14 @@ KvImageMetadata KvImageMetadata::withProperties(
 std::optional<KvImageMetadata> KvImageMetadata::withUrl(const std::optional<URL>& url,
                                                         Error* error) {
   if (!url) return fail(error, KvImageMetadataError::urlIsNil);
+  const std::optional<std::string> path = url->path();
+  if (!path) return fail(error, KvImageMetadataError::fileDoesNotExist);
   Error cause;
+  if (!FileManager::defaultManager().attributesOfItemAtPath(*path, &cause))
+    return fail(error, KvImageMetadataError::fileDoesNotExist, cause);
   const std::optional<CGImageSource> source = CGImageSource::createWithURL(*url, {}, &cause);
-  if (source) return withImageSource(source, error);
-  // Asked only where opening failed: what opens exists.
-  const bool isThere = fileExistsAtUrl(FileManager::defaultManager(), *url);
-  return fail(
-      error, isThere ? KvImageMetadataError::noImageSource : KvImageMetadataError::fileDoesNotExist,
-      cause);
+  if (!source) return fail(error, KvImageMetadataError::noImageSource, cause);
+  return withImageSource(source, error);
 }
 
 std::optional<KvImageMetadata> KvImageMetadata::withData(const std::optional<Data>& data,

@@ -3,7 +3,7 @@
 #include <framework_utility/imageio/contained_path.h>
 #include <framework_utility/imageio/fail.h>
 #include <framework_utility/imageio/image_metadata.h>
-#include <framework_utility/imageio/session_manager.h>
+#include <framework_utility/imageio/made_folders.h>
 #include <framework_utility/platform/foundation/files.h>
 #include <framework_utility/platform/foundation/random.h>
 #include <framework_utility/platform/imageio/image_destination.h>
@@ -13,6 +13,7 @@
 namespace FrameworkUtility {
 
 using detail::fail;
+using detail::MadeFolders;
 
 namespace {
 
@@ -29,23 +30,21 @@ std::optional<URL> withExtensionOf(const UTType& type, const URL& url) {
 }
 
 /// Removes what is at `url` and makes its folder. A failure shows when the file is made.
-void makeWay(const URL& url) {
+void makeWay(const URL& url, MadeFolders& made) {
   FileManager& files = FileManager::defaultManager();
   files.removeItemAtPath(url.path().value_or(""), nullptr);
   const std::string folder = url.deletingLastPathComponent().path().value_or("");
-  if (!files.fileExistsAtPath(folder))
-    files.createDirectoryAtPath(folder, IntermediateDirectories::create, nullptr);
+  if (!files.fileExistsAtPath(folder)) made.make(folder);
 }
 
-}  // namespace
-
-std::optional<URL> writeCGImageToURL(const std::optional<CGImage>& image, const URL& url,
-                                     const ImageWriteOptions& options, Error* error) {
+/// `made` has the folders that were made for this file before.
+std::optional<URL> write(const std::optional<CGImage>& image, const URL& url,
+                         const ImageWriteOptions& options, MadeFolders& made, Error* error) {
   if (!image) return fail(error, CGImageWriteToDiskError::imageIsNil);
   const UTType type = writtenType(options.uti);
   std::optional<URL> target = withExtensionOf(type, url);
   if (!target) return fail(error, CGImageWriteToDiskError::noExtension);
-  makeWay(*target);
+  makeWay(*target, made);
 
   const std::unique_ptr<CGImageDestination> destination =
       CGImageDestination::createWithURL(*target, type.identifier(), 1);
@@ -60,9 +59,19 @@ std::optional<URL> writeCGImageToURL(const std::optional<CGImage>& image, const 
   metadata.addImage(image, destination.get(),
                     options.compressionQuality.value_or(jpegCompressionQualityDefault));
   Error cause;
-  if (!destination->finalize(&cause))
-    return fail(error, CGImageWriteToDiskError::finalizeFailed, cause);
-  return target;
+  if (destination->finalize(&cause)) {
+    if (made.keep(&cause)) return target;
+    FileManager::defaultManager().removeItemAtPath(target->path().value_or(""), nullptr);
+  }
+  return fail(error, CGImageWriteToDiskError::finalizeFailed, made.failure().value_or(cause));
+}
+
+}  // namespace
+
+std::optional<URL> writeCGImageToURL(const std::optional<CGImage>& image, const URL& url,
+                                     const ImageWriteOptions& options, Error* error) {
+  MadeFolders made;
+  return write(image, url, options, made, error);
 }
 
 std::optional<std::string> writeCGImageToPath(const std::optional<CGImage>& image,
@@ -87,10 +96,10 @@ std::optional<URL> writeCGImageFileName(const std::optional<CGImage>& image,
   // A name that climbs out of the new folder has no valid path, as an identifier that leads out of
   // the temporary directory has none.
   if (!detail::staysInFolder(name)) return fail(error, CGImageWriteToDiskError::noFolder);
-  const std::optional<std::string> folder =
-      KvSessionManager::getNewValidFolderPathForSessionIdentifier(sessionIdentifier);
+  MadeFolders made;
+  const std::optional<std::string> folder = detail::newFolderOfSession(sessionIdentifier, made);
   if (!folder) return fail(error, CGImageWriteToDiskError::noFolder);
-  return writeCGImageToURL(image, URL::fileURLWithPath(*folder + "/" + name), options, error);
+  return write(image, URL::fileURLWithPath(*folder + "/" + name), options, made, error);
 }
 
 std::optional<URL> writeToURL(const UIImage& image, const URL& url,

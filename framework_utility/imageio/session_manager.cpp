@@ -1,6 +1,6 @@
 #include <framework_utility/imageio/session_manager.h>
 
-#include <framework_utility/imageio/contained_path.h>
+#include <framework_utility/imageio/made_folders.h>
 #include <framework_utility/platform/foundation/application.h>
 #include <framework_utility/platform/foundation/files.h>
 #include <framework_utility/platform/foundation/random.h>
@@ -16,11 +16,6 @@ constexpr std::string_view globalIdentifierKey = "sessionTemporaryFolderPath";
 const UIScene* sceneOf(const UIView* view) {
   const UIWindow* window = view ? view->window() : nullptr;
   return window ? window->windowScene() : nullptr;
-}
-
-void createDirectory(FileManager& files, const std::string& path) {
-  // A failure shows when the folder is used.
-  files.createDirectoryAtPath(path, IntermediateDirectories::create, nullptr);
 }
 
 }  // namespace
@@ -64,24 +59,18 @@ std::string KvSessionManager::sessionIdentifierForViewController(
 
 std::optional<std::string> KvSessionManager::getPathForSessionIdentifier(
     std::string_view identifier) {
-  if (identifier.empty() || !detail::staysInFolder(identifier)) return std::nullopt;
-  const std::string path = temporaryDirectory() + std::string(identifier);
-  FileManager& files = FileManager::defaultManager();
-  if (!files.fileExistsAtPath(path)) createDirectory(files, path);
-  return path;
+  detail::MadeFolders made;
+  std::optional<std::string> folder = detail::sessionFolder(identifier, made);
+  made.keep(nullptr);
+  return folder;
 }
 
 std::optional<std::string> KvSessionManager::getNewValidFolderPathForSessionIdentifier(
     std::string_view identifier) {
-  const std::optional<std::string> folder = getPathForSessionIdentifier(identifier);
-  if (!folder) return std::nullopt;
-  FileManager& files = FileManager::defaultManager();
-  std::string path;
-  do {
-    path = *folder + "/" + newUUIDString();
-  } while (files.fileExistsAtPath(path));
-  createDirectory(files, path);
-  return path;
+  detail::MadeFolders made;
+  std::optional<std::string> folder = detail::newFolderOfSession(identifier, made);
+  made.keep(nullptr);
+  return folder;
 }
 
 std::optional<std::string> KvSessionManager::getNewValidFolderPathGlobal() {

@@ -54,19 +54,24 @@ TEST(KvImageMetadataReadingTest, EveryFailureHasItsError) {
   EXPECT_THAT(error, IsError(KvImageMetadataError::noImageSource));
 }
 
-TEST(KvImageMetadataReadingTest, AFileThatCannotBeReadGivesNoSource) {
+TEST(KvImageMetadataReadingTest, AFileIsAskedForBeforeItIsOpened) {
   const testing::TemporaryFolder folder;
   testing::writeFile(folder.path("a.jpg"), encoded(redAndBlue(16, 16), "public.jpeg"));
-  const auto failing = makeFailingFileManager(
-      FileManager::defaultManager(), [](std::string_view operation, std::string_view) {
-        return operation == "openFileAtPath" ? std::optional(Error("NSCocoaErrorDomain", 257))
-                                             : std::nullopt;
-      });
-  const ScopedFileManager scope(*failing);
-  Error error;
-  EXPECT_FALSE(KvImageMetadata::withUrl(URL::fileURLWithPath(folder.path("a.jpg")), &error));
-  EXPECT_THAT(error, IsError(KvImageMetadataError::noImageSource));
-  EXPECT_EQ(error.underlyingError(), Error("NSCocoaErrorDomain", 257));
+  for (const auto& [failing, code] :
+       {std::pair{"attributesOfItemAtPath", KvImageMetadataError::fileDoesNotExist},
+        {"openFileAtPath", KvImageMetadataError::noImageSource}}) {
+    const auto manager = makeFailingFileManager(
+        FileManager::defaultManager(),
+        [failing = failing](std::string_view operation, std::string_view) {
+          return operation == failing ? std::optional(Error("NSCocoaErrorDomain", 257))
+                                      : std::nullopt;
+        });
+    const ScopedFileManager scope(*manager);
+    Error error;
+    EXPECT_FALSE(KvImageMetadata::withUrl(URL::fileURLWithPath(folder.path("a.jpg")), &error));
+    EXPECT_THAT(error, IsError(code));
+    EXPECT_EQ(error.underlyingError(), Error("NSCocoaErrorDomain", 257));
+  }
 }
 
 TEST(KvImageMetadataReadingTest, SuccessLeavesTheErrorAlone) {

@@ -32,7 +32,7 @@ namespace {
 using testing::redAndBlue;
 
 /// Runs `save` with each of its file operations failing in turn, alone or with all that follow.
-void failEachOperation(const std::function<void()>& save) {
+void failEachOperation(const std::function<void(bool forGood)>& save) {
   FileManager& disk = FileManager::defaultManager();
   for (const bool forGood : {false, true}) {
     bool reached = true;
@@ -46,49 +46,54 @@ void failEachOperation(const std::function<void()>& save) {
           });
       const ScopedFileManager scope(*manager);
       SCOPED_TRACE(::testing::Message() << "operation " << failing);
-      save();
+      save(forGood);
       reached = operation > failing;
       ASSERT_LT(failing, 100);
     }
   }
 }
 
-bool isWhole(const URL& url, std::size_t width) {
-  const std::optional<CGImageSource> source = CGImageSource::createWithURL(url);
+bool isWhole(const std::string& file, std::size_t width) {
+  const auto source = CGImageSource::createWithData(testing::readFile(file));
   const std::optional<CGImage> image = source ? source->imageAtIndex(0) : std::nullopt;
   return image && image->width() == width;
 }
 
+/// What is in the folder, at any depth, and no folder itself.
+std::vector<std::string> filesIn(const std::string& folder) {
+  std::vector<std::string> files;
+  if (!std::filesystem::exists(folder)) return files;
+  for (const auto& entry : std::filesystem::recursive_directory_iterator(folder))
+    if (!entry.is_directory()) files.push_back(entry.path().string());
+  return files;
+}
+
+// While the disk lets it be removed, nothing of a save that fails stays, its folders neither.
+
 TEST(InterruptedWritingTest, AFailingDiskLeavesAWholeImageOrNone) {
   const testing::TemporaryFolder folder;
   const CGImage image = redAndBlue(64, 64);
-  failEachOperation([&] {
+  failEachOperation([&](bool forGood) {
     std::filesystem::remove_all(folder.path("new"));
-    const std::string path = folder.path("new/a.jpeg");
-    const bool written = writeCGImageToPath(image, path, {.uti = UTTypeJPEG}).has_value();
-    EXPECT_EQ(std::filesystem::exists(path), written);
-    // Nor half of it under another name.
-    if (std::filesystem::exists(folder.path("new"))) {
-      EXPECT_EQ(testing::namesIn(folder.path("new")).size(), written ? 1u : 0u);
-    }
-    if (written) {
-      EXPECT_GT(std::filesystem::file_size(path), 0u);
-    }
+    const auto written =
+        writeCGImageToPath(image, folder.path("new/er/a.jpeg"), {.uti = UTTypeJPEG});
+    const std::vector<std::string> left = filesIn(folder.path("new"));
+    EXPECT_TRUE(written ? left == std::vector{*written} : forGood || left.empty());
+    for (const std::string& file : left) EXPECT_TRUE(isWhole(file, 64));
+    EXPECT_TRUE(forGood || std::filesystem::exists(folder.path("new")) == written.has_value());
   });
 }
 
 TEST(InterruptedWritingTest, AFailingDiskLeavesAllBytesOrNone) {
   const std::string session = temporaryDirectory() + "Interrupted-1";
   const Data bytes(std::as_bytes(std::span("all of these bytes")));
-  failEachOperation([&] {
+  failEachOperation([&](bool forGood) {
     std::filesystem::remove_all(session);
     const std::optional<URL> written = writeToDisk(bytes, UTTypeJPEG, "Interrupted-1");
-    if (written) {
-      EXPECT_EQ(testing::readFile(written->path().value()), bytes);
-    } else if (std::filesystem::exists(session)) {
-      for (const auto& entry : std::filesystem::recursive_directory_iterator(session))
-        EXPECT_TRUE(entry.is_directory()) << entry.path();
-    }
+    const std::vector<std::string> left = filesIn(session);
+    EXPECT_TRUE(written ? left == std::vector{*written->path()} : forGood || left.empty());
+    for (const std::string& file : left) EXPECT_EQ(testing::readFile(file), bytes);
+    EXPECT_TRUE(forGood || std::filesystem::exists(session) == written.has_value());
   });
 }
 
@@ -103,7 +108,7 @@ TEST(InterruptedWritingTest, AFullDiskIsTheCauseOfWhatFails) {
     for (const auto& [code, save] :
          {std::pair<ErrorCode, Save>{CGImageWriteToDiskError::finalizeFailed,
                                      [&](Error* error) {
-                                       return writeCGImageToPath(image, disk + "a",
+                                       return writeCGImageToPath(image, disk + "new/er/a",
                                                                  {.compressionQuality = 1}, error)
                                            .has_value();
                                      }},
@@ -113,6 +118,7 @@ TEST(InterruptedWritingTest, AFullDiskIsTheCauseOfWhatFails) {
       testing::writeFile(disk + "rest", Data(std::vector<std::byte>(250'000)));
       Error error;
       EXPECT_FALSE(save(&error));
+      EXPECT_THAT(testing::namesIn(disk), ::testing::ElementsAre("rest"));
       EXPECT_THAT(error, testing::IsError(code));
       const Error cause = error.underlyingError().value_or(Error());
       EXPECT_EQ(cause.code(), NSFileWriteOutOfSpaceError);
@@ -151,7 +157,7 @@ TEST(InterruptedWritingTest, TwoProcessesThatSaveAtOnceLeaveOneWholeImage) {
   const pid_t first = start(save), second = start(save);
   EXPECT_EQ(exitCode(first), 0);
   EXPECT_EQ(exitCode(second), 0);
-  EXPECT_TRUE(isWhole(url, 200));
+  EXPECT_TRUE(isWhole(folder.path("a.jpeg"), 200));
   EXPECT_EQ(testing::namesIn(folder.path()), std::vector<std::string>{"a.jpeg"});
 }
 
@@ -167,8 +173,9 @@ TEST(InterruptedWritingTest, AKilledProcessLeavesAWholeImageOrNone) {
     std::this_thread::sleep_for(std::chrono::microseconds(std::rand() % 20000));
     ASSERT_EQ(kill(child, SIGKILL), 0);
     EXPECT_EQ(exitCode(child), -1);
+    EXPECT_THAT(testing::namesIn(folder.path()), ::testing::Each("a.jpeg"));
     if (std::filesystem::exists(folder.path("a.jpeg"))) {
-      EXPECT_TRUE(isWhole(url, 400));
+      EXPECT_TRUE(isWhole(folder.path("a.jpeg"), 400));
     }
   }
 }

@@ -201,9 +201,20 @@ TEST_F(KvSessionManagerTest, AFolderStaysInTheTemporaryDirectory) {
 }
 
 TEST_F(KvSessionManagerTest, EveryNewFolderIsNewAndEmpty) {
+  std::vector<std::string> flushed;
+  const auto watched = makeFailingFileManager(
+      FileManager::defaultManager(), [&](std::string_view operation, std::string_view path) {
+        if (operation == "flushDirectoryAtPath") flushed.emplace_back(path);
+        return std::optional<Error>();
+      });
+  const ScopedFileManager scope(*watched);
   const auto first = KvSessionManager::getNewValidFolderPathForSessionIdentifier("New");
   const auto second = KvSessionManager::getNewValidFolderPathForSessionIdentifier("New");
   ASSERT_TRUE(first && second);
+  // Each new one into the folder above it.
+  std::string above = temporaryDirectory();
+  above.pop_back();
+  EXPECT_THAT(flushed, ::testing::ElementsAre(above, above + "/New", above + "/New"));
   EXPECT_NE(first, second);
   EXPECT_THAT(*first, MatchesRegex(temporaryDirectory() + "New/[0-9A-F-]{36}"));
   EXPECT_TRUE(std::filesystem::is_empty(*first));
