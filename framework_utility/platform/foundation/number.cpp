@@ -4,6 +4,7 @@
 #include <framework_utility/platform/foundation/stop.h>
 
 #include <cmath>
+#include <limits>
 #include <utility>
 
 namespace FrameworkUtility {
@@ -13,16 +14,17 @@ constexpr double twoTo32 = 4294967296.0;
 constexpr double twoTo63 = 9223372036854775808.0;
 constexpr double twoTo64 = 18446744073709551616.0;
 
-/// Whether a double is the very same number as an integer: no rounding to double on the way, which
-/// would make 2^53 + 1 equal to 2^53.
-bool isSame(double real, std::int64_t integer) {
-  return real >= -twoTo63 && real < twoTo63 && std::trunc(real) == real &&
-         static_cast<std::int64_t>(real) == integer;
-}
-
-bool isSame(double real, std::uint64_t integer) {
-  return real >= 0 && real < twoTo64 && std::trunc(real) == real &&
-         static_cast<std::uint64_t>(real) == integer;
+/// Without rounding the integer to a double on the way, which would make 2^53 + 1 equal to 2^53.
+/// The integers of the type end below `end`.
+template <class Integer>
+std::partial_ordering compare(double real, Integer integer, double end) {
+  if (std::isnan(real)) return std::partial_ordering::unordered;
+  if (real >= end) return std::partial_ordering::greater;
+  if (real < static_cast<double>(std::numeric_limits<Integer>::min()))
+    return std::partial_ordering::less;
+  const auto whole = static_cast<Integer>(real);
+  if (whole != integer) return whole <=> integer;
+  return real <=> std::trunc(real);
 }
 
 }  // namespace
@@ -84,20 +86,25 @@ std::string Number::description() const {
   }
 }
 
-bool operator==(const Number& a, const Number& b) {
+std::partial_ordering operator<=>(const Number& a, const Number& b) {
   using Kind = Number::Kind;
   if (b.kind_ == Kind::real) {
-    if (a.kind_ != Kind::real) return b == a;
-    return std::bit_cast<double>(a.bits_) == std::bit_cast<double>(b.bits_);
+    if (a.kind_ != Kind::real) return 0 <=> (b <=> a);
+    return std::bit_cast<double>(a.bits_) <=> std::bit_cast<double>(b.bits_);
   }
   const bool bIsUnsigned = b.kind_ == Kind::unsignedInteger;
   if (a.kind_ == Kind::real) {
     const double real = std::bit_cast<double>(a.bits_);
-    return bIsUnsigned ? isSame(real, b.bits_) : isSame(real, static_cast<std::int64_t>(b.bits_));
+    return bIsUnsigned ? compare(real, b.bits_, twoTo64)
+                       : compare(real, static_cast<std::int64_t>(b.bits_), twoTo63);
   }
   // The bits of a negative integer are those of a large unsigned one.
-  const bool aIsUnsigned = a.kind_ == Kind::unsignedInteger;
-  return a.bits_ == b.bits_ && (aIsUnsigned == bIsUnsigned || std::in_range<std::int64_t>(a.bits_));
+  const bool aIsNegative =
+      a.kind_ != Kind::unsignedInteger && !std::in_range<std::int64_t>(a.bits_);
+  const bool bIsNegative = !bIsUnsigned && !std::in_range<std::int64_t>(b.bits_);
+  if (aIsNegative != bIsNegative)
+    return aIsNegative ? std::partial_ordering::less : std::partial_ordering::greater;
+  return a.bits_ <=> b.bits_;
 }
 
 }  // namespace FrameworkUtility

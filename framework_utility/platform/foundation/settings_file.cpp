@@ -4,6 +4,7 @@
 #include <framework_utility/platform/foundation/files/real_file_manager.h>
 #include <framework_utility/platform/foundation/path.h>
 #include <framework_utility/platform/foundation/property_list.h>
+#include <framework_utility/platform/foundation/random.h>
 
 #include <fcntl.h>
 #include <sys/file.h>
@@ -89,10 +90,10 @@ std::optional<Data> readAll(const Descriptor& file, off_t size) {
   return Data(std::move(bytes));
 }
 
-Dictionary dictionaryIn(const Data& bytes) {
+std::optional<Dictionary> dictionaryIn(const Data& bytes) {
   std::optional<Value> value = propertyListWithData(bytes);
   Dictionary* dictionary = value ? value->as<Dictionary>() : nullptr;
-  return dictionary ? std::move(*dictionary) : Dictionary();
+  return dictionary ? std::optional(std::move(*dictionary)) : std::nullopt;
 }
 
 }  // namespace
@@ -119,7 +120,14 @@ bool SettingsFile::change(std::string_view key, const Value* value) {
   else
     changed.remove(key);
   const std::optional<Data> bytes = dataWithPropertyList(changed);
-  return bytes && (*bytes == bytes_ || writeFileAtomically(*bytes, path_) == 0);
+  if (bytes && *bytes == bytes_) return true;
+  return bytes && (!isDamaged_ || keepAside()) && writeFileAtomically(*bytes, path_) == 0;
+}
+
+/// Whoever can repair the file finds in it all that was ever set.
+bool SettingsFile::keepAside() const {
+  const std::string other = folder_ + "/defaults-damaged-" + newUUIDString() + ".plist";
+  return renameKeeping(AT_FDCWD, path_, AT_FDCWD, other) == 0;
 }
 
 /// Reads the file again if it is another one. False when there is one that cannot be read.
@@ -145,7 +153,10 @@ bool SettingsFile::refresh() {
   file_ = std::move(file);
   status_ = status;
   bytes_ = *std::move(bytes);
-  settings_ = dictionaryIn(bytes_);
+  std::optional<Dictionary> settings = dictionaryIn(bytes_);
+  // A file without bytes, or with too many to be read here: only the first is nothing to keep.
+  isDamaged_ = !settings && status.st_size > 0;
+  settings_ = std::move(settings).value_or(Dictionary());
   return true;
 }
 
@@ -153,6 +164,7 @@ void SettingsFile::forget() {
   file_ = Descriptor();
   bytes_ = Data();
   settings_ = Dictionary();
+  isDamaged_ = false;
 }
 
 /// The temporary files of writers that were killed; who holds the lock is the only writer.

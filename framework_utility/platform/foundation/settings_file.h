@@ -22,13 +22,14 @@ class SettingsFile {
   const Dictionary& settings();
 
   /// Puts `value` under `key`, or takes the key away when it is null, in what the file holds now.
-  /// Whether that is stored.
+  /// Whether that is stored. A file that is no property list of settings is kept under another name
+  /// beside the new one.
   bool change(std::string_view key, const Value* value);
 
  private:
   bool refresh();
   void forget();
-  bool replace(const Data& bytes);
+  bool keepAside() const;
   void removeLeftovers() const;
 
   std::string folder_;
@@ -41,6 +42,7 @@ class SettingsFile {
   struct stat status_ {};
   Data bytes_;
   Dictionary settings_;
+  bool isDamaged_ = false;  // there is a file, and it holds something else
 };
 
 }  // namespace FrameworkUtility::detail

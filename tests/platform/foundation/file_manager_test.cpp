@@ -1,6 +1,7 @@
 // One contract, three forms: each test here runs with the system's file manager, with the one in
 // memory, and with a failing one that never fails.
 
+#include <framework_utility/platform/foundation/data.h>
 #include <framework_utility/platform/foundation/file_error.h>
 #include <framework_utility/platform/foundation/files.h>
 #include <framework_utility/platform/foundation/value.h>
@@ -68,10 +69,15 @@ INSTANTIATE_TEST_SUITE_P(Forms, FileManagerTest,
                          ::testing::Values(Form::real, Form::memory, Form::failing), nameOf);
 
 TEST_P(FileManagerTest, WritesReadsReplacesAndRemovesAFile) {
+  const ScopedFileManager scope(files());
   EXPECT_FALSE(files().fileExistsAtPath(at("a#b?.jpg")));
+  Error missing;
+  EXPECT_FALSE(Data::withContentsOfFile(at("a#b?.jpg"), &missing));
+  EXPECT_EQ(missing.code(), NSFileReadNoSuchFileError);
   for (const std::string& text : {"one"s, ""s, std::string(1 << 20, 'x') + '\0', "four"s}) {
     ASSERT_TRUE(write("a#b?.jpg", text));
     EXPECT_EQ(contents("a#b?.jpg"), text);
+    EXPECT_EQ(Data::withContentsOfFile(at("a#b?.jpg")), Data(bytesOf(text)));
     const auto attributes = files().attributesOfItemAtPath(at("a#b?.jpg"), nullptr);
     ASSERT_TRUE(attributes);
     EXPECT_EQ(attributes->kind, FileKind::file);

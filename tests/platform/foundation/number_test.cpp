@@ -30,22 +30,36 @@ TEST(NumberTest, EqualByValueOverAllKinds) {
 }
 
 TEST(NumberTest, NothingIsRoundedBeforeTheComparison) {
-  const std::pair<Number, Number> different[] = {
-      {(std::int64_t{1} << 53) + 1, 0x1p53},
-      {largest, 0x1p63},
-      {largestUnsigned, 0x1p64},
-      {largestUnsigned, -1},
-      {smallest, std::uint64_t{1} << 63},
-      {-1, 0xFFFFFFFFu},
-      {1, 1.5},
-      {largest, infinity},
-      {nan, nan},
-      {0, nan},
-  };
-  for (const auto& [a, b] : different) {
-    EXPECT_FALSE(a == b) << a << ' ' << b;
-    EXPECT_FALSE(b == a) << a << ' ' << b;
+  const Number ascending[] = {-infinity,
+                              -0x1.0000000000001p63,
+                              smallest,
+                              -1.5,
+                              -1,
+                              -0x1p-1074,
+                              0,
+                              0.5f,
+                              true,
+                              1.5,
+                              0xFFFFFFFFu,
+                              0x1p53,
+                              (std::int64_t{1} << 53) + 1,
+                              largest,
+                              0x1p63,
+                              (std::uint64_t{1} << 63) + 1,
+                              largestUnsigned,
+                              0x1p64,
+                              infinity};
+  for (const Number& b : ascending) {
+    for (const Number& a : ascending) {
+      EXPECT_EQ(a < b, &a < &b) << a << ' ' << b;
+      EXPECT_EQ(a > b, &a > &b) << a << ' ' << b;
+      EXPECT_EQ(a == b, &a == &b) << a << ' ' << b;
+      EXPECT_EQ(a <= b, &a <= &b) << a << ' ' << b;
+    }
+    for (const auto& [a, c] : {std::pair{b, Number(nan)}, {nan, b}, {nan, nan}})
+      EXPECT_EQ(a <=> c, std::partial_ordering::unordered) << a << ' ' << c;
   }
+  EXPECT_FALSE(Number(nan) == Number(nan));
 }
 
 TEST(NumberTest, IntegersAreTruncatedTowardsZero) {

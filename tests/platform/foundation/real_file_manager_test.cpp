@@ -1,6 +1,7 @@
 // What only a real file system can show: links, permissions, special files, full disks, processes
 // that are killed or that save at once, very deep folders, and the temporary directory.
 
+#include <framework_utility/platform/foundation/data.h>
 #include <framework_utility/platform/foundation/file_error.h>
 #include <framework_utility/platform/foundation/files.h>
 #include <tests/support/files.h>
@@ -117,6 +118,8 @@ TEST_F(RealFileManagerTest, PipesSocketsAndDevicesNeverBlock) {
     EXPECT_EQ(error.code(), NSFileReadUnknownError);
     EXPECT_EQ(files.attributesOfItemAtPath(path, nullptr)->kind, FileKind::other);
   }
+  // One that does not know its size is read whole.
+  EXPECT_GT(Data::withContentsOfFile("/proc/self/status").value_or(Data()).size(), 100u);
   // A folder that holds one is copied wholly or not at all.
   EXPECT_FALSE(files.copyItemAtPath(folder.path(), folder.path() + "-copy", nullptr));
   EXPECT_FALSE(files.fileExistsAtPath(folder.path() + "-copy"));

@@ -5,6 +5,7 @@
 
 #include <filesystem>
 #include <type_traits>
+#include <unordered_set>
 #include <utility>
 
 namespace FrameworkUtility {
@@ -19,6 +20,9 @@ TEST(URLTest, FileNamesComeBackUnchanged) {
     const std::string path = "/tmp/" + name;
     const URL url = URL::fileURLWithPath(path);
     EXPECT_EQ(url.path(), path);
+    const std::filesystem::path native = *url.path();
+    EXPECT_EQ(URL::fileURLWithPath(native), url);
+    EXPECT_EQ(std::unordered_set({url}).count(URL::fileURLWithPath(native)), 1U);
     EXPECT_EQ(url.lastPathComponent(), name);
     EXPECT_EQ(URL::fileURLWithPath("/tmp").appendingPathComponent(name), url);
     const std::optional<URL> read = URL::withString(url.absoluteString());

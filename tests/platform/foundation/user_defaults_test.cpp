@@ -4,6 +4,7 @@
 #include <framework_utility/platform/foundation/files.h>
 #include <framework_utility/platform/foundation/property_list.h>
 #include <framework_utility/platform/foundation/random.h>
+#include <tests/support/files.h>
 #include <tests/support/scoped_environment.h>
 #include <tests/support/temporary_folder.h>
 
@@ -165,15 +166,23 @@ TEST_F(UserDefaultsTest, WhatTheDiskRefusesIsKeptForThisProcess) {
   EXPECT_FALSE(defaults()->objectForKey("removed"));
 }
 
-TEST_F(UserDefaultsTest, ADamagedFileCountsAsEmptyAndIsReplaced) {
-  for (const std::string_view bytes : {"", "bplist00", "{\"json\": true}"}) {
+TEST_F(UserDefaultsTest, ADamagedFileCountsAsEmptyAndIsKeptAside) {
+  std::vector<std::string> aside;
+  for (const std::string bytes : {"", "bplist00", "{\"json\": true}"}) {
     SCOPED_TRACE(bytes);
     writeFile(bytes);
+    if (!bytes.empty()) aside.push_back(bytes);
     EXPECT_FALSE(defaults()->objectForKey("key"));
     defaults()->removeObjectForKey("key");
+    defaults()->setObject(2, "key");
     defaults()->setObject(1, "key");
     EXPECT_EQ(stored(), (Dictionary{{"key", 1}}));
   }
+  std::vector<std::string> kept;
+  for (const auto& entry : std::filesystem::directory_iterator(suiteFolder()))
+    if (entry.path().filename().string().starts_with("defaults-damaged-"))
+      kept.push_back(*testing::contentsOf(FileManager::defaultManager(), entry.path().string()));
+  EXPECT_THAT(kept, ::testing::UnorderedElementsAreArray(aside));
 }
 
 TEST_F(UserDefaultsTest, AFileThatCannotBeReadIsNotReplaced) {
