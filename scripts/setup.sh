@@ -1,12 +1,13 @@
 #!/bin/sh
 # setup.sh [build|check|bench]: installs what is missing of the Debian packages that building and
 # testing need (build, the default), that scripts/check.sh needs too, or that scripts/bench.sh
-# needs too. docs/dependencies.md says what each is for.
+# needs too. docs/dependencies.md says what each is for. Only where something is missing it needs
+# root, or sudo.
 set -eu
 
 build='g++ cmake ninja-build pkg-config libjpeg-dev libpng-dev zlib1g-dev liblcms2-dev libicu-dev
-  libexpat1-dev libcli11-dev libfmt-dev libgtest-dev libgmock-dev'
-check='git clang-14 clang-format-14 clang-tidy-14 libclang-rt-14-dev python3
+  libexpat1-dev libcli11-dev libfmt-dev libgtest-dev libgmock-dev python3'
+check='git clang-14 clang-format-14 clang-tidy-14 libclang-rt-14-dev
   libimage-exiftool-perl exiv2 libjpeg-turbo-progs pngcheck imagemagick'
 bench='libboost-dev libcairo2-dev libexif-dev libexiv2-dev libopencv-imgproc-dev libplist-dev
   libvips-dev qtbase5-dev'
@@ -28,8 +29,14 @@ done
 [ -n "$missing" ] || exit 0
 
 as_root=''
-[ "$(id -u)" -eq 0 ] || as_root=sudo
-echo "Installing$missing"
+if [ "$(id -u)" -ne 0 ]; then
+  as_root=sudo
+  command -v sudo >/dev/null || {
+    echo "setup.sh: root, or sudo, is needed to install$missing" >&2
+    exit 1
+  }
+fi
+echo "Installing$missing, as root${as_root:+ by sudo}"
 $as_root apt-get update -qq
 # shellcheck disable=SC2086  # a list of words
 $as_root env DEBIAN_FRONTEND=noninteractive apt-get install -y -qq --no-install-recommends $missing

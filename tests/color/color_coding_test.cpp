@@ -163,7 +163,7 @@ TEST(ColorCodingTest, FailuresHaveTheirCodes) {
 
 TEST(ColorCodingTest, PythonReadsWhatIsWrittenAndWritesWhatIsRead) {
   if (std::system("python3 -c 'import plistlib' 2>/dev/null") != 0)
-    GTEST_SKIP() << "python3 with plistlib is not installed";
+    GTEST_SKIP() << "the package python3 is not installed";
   const testing::TemporaryFolder folder;
   FileManager& files = FileManager::defaultManager();
   const auto write = [&](const char* name, std::span<const std::byte> bytes) {

@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <filesystem>
 #include <string>
+#include <tuple>
 
 namespace FrameworkUtility {
 namespace {
@@ -101,6 +102,76 @@ TEST_F(KvtoolTest, SaveWritesTheChangesIntoTheSession) {
        {R"("orientation": 8)", R"("date": "2020-02-29T23:59:58+00:00")",
         R"("software": "Pelvar 7.1")", R"("latitude": -33.86)", R"("longitude": 151.21)"})
     EXPECT_THAT(facts, HasSubstr(fact));
+}
+
+TEST_F(KvtoolTest, DatesAreTheCamerasClockInEveryLocale) {
+  const Dictionary exif{{"DateTimeDigitized", "2024:05:06 07:08:09"},
+                        {"OffsetTimeDigitized", "-03:30"},
+                        {"OffsetTimeOriginal", "+02:00"},
+                        {"SubsecTimeOriginal", "123"}};
+  testing::writeFile(path("a.jpg"),
+                     encoded(redAndBlue(9, 9), "public.jpeg", Dictionary{{"{Exif}", exif}}));
+  const std::pair<std::string, std::string> dates[] = {
+      {"", "2024-05-06T07:08:09-03:30"},
+      {"2020-02-29T23:59:58", "2020-02-29T23:59:58"},
+      {"2020-02-29T23:59:58+05:45", "2020-02-29T23:59:58+05:45"},
+      {"2020-02-29T23:59:58Z", "2020-02-29T23:59:58+00:00"}};
+  for (const char* user : {"LC_ALL=C TZ=UTC", "LC_ALL=th_TH.UTF-8 TZ=Asia/Bangkok",
+                           "LC_ALL=fa_IR.UTF-8 TZ=America/St_Johns"}) {
+    for (const auto& [given, read] : dates) {
+      SCOPED_TRACE(user + given);
+      const std::string tool = std::string(user) + " '" KVTOOL "' ";
+      const std::string option = given.empty() ? "" : " --date " + given;
+      const std::string json = testing::runProgram(tool + "save a.jpg -o b.jpg" + option + " && " +
+                                                       tool + "metadata --json b.jpg",
+                                                   folder_.path())
+                                   .output;
+      EXPECT_THAT(json, HasSubstr("\"date\": \"" + read + "\""));
+      if (given.empty()) continue;
+      for (const char* key : {"DateTime", "DateTimeOriginal", "DateTimeDigitized"})
+        EXPECT_THAT(json, HasSubstr(std::string("\"") + key + "\": \"2020:02:29 23:59:58\""));
+      const std::string offset = read.substr(19);
+      for (const char* key : {"OffsetTime", "OffsetTimeOriginal", "OffsetTimeDigitized"}) {
+        const std::string entry = std::string("\"") + key + "\": ";
+        if (offset.empty())
+          EXPECT_THAT(json, Not(HasSubstr(entry)));
+        else
+          EXPECT_THAT(json, HasSubstr(entry + "\"" + offset + "\""));
+      }
+      EXPECT_THAT(json, Not(HasSubstr("Subsec")));
+    }
+  }
+}
+
+TEST_F(KvtoolTest, APlaceChangesOnlyWhatItSays) {
+  const Dictionary gps{{"Latitude", 48.5},    {"LatitudeRef", "S"},     {"Longitude", 2.25},
+                       {"LongitudeRef", "W"}, {"Altitude", 35.5},       {"AltitudeRef", 1},
+                       {"DOP", 2.5},          {"TimeStamp", "12:13:14"}};
+  testing::writeFile(path("a.jpg"),
+                     encoded(redAndBlue(9, 9), "public.jpeg", Dictionary{{"{GPS}", gps}}));
+  for (const auto& [place, altitude, reference] :
+       {std::tuple{"1.5,-2.75", 35.5, 1}, {"1.5,-2.75,171", 171.0, 0}, {"1.5,-2.75,-3", 3.0, 1}}) {
+    SCOPED_TRACE(place);
+    ASSERT_EQ(run(std::string("save a.jpg -o b.jpg --location ") + place).exitCode, 0);
+    const auto metadata = KvImageMetadata::withUrl(URL::fileURLWithPath(path("b.jpg")));
+    ASSERT_TRUE(metadata);
+    Dictionary expected = gps;
+    expected.set("Latitude", 1.5);
+    expected.set("LatitudeRef", "N");
+    expected.set("Longitude", 2.75);
+    expected.set("Altitude", altitude);
+    expected.set("AltitudeRef", reference);
+    const auto* found = metadata->properties()->get<Dictionary>("{GPS}");
+    for (const auto& [key, value] : expected) {
+      ASSERT_TRUE(found && found->find(key)) << *key.text();
+      EXPECT_EQ(*found->find(key), value) << *key.text();
+    }
+  }
+  testing::writeFile(path("a.jpg"), encoded(redAndBlue(9, 9), "public.jpeg"));
+  const std::string bare = run("save a.jpg -o b.jpg -l 1,2; '" KVTOOL "' metadata b.jpg").output;
+  EXPECT_THAT(bare, HasSubstr("{GPS} LongitudeRef"));
+  EXPECT_THAT(bare, Not(HasSubstr("{GPS} Altitude")));
+  EXPECT_THAT(bare, Not(HasSubstr("{GPS} TimeStamp")));
 }
 
 TEST_F(KvtoolTest, SaveChoosesTheType) {

@@ -350,7 +350,7 @@ TEST(KeyedArchiveTest, ARootThatCannotBeMadeIsMissing) {
 
 TEST(KeyedArchiveTest, PythonReadsWhatIsWrittenAndWritesWhatIsRead) {
   if (std::system("python3 -c 'import plistlib' 2>/dev/null") != 0)
-    GTEST_SKIP() << "python3 with plistlib is not installed";
+    GTEST_SKIP() << "the package python3 is not installed";
   const TemporaryFolder folder;
   const Data written = *archived(list({boxed(Stroke{0.1F, -3}), "Grüße", Data()}));
   std::ofstream(folder.path("ours"), std::ios::binary)

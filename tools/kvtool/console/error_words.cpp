@@ -14,8 +14,21 @@ namespace kvtool {
 
 using namespace FrameworkUtility;
 
-std::string plainWords(int systemError) {
-  switch (systemError) {
+namespace {
+
+/// A sentence as it stands behind a colon; "HEIC" and "WebP" keep their capitals.
+std::string clause(std::string sentence) {
+  const auto isUpper = [](unsigned char letter) { return std::isupper(letter) != 0; };
+  const auto wordEnd = std::find(sentence.begin(), sentence.end(), ' ');
+  if (std::count_if(sentence.begin(), wordEnd, isUpper) == 1)
+    sentence[0] = static_cast<char>(std::tolower(static_cast<unsigned char>(sentence[0])));
+  if (sentence.ends_with('.')) sentence.pop_back();
+  return sentence;
+}
+
+/// Of a number of the system's.
+std::string wordsOf(int number) {
+  switch (number) {
     case ENOENT:
       return "there is no such file";
     case EACCES:
@@ -38,23 +51,8 @@ std::string plainWords(int systemError) {
     case ENAMETOOLONG:
       return "the name is too long";
     default:
-      break;
+      return clause(std::generic_category().message(number));
   }
-  std::string text = std::generic_category().message(systemError);
-  if (!text.empty()) text[0] = static_cast<char>(std::tolower(static_cast<unsigned char>(text[0])));
-  return text;
-}
-
-namespace {
-
-/// "the file is damaged" of "The file is damaged."; a name at the beginning stays: "HEIC is ...".
-std::string asPartOfALine(std::string sentence) {
-  if (sentence.ends_with('.')) sentence.pop_back();
-  const auto isUpper = [](unsigned char letter) { return std::isupper(letter) != 0; };
-  const auto end = std::find(sentence.begin(), sentence.end(), ' ');
-  if (std::count_if(sentence.begin(), end, isUpper) == 1)
-    sentence[0] = static_cast<char>(std::tolower(static_cast<unsigned char>(sentence[0])));
-  return sentence;
 }
 
 }  // namespace
@@ -62,17 +60,18 @@ std::string asPartOfALine(std::string sentence) {
 std::string plainWords(const Error& error) {
   constexpr std::size_t deepest = 16;  // apps nest causes as they like
   std::optional<Error> cause = error;
-  std::optional<std::string> platform;  // what it says itself
+  std::string words = error.localizedDescription();
   for (std::size_t i = 0; cause && i < deepest; ++i) {
     // Of a file that cannot be made it is the folder that is missing.
     if (cause->domain() == NSCocoaErrorDomain && cause->code() == NSFileNoSuchFileError)
       return "there is no such folder";
-    if (cause->domain() == NSPOSIXErrorDomain) return plainWords(static_cast<int>(cause->code()));
+    if (cause->domain() == NSPOSIXErrorDomain) return wordsOf(static_cast<int>(cause->code()));
+    // What the platform says of itself is for people; what the library says is for its callers.
     if (cause->domain() == NSCocoaErrorDomain && cause->userInfo().find(NSLocalizedDescriptionKey))
-      platform = asPartOfALine(cause->localizedDescription());
+      words = cause->localizedDescription();
     cause = cause->underlyingError();
   }
-  return platform.value_or(error.localizedDescription());
+  return clause(words);
 }
 
 }  // namespace kvtool

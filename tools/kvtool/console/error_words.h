@@ -9,7 +9,5 @@ namespace kvtool {
 /// The cause of an error as a sentence without a full stop, "permission denied": the system's where
 /// it is the system that refused, else what the error itself says.
 std::string plainWords(const FrameworkUtility::Error& error);
-/// The same of a number of the system's.
-std::string plainWords(int systemError);
 
 }  // namespace kvtool

@@ -53,8 +53,9 @@ std::optional<Data> encodedPicture(const CGImage& picture, const UTType& type,
                                    const std::shared_ptr<const MetadataBlocks>& blocks) {
   const auto destination = CGImageDestination::createInMemory(type.identifier(), 1);
   if (destination) destination->addImage(picture, properties, blocks);
-  if (destination && destination->finalize()) return destination->data();
-  printProblem(name, fmt::format("the picture cannot be encoded as {}", formatName(type)));
+  Error error;
+  if (destination && destination->finalize(&error)) return destination->data();
+  printProblem(name, error);
   return std::nullopt;
 }
 

@@ -30,7 +30,8 @@ void setPlace(Dictionary& gps, const Place& place) {
   gps.set(kCGImagePropertyGPSLongitude, std::abs(place.longitude));
   gps.set(kCGImagePropertyGPSLongitudeRef, place.longitude < 0 ? "W" : "E");
   if (!place.altitude) return;
-  gps.set(kCGImagePropertyGPSAltitude, std::abs(*place.altitude));
+  // Signed, as a save takes it that finds a reference to an old altitude.
+  gps.set(kCGImagePropertyGPSAltitude, *place.altitude);
   gps.set("AltitudeRef", *place.altitude < 0 ? 1 : 0);
 }
 
