@@ -116,7 +116,7 @@ Command gradientCommand() {
            {"-c,--colors", colors(options->colors, "COLORS"), "Its colours: '#RRGGBB,#RRGGBB'"},
            {"-s,--size", pixelSize(options->size, "WIDTHxHEIGHT"), "Its pixels", true},
            {"--vertical", flag(options->isVertical), "From top to bottom, not from left to right"},
-           {"-o,--out", anyText(options->out, "FILE"),
+           {"-o,--out", anyName(options->out, "FILE"),
             "Where to write, under exactly this name; - is standard output", true}},
       .help =
           R"(linear, radial and conical space their colours evenly: from edge to edge, from the middle to the

@@ -153,9 +153,9 @@ Command paletteCommand() {
        "How large the photo is looked at", false, options->quality},
       {"-j,--json", flag(options->json),
        R"({"file": ..., "containsAlpha": ..., "colors": [{"hex": ..., "red": 0 to 1, ...}]})"},
-      {"--png", anyText(options->png, "FILE"),
+      {"--png", anyName(options->png, "FILE"),
        "Draw the photo and its colours; - is standard output, then without the list"},
-      {"-O,--out-dir", anyText(options->folder, "FOLDER"), "The same for several photos"}};
+      {"-O,--out-dir", anyName(options->folder, "FOLDER"), "The same for several photos"}};
   addLimits(arguments, options->limits);
   return {
       .name = "palette",

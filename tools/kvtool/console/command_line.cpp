@@ -99,6 +99,8 @@ std::string inPlainWords(const CLI::ParseError& problem, const CLI::App& app) {
   }
   if (dynamic_cast<const CLI::RequiredError*>(&problem))
     return text.substr(0, text.rfind(" is required")) + " is missing";
+  if (dynamic_cast<const CLI::ConversionError*>(&problem))  // of a flag: what has a value is a text
+    return text.substr(text.find('-'), text.find(" =") - text.find('-')) + " takes no value";
   if (dynamic_cast<const CLI::ArgumentMismatch*>(&problem)) {
     if (text.ends_with(" missing")) return text.substr(0, text.find(':')) + " needs a value";
     if (const std::size_t to = text.find("arguments to "); to != text.npos)

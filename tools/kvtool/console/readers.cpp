@@ -19,10 +19,10 @@ std::optional<T> numberIn(std::string_view text) {
 }
 
 template <class T>
-Reader text(T& target, std::string shape) {
-  return {std::move(shape), "a text", [&target](const std::string& given) {
+Reader name(T& target, std::string shape) {
+  return {std::move(shape), "a name", [&target](const std::string& given) {
             target = given;
-            return true;
+            return !given.empty();
           }};
 }
 
@@ -73,10 +73,17 @@ Reader fileNames(std::vector<std::string>& target) {
           true};
 }
 
-Reader anyText(std::string& target, std::string shape) { return text(target, std::move(shape)); }
-
 Reader anyText(std::optional<std::string>& target, std::string shape) {
-  return text(target, std::move(shape));
+  return {std::move(shape), "a text", [&target](const std::string& given) {
+            target = given;
+            return true;
+          }};
+}
+
+Reader anyName(std::string& target, std::string shape) { return name(target, std::move(shape)); }
+
+Reader anyName(std::optional<std::string>& target, std::string shape) {
+  return name(target, std::move(shape));
 }
 
 Reader oneOf(std::string& target, std::vector<std::string> names) {

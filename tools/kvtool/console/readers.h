@@ -24,7 +24,9 @@ struct Reader {
 Reader flag(bool& target);
 /// One or more.
 Reader fileNames(std::vector<std::string>& target);
-Reader anyText(std::string& target, std::string shape);
+/// Not empty.
+Reader anyName(std::string& target, std::string shape);
+Reader anyName(std::optional<std::string>& target, std::string shape);
 Reader anyText(std::optional<std::string>& target, std::string shape);
 Reader oneOf(std::string& target, std::vector<std::string> names);
 Reader wholeNumber(int& target, int least, int most, std::string shape);

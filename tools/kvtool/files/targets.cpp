@@ -17,18 +17,17 @@ std::optional<UTType> Targets::type() const {
 }
 
 void addTargets(std::vector<Argument>& arguments, Targets& targets) {
-  arguments.push_back({"-o,--out", anyText(targets.out, "FILE"),
+  arguments.push_back({"-o,--out", anyName(targets.out, "FILE"),
                        "Where to write, under exactly this name; - is standard output"});
-  arguments.push_back({"-O,--out-dir", anyText(targets.folder, "FOLDER"),
+  arguments.push_back({"-O,--out-dir", anyName(targets.folder, "FOLDER"),
                        "Where to write several, each under its own name"});
   arguments.push_back(
-      {"-t,--type", anyText(targets.typeName, "TYPE"), "jpeg, png, heic, or a type's identifier"});
+      {"-t,--type", anyName(targets.typeName, "TYPE"), "jpeg, png, heic, or a type's identifier"});
 }
 
 std::string problemOf(const Targets& targets, std::size_t files) {
   if (targets.out && targets.folder) return "--out and --out-dir exclude each other";
   if (targets.out && files > 1) return "--out takes one picture; give --out-dir for several";
-  if (targets.out && targets.out->empty()) return "--out needs a name";
   const std::optional<UTType> type = targets.type();
   if (targets.typeName && !type) return fmt::format("there is no type {}", *targets.typeName);
   return problemOfOutput(targets.out.value_or(""), type);

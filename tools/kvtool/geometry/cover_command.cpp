@@ -131,7 +131,7 @@ Command coverCommand() {
                      "By how much, counterclockwise", true},
                     {"-j,--json", flag(options->json),
                      R"({"p1": [x, y], ...}, with digits that read back as the same numbers)"},
-                    {"--svg", anyText(options->svg, "FILE"),
+                    {"--svg", anyName(options->svg, "FILE"),
                      "Draw both; - is standard output, then without the numbers"}},
       .help =
           R"(Prints the corners of the smallest such picture, clockwise from its top left one, y downwards, then

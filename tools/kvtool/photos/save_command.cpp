@@ -76,7 +76,7 @@ bool saveFile(const std::string& file, const Options& options, TargetNames& name
 }
 
 std::string problemOf(const Options& options) {
-  if (options.session.empty() || !detail::staysInFolder(options.session))
+  if (!detail::staysInFolder(options.session))
     return "--session is a name, not \"" + options.session + "\"";
   return problemOf(options.targets, options.files.size());
 }
@@ -97,7 +97,7 @@ Command saveCommand() {
       {"--remove-live-photo", flag(edits.removesLivePhoto), "Forget which video belongs to it"},
       {"-q,--quality", fraction(options->quality, "0-1"), "Smallest to best; else 0.85"}};
   addTargets(arguments, options->targets);
-  arguments.push_back({"--session", anyText(options->session, "NAME"),
+  arguments.push_back({"--session", anyName(options->session, "NAME"),
                        "The editing session that it belongs to", false, options->session});
   addLimits(arguments, options->limits);
   return {
