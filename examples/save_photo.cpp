@@ -47,8 +47,8 @@ int main(int argc, char** argv) {
   metadata.setLocation(CLLocation{.latitude = 48.2082, .longitude = 16.3738, .altitude = 171});
   metadata.removeLivePhotosMetadata();
 
-  const std::optional<UIImage> picture = UIImage::withContentsOfFile(argv[1]);
-  if (!picture) return EXIT_FAILURE;
+  const std::optional<UIImage> picture = UIImage::withContentsOfFile(argv[1], &error);
+  if (!picture) return fail(error);
   const std::optional<URL> written = writeToDiskWithFileName(
       *picture, "photo", session,
       {.metadata = &metadata, .compressionQuality = 0.9, .uti = UTTypeJPEG}, &error);

@@ -203,19 +203,15 @@ int main(int argc, char** argv) {
   heading("The photo " + photo);
   KvImageMetadata metadata = orFail(KvImageMetadata::withUrl(before, &error), error);
   showFacts(metadata);
-  const std::optional<UIImage> picture = UIImage::withContentsOfFile(photo);
-  if (!picture) {
-    std::cerr << "its pixels cannot be read\n";
-    return EXIT_FAILURE;
-  }
+  const UIImage picture = orFail(UIImage::withContentsOfFile(photo, &error), error);
 
   heading("Turned, moved by a day, signed, placed, no longer live, and saved into a session");
   edit(metadata);
   const URL jpeg =
-      orFail(writeToDiskWithFileName(*picture, "photo", session,
+      orFail(writeToDiskWithFileName(picture, "photo", session,
                                      {.metadata = &metadata, .uti = UTTypeJPEG}, &error),
              error);
-  const URL png = orFail(writeToDiskWithFileName(*picture, "photo", session,
+  const URL png = orFail(writeToDiskWithFileName(picture, "photo", session,
                                                  {.metadata = &metadata, .uti = UTTypePNG}, &error),
                          error);
   std::cout << "  " << *jpeg.path() << "\n  " << *png.path() << '\n';
@@ -226,16 +222,15 @@ int main(int argc, char** argv) {
   showChanges(before, png);
 
   heading("What is refused");
-  showRefusals(*picture);
+  showRefusals(picture);
 
   heading("Left to be looked at");
   leave(before, paths::appendingPathComponent(folder, "before." + before.pathExtension()));
   leave(jpeg, paths::appendingPathComponent(folder, "after.jpeg"));
   leave(png, paths::appendingPathComponent(folder, "after.png"));
-  const std::optional<UIImage> thumbnail = thumbnailForImageAtURL(jpeg, {512, 512});
-  if (!thumbnail) return EXIT_FAILURE;
+  const UIImage thumbnail = orFail(thumbnailForImageAtURL(jpeg, {512, 512}, {}, &error), error);
   std::cout << "  "
-            << orFail(writeToPath(*thumbnail, paths::appendingPathComponent(folder, "thumbnail"),
+            << orFail(writeToPath(thumbnail, paths::appendingPathComponent(folder, "thumbnail"),
                                   {.uti = UTTypePNG}, &error),
                       error)
             << '\n';

@@ -4,6 +4,7 @@
 
 #include <framework_utility/platform/foundation/uniform_type.h>
 #include <framework_utility/platform/graphics/ui_image.h>
+#include <framework_utility/platform/imageio/image_codec.h>
 #include <framework_utility/platform/imageio/image_destination.h>
 #include <framework_utility/platform/imageio/image_source.h>
 #include <framework_utility/platform/imageio/property_keys.h>
@@ -58,16 +59,17 @@ std::optional<UIImage> UIImage::withData(const Data& data, Error* error) {
   return detail::uiImageFrom(*CGImageSource::createWithData(data), error);
 }
 
-std::optional<Data> UIImageJPEGRepresentation(const UIImage& image, double quality) {
+std::optional<Data> UIImageJPEGRepresentation(const UIImage& image, double quality, Error* error) {
   const std::unique_ptr<CGImageDestination> destination =
       CGImageDestination::createInMemory(UTTypeJPEG.identifier(), 1);
   if (!image.cgImage() || !destination) {
+    detail::cannotEncode("the picture has no bitmap", error);
     return std::nullopt;
   }
   destination->addImage(*image.cgImage(),
                         {{kCGImageDestinationLossyCompressionQuality, quality},
                          {kCGImagePropertyOrientation, exifNumber(image.imageOrientation())}});
-  return destination->finalize() ? destination->data() : std::nullopt;
+  return destination->finalize(error) ? destination->data() : std::nullopt;
 }
 
 }  // namespace FrameworkUtility

@@ -135,8 +135,9 @@ TEST(UIImageCoding, JpegKeepsTheOrientation) {
     EXPECT_EQ(image->imageOrientation(), orientation);
     EXPECT_EQ(cornersOf(*image->cgImage()), "rgbw");
   }
-  EXPECT_FALSE(UIImageJPEGRepresentation(UIImage::withoutBitmap({5, 5}), 0.9));
-  EXPECT_FALSE(UIImage::withContentsOfFile("/nowhere"));
+  Error error;
+  EXPECT_FALSE(UIImageJPEGRepresentation(UIImage::withoutBitmap({5, 5}), 0.9, &error));
+  EXPECT_EQ(error.localizedDescription(), "the picture has no bitmap");
 }
 
 }  // namespace
