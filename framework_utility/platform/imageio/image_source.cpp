@@ -293,10 +293,6 @@ std::shared_ptr<const MetadataBlocks> CGImageSource::metadataBlocksAtIndex(
     return nullptr;
   }
   const MetadataBlocks& stored = contents_->header().blocks;
-  if (stored.exif.empty() && stored.xmp.empty() && stored.imageResources.empty() &&
-      stored.formatParts.empty()) {
-    return nullptr;
-  }
   auto blocks = std::make_shared<MetadataBlocks>();
   blocks->exif = compact(detail::withoutEmbeddedThumbnail(stored.exif));
   blocks->xmp = compact(stored.xmp);

@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <span>
+#include <string_view>
 #include <vector>
 
 namespace FrameworkUtility::detail {
@@ -23,6 +24,8 @@ struct PixelFacts {
 /// Adds "{Exif}", "{TIFF}", "{GPS}", "{ExifAux}", "{MakerApple}", Orientation, DPIWidth and
 /// DPIHeight as present.
 void readExif(std::span<const std::byte> tiff, Dictionary& properties);
+/// What XResolution or YResolution of "{TIFF}" say in dots an inch; 0 when they say nothing of it.
+double tiffDotsPerInch(const Dictionary& properties, std::string_view key);
 /// The block for these properties; `tiff` may be empty. Empty when there is nothing to store.
 std::vector<std::byte> mergeExif(std::span<const std::byte> tiff, const Dictionary& properties,
                                  const PixelFacts& pixels);

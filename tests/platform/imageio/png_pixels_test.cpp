@@ -1,5 +1,6 @@
 #include <framework_utility/platform/graphics/image_transform.h>
 #include <framework_utility/platform/graphics/rgba_rows.h>
+#include <framework_utility/platform/imageio/png/png_chunks.h>
 #include <framework_utility/platform/imageio/png/png_codec.h>
 #include <framework_utility/platform/imageio/property_keys.h>
 
@@ -263,6 +264,76 @@ TEST(PngPixelsTest, WritesMetadataThatItReadsBack) {
   EXPECT_EQ(decoded(Data(file))->colorSpace(), p3);
 }
 
+/// "type:data" of each chunk of a PNG, less its header, pixels and end.
+std::vector<std::string> chunksOf(const Data& file) {
+  std::vector<std::string> found;
+  const ByteSource source(file);
+  detail::PngChunks chunks(source);
+  while (const auto chunk = chunks.next()) {
+    std::string text;
+    for (const int shift : {24, 16, 8, 0}) text += static_cast<char>(chunk->type >> shift & 255);
+    if (text == "IHDR" || text == "IDAT" || text == "IEND") continue;
+    const Data data = chunks.data(*chunk).value();
+    text += ':';
+    text.append(reinterpret_cast<const char*>(data.data()), data.size());
+    found.push_back(text);
+  }
+  return found;
+}
+
+TEST(PngPixelsTest, TextsAndWhatMayBeCopiedComeBack) {
+  using namespace std::string_literals;
+  testing::PngFile file;
+  const std::string white = "\0\0\x7A\x26\0\0\x80\x84"s;
+  const std::string primaries =
+      "\0\0\xFA\0\0\0\x80\xE8\0\0\x75\x30\0\0\xEA\x60\0\0\x3A\x98\0\0\x17\x70"s;
+  file.header(1, 1, 8, 0)
+      .chunk("cHRM", white + primaries)
+      .chunk("pHYs", "\0\0\0\2\0\0\0\1\0"s)
+      .chunk("tEXt", "Unheard of\0text"s)
+      .chunk("iTXt", "Title\0\0\0de\0Titel\0Ein"s)
+      .chunk("iTXt", "Title\0\0\0en\0Title\0One"s)
+      .chunk("tEXt", "Author\0Ada"s)
+      .chunk("tEXt", "Author\0Bo"s)
+      .chunk("tEXt", "Raw profile type icc\0"s)
+      .chunk("oFFs", "123456789")
+      .chunk("prVt", "ate")
+      .chunk("orNT", "\6")
+      .chunk("prVT", "unsafe")
+      .pixelAndEnd();
+  const ImageHeader header = pngCodec().readHeader(ByteSource(file.data()));
+  EncodeRequest request;
+  request.properties = header.formatProperties;
+  request.properties.set("DPIWidth", 72);  // as EXIF says
+  request.properties.set("DPIHeight", 72);
+  request.properties.set("{TIFF}", Dictionary{{"XResolution", 72}, {"YResolution", 72}});
+  request.blocks = header.blocks;
+  const auto image =
+      CGImage::create(layoutOf(1, 1, 1, none), CGColorSpace::createDeviceGray(), dataOf({0}));
+  const auto written = [&] {
+    std::vector<std::byte> out;
+    EXPECT_TRUE(pngCodec().encode(image.value(), request, out, nullptr));
+    return chunksOf(Data(std::move(out)));
+  };
+  std::vector<std::string> expected = {"cHRM:" + white + primaries,
+                                       "pHYs:\0\0\0\2\0\0\0\1\0"s,
+                                       "tEXt:Unheard of\0text"s,
+                                       "iTXt:Title\0\0\0de\0Titel\0Ein"s,
+                                       "iTXt:Title\0\0\0en\0Title\0One"s,
+                                       "tEXt:Author\0Ada"s,
+                                       "tEXt:Author\0Bo"s,
+                                       "oFFs:123456789",
+                                       "prVt:ate"};
+  EXPECT_EQ(written(), expected);
+
+  request.properties.subdictionary("{PNG}").set("Title", "New");
+  request.properties.subdictionary("{PNG}").remove("Author");
+  expected = {expected[0], expected[1], expected[2], expected[7], expected[8], "tEXt:Title\0New"s};
+  EXPECT_EQ(written(), expected);
+  request.blocks.format = "public.jpeg";
+  EXPECT_EQ(written().size(), 3U) << "the title, and DPI and gamma of a file that was no PNG";
+}
+
 TEST(PngPixelsTest, KeepsAResolutionThatNobodyChanged) {
   const auto image =
       CGImage::create(layoutOf(1, 1, 1, none), CGColorSpace::createDeviceGray(), dataOf({0}));
@@ -283,6 +354,8 @@ TEST(PngPixelsTest, KeepsAResolutionThatNobodyChanged) {
   EXPECT_EQ(perMetre(stored({})), 3779);
   EXPECT_EQ(perMetre(stored({{"DPIWidth", 96}, {"DPIHeight", 96}})), 3779);
   EXPECT_EQ(perMetre(stored({{"DPIWidth", 97}, {"DPIHeight", 97}})), 3819);
+  const Dictionary tiff{{"XResolution", 180}, {"YResolution", 180}};
+  EXPECT_EQ(perMetre(stored({{"DPIWidth", 180}, {"DPIHeight", 180}, {"{TIFF}", tiff}})), 3779);
   EXPECT_EQ(perMetre({{"DPIWidth", 96}, {"DPIHeight", 96}}), 3780);
   EXPECT_EQ(perMetre({{"DPIWidth", 96}}), 0);
   EXPECT_EQ(perMetre({{"DPIWidth", -1}, {"DPIHeight", 1e300}}), 0);

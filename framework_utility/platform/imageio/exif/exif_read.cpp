@@ -15,6 +15,13 @@
 namespace FrameworkUtility::detail {
 namespace {
 
+// Those of the two resolutions: inches when none is given; with the unit 1, none, they only give a
+// pixel's shape.
+double unitsPerInch(const Dictionary& image) {
+  const Number* unit = image.get<Number>("ResolutionUnit");
+  return !unit || *unit == 2 ? 1 : *unit == 3 ? 2.54 : 0;
+}
+
 class Reading {
  public:
   explicit Reading(const TiffReader& reader) : reader_(reader), at_(exifDirectories(reader)) {}
@@ -54,12 +61,10 @@ class Reading {
     return values;
   }
 
-  // In inches when no unit is given; with the unit 1, none, the two only give a pixel's shape.
   static void addTopLevel(const Dictionary& image, Dictionary& properties) {
     if (const Number* orientation = image.get<Number>(kCGImagePropertyTIFFOrientation))
       properties.set(Key::withConstant(kCGImagePropertyOrientation), *orientation);
-    const Number* unit = image.get<Number>("ResolutionUnit");
-    const double inInches = !unit || *unit == 2 ? 1 : *unit == 3 ? 2.54 : 0;
+    const double inInches = unitsPerInch(image);
     if (inInches == 0) return;
     for (const auto& [resolution, key] :
          {std::pair<std::string_view, std::string_view>{"XResolution", "DPIWidth"},
@@ -91,6 +96,12 @@ class Reading {
 void readExif(std::span<const std::byte> tiff, Dictionary& properties) {
   if (const std::optional<TiffReader> reader = TiffReader::open(tiff))
     Reading(*reader).addTo(properties);
+}
+
+double tiffDotsPerInch(const Dictionary& properties, std::string_view key) {
+  const auto* image = properties.get<Dictionary>(kCGImagePropertyTIFFDictionary);
+  const Number* number = image ? image->get<Number>(key) : nullptr;
+  return number ? number->doubleValue() * unitsPerInch(*image) : 0;
 }
 
 }  // namespace FrameworkUtility::detail

@@ -1,5 +1,6 @@
 #include <framework_utility/platform/imageio/jpeg/jpeg_resolution.h>
 
+#include <framework_utility/platform/imageio/metadata_codec.h>
 #include <framework_utility/platform/imageio/property_keys.h>
 
 #include <cmath>
@@ -24,11 +25,6 @@ Field fieldOf(double value) {
 }
 constexpr auto density = fieldOf<std::uint16_t>;
 
-/// Of a resolution with a unit as EXIF numbers them, one more than JFIF does; 0 without one.
-double dotsPerInch(double resolution, double unit) {
-  return unit == 2 ? resolution : unit == 3 ? resolution * 2.54 : 0;
-}
-
 std::optional<JpegResolution> stored(const Dictionary* jfif) {
   const Array* version = jfif ? jfif->get<Array>(kCGImagePropertyJFIFVersion) : nullptr;
   if (!version || version->size() != 3) {
@@ -50,7 +46,6 @@ std::optional<JpegResolution> stored(const Dictionary* jfif) {
 
 std::optional<JpegResolution> jpegResolution(const Dictionary& properties, bool isNeeded) {
   const Dictionary* jfif = properties.get<Dictionary>(kCGImagePropertyJFIFDictionary);
-  const Dictionary* tiff = properties.get<Dictionary>(kCGImagePropertyTIFFDictionary);
   std::optional<JpegResolution> result = stored(jfif);
   const bool isStored = result.has_value();
   if (!isStored && !isNeeded) {
@@ -59,10 +54,11 @@ std::optional<JpegResolution> jpegResolution(const Dictionary& properties, bool 
   if (!isStored) {
     result.emplace();
   }
-  const double unit = tiff && tiff->find("ResolutionUnit") ? numberAt(tiff, "ResolutionUnit") : 2;
   const auto isSaid = [&](double dots, std::string_view tiffKey, std::uint16_t inFile) {
-    return dots == dotsPerInch(numberAt(tiff, tiffKey), unit) ||
-           dots == dotsPerInch(inFile, result->unit + 1);
+    return dots == tiffDotsPerInch(properties, tiffKey) || dots == (result->unit == 1   ? 1
+                                                                    : result->unit == 2 ? 2.54
+                                                                                        : 0) *
+                                                                       inFile;
   };
   const double x = numberAt(&properties, kCGImagePropertyDPIWidth);
   const double y = numberAt(&properties, kCGImagePropertyDPIHeight);

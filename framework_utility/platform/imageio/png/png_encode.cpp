@@ -1,7 +1,9 @@
 #include <framework_utility/platform/imageio/png/png_encode.h>
 
+#include <framework_utility/platform/foundation/uniform_type.h>
 #include <framework_utility/platform/graphics/pixel_buffer.h>
 #include <framework_utility/platform/graphics/rgba_rows.h>
+#include <framework_utility/platform/imageio/metadata_codec.h>
 #include <framework_utility/platform/imageio/png/png_header.h>
 #include <framework_utility/platform/imageio/png/png_text.h>
 #include <framework_utility/platform/imageio/png/png_writer.h>
@@ -13,6 +15,7 @@
 #include <cmath>
 #include <cstdint>
 #include <cstdio>
+#include <map>
 #include <new>
 #include <optional>
 #include <span>
@@ -61,6 +64,14 @@ std::optional<std::string> latin1FromUtf8(std::string_view text) {
   return latin1;
 }
 
+bool isOfPng(const EncodeRequest& request) {
+  return request.blocks.format == UTTypePNG.identifier();
+}
+
+std::span<const FormatPart> partsOf(const EncodeRequest& request) {
+  return isOfPng(request) ? std::span(request.blocks.formatParts) : std::span<const FormatPart>();
+}
+
 bool writeText(PngWriter& writer, std::string_view keyword, std::string text) {
   std::erase(text, '\0');  // no text chunk can hold one
   if (const std::optional<std::string> latin1 = latin1FromUtf8(text)) {
@@ -88,33 +99,97 @@ std::optional<std::uint32_t> asResolution(double value) {
   return static_cast<std::uint32_t>(std::round(value));
 }
 
-/// Dots a metre: what a file said, unless the dots an inch say something else.
-std::optional<std::uint32_t> resolution(const Number* perMetre, const Number* perInch) {
+/// Dots a metre of `png`, what a PNG said of itself, unless the dots an inch are neither these nor
+/// those of "{TIFF}". A PNG that did not say any says none because of "{TIFF}".
+std::optional<std::uint32_t> resolution(const EncodeRequest& request, const Dictionary& png,
+                                        const std::string& side, std::string_view inchKey) {
+  const Number* perMetre = png.get<Number>(side + "PixelsPerMeter");
+  const Number* perInch = request.properties.get<Number>(inchKey);
   const auto stored = perMetre ? asResolution(perMetre->doubleValue()) : std::nullopt;
-  if (!perInch || (stored && perInch->doubleValue() == pngDotsPerInch(*stored))) return stored;
-  return asResolution(perInch->doubleValue() / 0.0254);
+  if (!perInch) return stored;
+  const double dots = perInch->doubleValue();
+  const bool isTiffs = dots == tiffDotsPerInch(request.properties, side + "Resolution");
+  if (stored ? isTiffs || dots == pngDotsPerInch(*stored) : isTiffs && isOfPng(request))
+    return stored;
+  return asResolution(dots / 0.0254);
 }
 
-bool writeResolution(PngWriter& writer, const Dictionary& properties, const Dictionary& png) {
-  const auto x = resolution(png.get<Number>("XPixelsPerMeter"), properties.get<Number>("DPIWidth"));
-  const auto y =
-      resolution(png.get<Number>("YPixelsPerMeter"), properties.get<Number>("DPIHeight"));
-  if (!x || !y) return true;
-  return writer.writeChunk("pHYs", ChunkData().number(*x).number(*y).byte(1));
+bool writeResolution(PngWriter& writer, const EncodeRequest& request, const Dictionary& png) {
+  const auto x = resolution(request, png, "X", "DPIWidth");
+  const auto y = resolution(request, png, "Y", "DPIHeight");
+  if (x && y) return writer.writeChunk("pHYs", ChunkData().number(*x).number(*y).byte(1));
+  for (const FormatPart& part : partsOf(request))
+    if (part.kind == pngType("pHYs")) return writer.writeChunk("pHYs", part.contents);
+  return true;
+}
+
+/// sRGB as a PNG's chunks say it. Of one that said less about its pixels, without a profile, no
+/// more is said.
+bool writeStandardColors(PngWriter& writer, const EncodeRequest& request, const Dictionary& png,
+                         bool isGray) {
+  const bool isAsBefore = isOfPng(request) && !request.properties.find(kCGImagePropertyProfileName);
+  const auto isSaid = [&](std::string_view key) { return !isAsBefore || png.find(key); };
+  constexpr std::uint32_t gammaOf22 = 45455;
+  if (isSaid("Gamma") && !writer.writeChunk("gAMA", ChunkData().number(gammaOf22))) return false;
+
+  constexpr std::array<std::uint32_t, 8> primaries = {31270, 32900, 64000, 33000,
+                                                      30000, 60000, 15000, 6000};
+  if (const auto* said = png.get<Array>("Chromaticities"); said && isAsBefore) {
+    const bool isThese =
+        std::equal(said->begin(), said->end(), primaries.begin(), primaries.end(),
+                   [](const Value& value, std::uint32_t exact) {
+                     const Number* number = value.as<Number>();
+                     return number && std::abs(number->doubleValue() * 100'000 - exact) < 100;
+                   });
+    ChunkData data;
+    for (const std::uint32_t number : primaries) data.number(number);
+    if (isThese && !writer.writeChunk("cHRM", data)) return false;
+  }
+
+  const Number* intent = png.get<Number>("sRGBIntent");
+  const double number = intent ? intent->doubleValue() : 0;
+  const auto known = number >= 0 && number <= 3 ? static_cast<std::uint32_t>(number) : 0;
+  return isGray || !isSaid("sRGBIntent") || writer.writeChunk("sRGB", ChunkData().byte(known));
 }
 
 /// What the components mean. A profile that every reader knows without it becomes a few bytes.
-bool writeColorSpace(PngWriter& writer, const Data& profile, bool isGray) {
+bool writeColorSpace(PngWriter& writer, const Data& profile, bool isGray,
+                     const EncodeRequest& request, const Dictionary& png) {
   const CGColorSpace plain =
       isGray ? CGColorSpace::createDeviceGray() : CGColorSpace::createDeviceRGB();
-  if (profile.empty() || profile == plain.iccData()) {
-    constexpr std::uint32_t gammaOf22 = 45455;
-    const bool done = writer.writeChunk("gAMA", ChunkData().number(gammaOf22));
-    return isGray ? done : done && writer.writeChunk("sRGB", ChunkData().byte(0));
-  }
+  if (profile.empty() || profile == plain.iccData())
+    return writeStandardColors(writer, request, png, isGray);
   const std::vector<std::byte> packed = deflated(profile);
   if (packed.empty()) return false;
   return writer.writeChunk("iCCP", ChunkData().text("ICC profile").byte(0).byte(0).append(packed));
+}
+
+/// The parts as they were, the texts among them that nobody changed, and the changed and new texts.
+/// Of several with one keyword the first counts, and the others follow it.
+bool writeParts(PngWriter& writer, const EncodeRequest& request, const Dictionary& png) {
+  std::map<std::string_view, bool> isKept;  // of each keyword, once it has been met
+  const auto isProperty = [](std::string_view keyword) {
+    return std::find(pngTextKeywords.begin(), pngTextKeywords.end(), keyword) !=
+           pngTextKeywords.end();
+  };
+  InflationBudget budget;
+  for (const FormatPart& part : partsOf(request)) {
+    if (part.kind == pngType("pHYs")) continue;  // has been asked for its resolution
+    const std::string_view keyword = isPngText(part.kind) ? pngKeyword(part.contents) : "";
+    if (isProperty(keyword) && !isKept.contains(keyword)) {
+      const std::optional<std::string> text = pngText(part.kind, part.contents, budget);
+      if (!text) continue;
+      const auto* wanted = png.get<std::string>(keyword);
+      isKept[keyword] = wanted && *wanted == *text;
+    }
+    if (isProperty(keyword) && !isKept[keyword]) continue;
+    if (!writer.writeChunk(part.kind, part.contents)) return false;
+  }
+  for (const std::string_view keyword : pngTextKeywords) {
+    const auto* text = png.get<std::string>(keyword);
+    if (text && !isKept[keyword] && !writeText(writer, keyword, *text)) return false;
+  }
+  return true;
 }
 
 bool writeMetadata(PngWriter& writer, const EncodeRequest& request, const Dictionary& png) {
@@ -137,10 +212,7 @@ bool writeMetadata(PngWriter& writer, const EncodeRequest& request, const Dictio
       return false;
     }
   }
-  for (const std::string_view keyword : pngTextKeywords) {
-    const auto* text = png.get<std::string>(keyword);
-    if (text && !writeText(writer, keyword, *text)) return false;
-  }
+  if (!writeParts(writer, request, png)) return false;
   const auto* time = png.get<std::string>("ModificationTime");
   return !time || writeTime(writer, *time);
 }
@@ -190,15 +262,15 @@ bool encode(const CGImage& image, const EncodeRequest& request, std::vector<std:
 
   PngWriter writer(out);
   // The inks' profile says nothing of the light that they became.
-  const bool isWhole = writer.start({static_cast<std::uint32_t>(image.width()),
-                                     static_cast<std::uint32_t>(image.height()), isWide ? 16 : 8,
-                                     static_cast<int>(components)}) &&
-                       writeColorSpace(writer, isCmyk ? Data() : request.iccProfile, isGray) &&
-                       writeResolution(writer, request.properties, png) &&
-                       writeMetadata(writer, request, png) &&
-                       (isWide ? writeRows<std::uint16_t>(writer, image, *rows, components)
-                               : writeRows<std::uint8_t>(writer, image, *rows, components)) &&
-                       writer.finish();
+  const bool isWhole =
+      writer.start({static_cast<std::uint32_t>(image.width()),
+                    static_cast<std::uint32_t>(image.height()), isWide ? 16 : 8,
+                    static_cast<int>(components)}) &&
+      writeColorSpace(writer, isCmyk ? Data() : request.iccProfile, isGray, request, png) &&
+      writeResolution(writer, request, png) && writeMetadata(writer, request, png) &&
+      (isWide ? writeRows<std::uint16_t>(writer, image, *rows, components)
+              : writeRows<std::uint8_t>(writer, image, *rows, components)) &&
+      writer.finish();
   return isWhole || cannotEncode(writer.problem(), error);
 }
 

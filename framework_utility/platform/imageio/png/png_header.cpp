@@ -1,5 +1,6 @@
 #include <framework_utility/platform/imageio/png/png_header.h>
 
+#include <framework_utility/platform/foundation/uniform_type.h>
 #include <framework_utility/platform/imageio/png/png_chunks.h>
 #include <framework_utility/platform/imageio/png/png_text.h>
 #include <framework_utility/platform/imageio/property_keys.h>
@@ -55,6 +56,15 @@ Data asImageResources(const Data& data) {
   return Data(std::move(bytes));
 }
 
+/// What may stay beside other pixels: the standard's mark of a type that is safe to copy. Not an
+/// orientation, and no EXIF of another kind, which would contradict what is written.
+bool isKept(std::uint32_t type) {
+  constexpr std::uint32_t safeToCopy = 0x20;
+  constexpr std::uint32_t ancillary = 0x2000'0000;
+  return (type & safeToCopy) != 0 && (type & ancillary) != 0 && type != pngType("orNT") &&
+         type != pngType("zxIf");
+}
+
 class HeaderReader {
  public:
   explicit HeaderReader(const ByteSource& source) : chunks_(source) {}
@@ -103,7 +113,7 @@ class HeaderReader {
       case pngType("eXIf"):
         break;
       default:
-        return true;
+        if (!isKept(chunk.type)) return true;
     }
     if (!chunks_.holds(chunk)) return false;
     if (chunk.length > metadataLeft_) return true;
@@ -147,9 +157,17 @@ class HeaderReader {
       case pngType("eXIf"):
         if (header_.blocks.exif.empty()) header_.blocks.exif = withoutPrefix(data, exifPrefix);
         return;
-      default:
+      case pngType("tEXt"):
+      case pngType("zTXt"):
+      case pngType("iTXt"):
         return takeText(type, data);
+      default:
+        return keep(type, data);
     }
+  }
+
+  void keep(std::uint32_t type, const Data& data) {
+    header_.blocks.formatParts.push_back({type, data});
   }
 
   void takeHeader(const Data& data) {
@@ -191,6 +209,7 @@ class HeaderReader {
 
   void takeResolution(const Data& data) {
     // A unit of 0 says only how wide pixels are for their height.
+    if (data.size() == 9 && byteAt(data, 8) == 0) keep(pngType("pHYs"), data);
     if (data.size() != 9 || byteAt(data, 8) != 1) return;
     const std::uint32_t x = pngNumber(data, 0);
     const std::uint32_t y = pngNumber(data, 4);
@@ -215,6 +234,7 @@ class HeaderReader {
     const bool isProperty =
         std::find(pngTextKeywords.begin(), pngTextKeywords.end(), keyword) != pngTextKeywords.end();
     const bool isRaw = keyword.starts_with("Raw profile type ");
+    if (!isRaw && keyword != pngXmpKeyword) keep(type, data);
     if (!isProperty && !isRaw && keyword != pngXmpKeyword) return;
     std::optional<std::string> text = pngText(type, data, budget_);
     if (!text) return;
@@ -244,6 +264,7 @@ class HeaderReader {
     if (header_.blocks.exif.empty()) header_.blocks.exif = raw_.exif;
     if (header_.blocks.xmp.empty()) header_.blocks.xmp = raw_.xmp;
     header_.blocks.imageResources = raw_.imageResources;
+    header_.blocks.format = UTTypePNG.identifier();
     header_.formatProperties.set(kCGImagePropertyPNGDictionary, std::move(png_));
   }
 

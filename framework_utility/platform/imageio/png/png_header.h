@@ -25,7 +25,8 @@ double pngDotsPerInch(std::uint32_t perMetre);
 /// The status is unknownType without the signature, incomplete when the file ends before the first
 /// chunk of pixels, and invalidData when the chunks contradict themselves. Metadata may follow the
 /// pixels. A chunk of metadata whose checksum is wrong is none. Of chunks of a kind the first
-/// counts, and a block of metadata in a chunk of its own before one in a text.
+/// counts, and a block of metadata in a chunk of its own before one in a text. Texts, and what the
+/// standard marks as safe to copy beside other pixels, are the blocks' parts.
 ImageHeader readPngHeader(const ByteSource& source);
 
 }  // namespace FrameworkUtility::detail

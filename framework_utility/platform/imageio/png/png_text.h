@@ -28,6 +28,10 @@ std::vector<std::byte> deflated(std::span<const std::byte> bytes);
 /// The keyword that a tEXt, zTXt, iTXt or iCCP chunk begins with; empty when it has none.
 std::string_view pngKeyword(std::span<const std::byte> chunk);
 
+/// Whether a chunk of this type holds a keyword and a text.
+constexpr bool isPngText(std::uint32_t type) {
+  return type == pngType("tEXt") || type == pngType("zTXt") || type == pngType("iTXt");
+}
 /// The text of a tEXt, zTXt or iTXt chunk, as UTF-8.
 std::optional<std::string> pngText(std::uint32_t type, std::span<const std::byte> chunk,
                                    InflationBudget& budget);

@@ -89,11 +89,14 @@ bool PngWriter::start(const Picture& picture) {
   return true;
 }
 
-bool PngWriter::writeChunk(const char (&type)[5], std::span<const std::byte> data) {
+bool PngWriter::writeChunk(std::uint32_t type, std::span<const std::byte> data) {
+  const std::array<png_byte, 4> letters{
+      static_cast<png_byte>(type >> 24), static_cast<png_byte>(type >> 16 & 255),
+      static_cast<png_byte>(type >> 8 & 255), static_cast<png_byte>(type & 255)};
   if (setjmp(png_jmpbuf(state_->png)) != 0) return false;
   if (data.size() > PNG_UINT_31_MAX) png_error(state_->png, "a chunk is too long");
-  png_write_chunk(state_->png, reinterpret_cast<png_const_bytep>(type),
-                  reinterpret_cast<png_const_bytep>(data.data()), data.size());
+  png_write_chunk(state_->png, letters.data(), reinterpret_cast<png_const_bytep>(data.data()),
+                  data.size());
   return true;
 }
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <framework_utility/platform/imageio/png/png_chunks.h>
+
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -31,7 +33,10 @@ class PngWriter {
   /// Writes the signature and the picture's facts.
   [[nodiscard]] bool start(const Picture& picture);
   /// Between `start` and the first row, for what stands before the pixels.
-  [[nodiscard]] bool writeChunk(const char (&type)[5], std::span<const std::byte> data);
+  [[nodiscard]] bool writeChunk(std::uint32_t type, std::span<const std::byte> data);
+  [[nodiscard]] bool writeChunk(const char (&type)[5], std::span<const std::byte> data) {
+    return writeChunk(pngType(type), data);
+  }
   /// 16-bit components with the high byte first.
   [[nodiscard]] bool writeRow(const std::uint8_t* row);
   [[nodiscard]] bool finish();
