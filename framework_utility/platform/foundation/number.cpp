@@ -27,6 +27,11 @@ std::partial_ordering compare(double real, Integer integer, double end) {
   return real <=> std::trunc(real);
 }
 
+std::partial_ordering reversed(std::partial_ordering order) {
+  if (std::is_lt(order)) return std::partial_ordering::greater;
+  return std::is_gt(order) ? std::partial_ordering::less : order;
+}
+
 }  // namespace
 
 bool Number::boolValue() const {
@@ -89,7 +94,7 @@ std::string Number::description() const {
 std::partial_ordering operator<=>(const Number& a, const Number& b) {
   using Kind = Number::Kind;
   if (b.kind_ == Kind::real) {
-    if (a.kind_ != Kind::real) return 0 <=> (b <=> a);
+    if (a.kind_ != Kind::real) return reversed(b <=> a);
     return std::bit_cast<double>(a.bits_) <=> std::bit_cast<double>(b.bits_);
   }
   const bool bIsUnsigned = b.kind_ == Kind::unsignedInteger;

@@ -20,8 +20,8 @@ enum class Existing { keep, replace };
 /// name at all while it is filled. But where it replaces something it has, between two system
 /// calls, a hidden name beside the other's, and a process that is killed just then leaves the whole
 /// file under it; signals that can be put off are. Where the file system knows no files without
-/// names, and for folders everywhere, the hidden name is there from the beginning, and what the
-/// process was killed over stays under it.
+/// names, and for folders and links everywhere, the hidden name is there from the beginning, and
+/// what the process was killed over stays under it.
 class NewItem {
  public:
   /// `path` is a system path.
