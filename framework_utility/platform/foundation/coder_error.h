@@ -40,7 +40,7 @@ struct ArchiveLimits {
   std::size_t depth = 64;
   /// How many times the size of the data all values may count together that are read from it, above
   /// a free 64 KB: an archive can refer to one list many times, and each time it is read again. A
-  /// value counts 8, a byte of text or data 1.
+  /// value counts 8, a byte of text or data 1, a part that is looked at in search of another 2.
   std::size_t expansion = 16;
 };
 

@@ -44,9 +44,17 @@ class NSKeyedUnarchiver::Archive {
     if (!error_) error_ = error;
   }
 
-  bool contains(std::string_view key) const { return error_ ? false : find(key) != nullptr; }
+  bool contains(std::string_view key) { return part(key) != nullptr; }
 
-  const Value* part(std::string_view key) const { return error_ ? nullptr : find(key); }
+  const Value* part(std::string_view key) {
+    return error_ ? nullptr : find(key.starts_with('$') ? escapedKey(key) : key);
+  }
+
+  std::optional<Value> inlineValue(std::string_view key) {
+    const Value* value = part(key);
+    if (!value || !isPropertyListLeaf(*value)) return std::nullopt;
+    return copied(*value);
+  }
 
   enum class Kind { whole, floating };
 
@@ -76,8 +84,10 @@ class NSKeyedUnarchiver::Archive {
   std::optional<Value> object(const ClassNames& classes, std::string_view key) {
     if (!isSecure()) return object(key);
     ClassNames outer = std::exchange(*classes_, classes);
+    std::vector<const CodingClass*> outerAllowed = std::exchange(allowed_, {});
     std::optional<Value> value = object(key);
     *classes_ = std::move(outer);
+    allowed_ = std::move(outerAllowed);
     return value;
   }
 
@@ -128,8 +138,28 @@ class NSKeyedUnarchiver::Archive {
     return true;
   }
 
-  const Value* find(std::string_view key) const {
-    return key.starts_with('$') ? current_->find(escapedKey(key)) : current_->find(key);
+  /// The part of the current object under a key as it stands there. Objects ask for their parts in
+  /// the order in which they wrote them, so the search begins at the part found before. An object
+  /// may have any number of parts and be asked any number of times: looking costs.
+  const Value* find(std::string_view key) {
+    constexpr std::size_t lookCost = 2;
+    const std::size_t count = current_->size();
+    const auto* const parts = current_->begin();
+    std::size_t looked = 0;
+    const Value* found = nullptr;
+    for (; looked < count && !found; ++looked) {
+      const std::size_t index = next_ + looked < count ? next_ + looked : next_ + looked - count;
+      if (parts[index].key.text() == key) found = &parts[index].value;
+    }
+    if (!isWithin(budget_.spendBytes(lookCost * looked))) return nullptr;
+    if (found) next_ = (next_ + looked - 1) % count;
+    return found;
+  }
+
+  std::optional<Value> copied(const Value& leaf) {
+    const auto* text = leaf.as<std::string>();
+    if (text && !isWithin(budget_.spendBytes(text->size()))) return std::nullopt;
+    return leaf;
   }
 
   /// Whether what is still to be made goes on.
@@ -154,14 +184,20 @@ class NSKeyedUnarchiver::Archive {
     // The platform lets texts and numbers pass inside an allowed object.
     const bool isPlain = level_ > 0 && (object.as<std::string>() || object.as<Number>());
     if (!isPlain && !isAllowed(foundationClassOf(object), key)) return std::nullopt;
-    if (const auto* text = object.as<std::string>();
-        text && !isWithin(budget_.spendBytes(text->size())))
-      return std::nullopt;
-    return object;
+    return copied(object);
   }
 
   std::optional<Value> made(const Dictionary& parts, std::uint64_t number, std::string_view key) {
-    const CodingClass* codingClass = classOf(parts, key);
+    const Dictionary* const outer = std::exchange(current_, &parts);
+    const std::size_t outerNext = std::exchange(next_, 0);
+    std::optional<Value> value = madeOfCurrent(number, key);
+    current_ = outer;
+    next_ = outerNext;
+    return value;
+  }
+
+  std::optional<Value> madeOfCurrent(std::uint64_t number, std::string_view key) {
+    const CodingClass* codingClass = classOfCurrent(key);
     if (!codingClass || !isAllowed(*codingClass, key)) return std::nullopt;
     if (const auto known = made_.find(number); known != made_.end()) return known->second;
     if (isOpen_[number]) {
@@ -174,9 +210,7 @@ class NSKeyedUnarchiver::Archive {
     }
     isOpen_[number] = true;
     ++level_;
-    const Dictionary* const outer = std::exchange(current_, &parts);
     std::optional<Value> value = codingClass->withCoder(coder_);
-    current_ = outer;
     --level_;
     isOpen_[number] = false;
     if (error_) return std::nullopt;
@@ -184,13 +218,21 @@ class NSKeyedUnarchiver::Archive {
     return value;
   }
 
-  /// The class of an object with parts: by the name in its class's record, else by the names that
-  /// the record hints at, else by those of the superclasses.
-  const CodingClass* classOf(const Dictionary& parts, std::string_view key) {
-    const Value* reference = parts.find(classKey);
+  /// The class of the object with the current parts.
+  const CodingClass* classOfCurrent(std::string_view key) {
+    const Value* reference = find(classKey);
+    if (error_) return nullptr;
     const auto number = reference ? PropertyListUID::numberIn(*reference) : std::nullopt;
-    const auto* record =
-        number && *number < table_.size() ? table_[*number].as<Dictionary>() : nullptr;
+    const std::uint64_t record = number.value_or(table_.size());
+    const auto [known, isNew] = classesOfRecords_.try_emplace(record, nullptr);
+    if (isNew) known->second = classOfRecord(record, key);
+    return known->second;
+  }
+
+  /// By the name in a class's record, else by the names that the record hints at, else by those of
+  /// the superclasses.
+  const CodingClass* classOfRecord(std::uint64_t number, std::string_view key) {
+    const auto* record = number < table_.size() ? table_[number].as<Dictionary>() : nullptr;
     const auto* name = record ? record->get<std::string>(classNameKey) : nullptr;
     if (!name) {
       failAt(key, "is an object without a class");
@@ -208,7 +250,9 @@ class NSKeyedUnarchiver::Archive {
 
   bool isAllowed(const CodingClass& codingClass, std::string_view key) {
     if (!isSecure()) return true;
-    if (!isKindOfAny(codingClass, *classes_)) {
+    const bool isKnown =
+        std::find(allowed_.begin(), allowed_.end(), &codingClass) != allowed_.end();
+    if (!isKnown && !isKindOfAny(codingClass, *classes_)) {
       std::string reason = "was of unexpected class '" + std::string(codingClass.name) +
                            "'. Allowed classes are '{(";
       for (const std::string_view one : *classes_)
@@ -221,19 +265,23 @@ class NSKeyedUnarchiver::Archive {
                   std::string(codingClass.name) + "' does not adopt it.");
       return false;
     }
+    if (!isKnown) allowed_.push_back(&codingClass);
     return true;
   }
 
   NSKeyedUnarchiver& coder_;
-  std::optional<ClassNames> classes_;  // what is allowed now; absent where all is
+  std::optional<ClassNames> classes_;        // what is allowed now; absent where all is
+  std::vector<const CodingClass*> allowed_;  // those of which that is known
   std::size_t depth_;
   ExpansionBudget budget_;
   std::optional<Value> list_;
   std::span<const Value> table_;
   const Dictionary* current_ = nullptr;  // the parts of the object that is being decoded
+  std::size_t next_ = 0;                 // that one of them that was found last
   std::size_t level_ = 0;
   std::vector<bool> isOpen_;                       // whether the object is being decoded
   std::unordered_map<std::uint64_t, Value> made_;  // those with identity
+  std::unordered_map<std::uint64_t, const CodingClass*> classesOfRecords_;
   std::optional<Error> error_;
 };
 
@@ -310,8 +358,7 @@ double NSKeyedUnarchiver::decodeDoubleForKey(std::string_view key) {
 }
 
 std::optional<Value> NSKeyedUnarchiver::decodeInlineValueForKey(std::string_view key) {
-  const Value* part = archive_->part(key);
-  return part && isPropertyListLeaf(*part) ? std::optional(*part) : std::nullopt;
+  return archive_->inlineValue(key);
 }
 
 std::optional<Data> NSKeyedUnarchiver::decodeBytesForKey(std::string_view key) {
