@@ -41,10 +41,11 @@ void showProgress(std::size_t number, std::size_t count, std::string_view file) 
 
 }  // namespace
 
+void print(std::string_view text) { printBytes(std::as_bytes(std::span(text))); }
+
 void printLine(std::string_view line) {
-  clearProgress();
-  std::fwrite(line.data(), 1, line.size(), stdout);
-  std::fputc('\n', stdout);
+  print(line);
+  print("\n");
 }
 
 void printBytes(std::span<const std::byte> bytes) {

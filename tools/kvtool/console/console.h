@@ -10,7 +10,9 @@
 
 namespace kvtool {
 
-/// Writes one line to standard output. Whether it arrived shows in `flushOutput`.
+/// Writes to standard output. Whether it arrived shows in `flushOutput`.
+void print(std::string_view text);
+/// The same with the end of a line.
 void printLine(std::string_view line);
 /// The same of bytes as they are.
 void printBytes(std::span<const std::byte> bytes);

@@ -6,10 +6,12 @@
 
 #include <fmt/core.h>
 
+#include <array>
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <utility>
 
 namespace kvtool {
 
@@ -36,90 +38,122 @@ std::size_t characterLength(std::string_view text) {
   return length;
 }
 
-std::string base64(const Data& data) {
-  constexpr std::string_view alphabet =
-      "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
-  std::string text;
-  text.reserve((data.size() + 2) / 3 * 4);
-  for (std::size_t i = 0; i < data.size(); i += 3) {
-    const auto byte = [&](std::size_t k) {
-      return i + k < data.size() ? std::to_integer<std::uint32_t>(data.data()[i + k]) : 0;
-    };
-    const std::uint32_t group = byte(0) << 16 | byte(1) << 8 | byte(2);
-    for (std::size_t k = 0; k < 4; ++k)
-      text += i + k <= data.size() ? alphabet[group >> (18 - 6 * k) & 63] : '=';
+/// Writes JSON piece by piece, so that no more than a piece of it is in memory.
+class Writer {
+ public:
+  /// `sink` takes each piece.
+  explicit Writer(const JsonSink& sink) : sink_(sink) {}
+  Writer(const Writer&) = delete;
+  Writer& operator=(const Writer&) = delete;
+  ~Writer() { sink_(out_); }
+
+  void add(const Value& value) {
+    if (const auto* number = value.as<Number>()) return add(*number);
+    if (const auto* array = value.as<Array>()) return add(*array);
+    if (const auto* dictionary = value.as<Dictionary>()) return add(*dictionary);
+    if (const auto* text = value.as<std::string>()) return addQuoted(*text);
+    if (const auto* data = value.as<Data>()) return add(*data);
+    if (const auto* date = value.as<Date>()) return addQuoted(textOf({*date, "Z"}));
+    if (value.isNull()) return put("null");
+    addQuoted(value.description());
   }
-  return text;
-}
 
-void append(std::string& out, const Value& value);
-
-void append(std::string& out, const Number& number) {
-  if (number.kind() == Number::Kind::boolean)
-    out += number.boolValue() ? "true" : "false";
-  else if (!std::isfinite(number.doubleValue()))
-    out += "null";
-  else
-    out += number.description();
-}
-
-void append(std::string& out, const Array& array) {
-  out += '[';
-  for (const Value& element : array) {
-    if (out.back() != '[') out += ", ";
-    append(out, element);
+  /// `text` with everything escaped that must not stand between quotation marks.
+  void addEscaped(std::string_view text) {
+    while (!text.empty()) {
+      const std::size_t length = characterLength(text);
+      const char first = text.front();
+      if (length == 0)
+        put("\uFFFD");
+      else if (first == '"' || first == '\\')
+        put({std::array{'\\', first}.data(), 2});
+      else if (static_cast<unsigned char>(first) < 0x20 || first == 0x7F)
+        put(fmt::format("\\u{:04x}", static_cast<unsigned char>(first)));
+      else
+        put(text.substr(0, length));
+      text.remove_prefix(length == 0 ? 1 : length);
+    }
   }
-  out += ']';
-}
 
-void append(std::string& out, const Dictionary& dictionary) {
-  out += '{';
-  for (const auto& [key, value] : dictionary) {
-    if (out.back() != '{') out += ", ";
-    out += jsonText(key.text() ? *key.text() : key.number()->description()) + ": ";
-    append(out, value);
+  void addQuoted(std::string_view text) {
+    put("\"");
+    addEscaped(text);
+    put("\"");
   }
-  out += '}';
-}
 
-void append(std::string& out, const Value& value) {
-  if (const auto* number = value.as<Number>()) return append(out, *number);
-  if (const auto* array = value.as<Array>()) return append(out, *array);
-  if (const auto* dictionary = value.as<Dictionary>()) return append(out, *dictionary);
-  if (const auto* text = value.as<std::string>()) {
-    out += jsonText(*text);
-  } else if (const auto* data = value.as<Data>()) {
-    out += "{\"base64\": \"" + base64(*data) + "\"}";
-  } else if (const auto* date = value.as<Date>()) {
-    out += jsonText(textOf({*date, "Z"}));
-  } else {
-    out += value.isNull() ? "null" : jsonText(value.description());
+ private:
+  static constexpr std::size_t pieceSize = 32 * 1024;
+
+  void put(std::string_view piece) {
+    out_ += piece;
+    if (out_.size() < pieceSize) return;
+    sink_(out_);
+    out_.clear();
   }
-}
+
+  void add(const Number& number) {
+    if (number.kind() == Number::Kind::boolean)
+      put(number.boolValue() ? "true" : "false");
+    else
+      put(std::isfinite(number.doubleValue()) ? number.description() : "null");
+  }
+
+  void add(const Data& data) {
+    constexpr std::string_view alphabet =
+        "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
+    put("{\"base64\": \"");
+    for (std::size_t i = 0; i < data.size(); i += 3) {
+      const auto byte = [&](std::size_t k) {
+        return i + k < data.size() ? std::to_integer<std::uint32_t>(data.data()[i + k]) : 0;
+      };
+      const std::uint32_t group = byte(0) << 16 | byte(1) << 8 | byte(2);
+      std::array<char, 4> digits;
+      for (std::size_t k = 0; k < digits.size(); ++k)
+        digits[k] = i + k <= data.size() ? alphabet[group >> (18 - 6 * k) & 63] : '=';
+      put({digits.data(), digits.size()});
+    }
+    put("\"}");
+  }
+
+  void add(const Array& array) {
+    const char* before = "[";
+    for (const Value& element : array) {
+      put(std::exchange(before, ", "));
+      add(element);
+    }
+    put(array.empty() ? "[]" : "]");
+  }
+
+  void add(const Dictionary& dictionary) {
+    const char* before = "{";
+    for (const auto& [key, value] : dictionary) {
+      put(std::exchange(before, ", "));
+      addQuoted(key.text() ? *key.text() : key.number()->description());
+      put(": ");
+      add(value);
+    }
+    put(dictionary.empty() ? "{}" : "}");
+  }
+
+  const JsonSink& sink_;
+  std::string out_;
+};
 
 }  // namespace
 
+void writeJson(const Value& value, const JsonSink& sink) { Writer(sink).add(value); }
+
+void writeEscaped(std::string_view text, const JsonSink& sink) { Writer(sink).addEscaped(text); }
+
 std::string json(const Value& value) {
   std::string out;
-  append(out, value);
+  writeJson(value, [&](std::string_view piece) { out += piece; });
   return out;
 }
 
 std::string jsonText(std::string_view text) {
   std::string out = "\"";
-  while (!text.empty()) {
-    const std::size_t length = characterLength(text);
-    const char first = text.front();
-    if (length == 0)
-      out += "\uFFFD";
-    else if (first == '"' || first == '\\')
-      out += {'\\', first};
-    else if (static_cast<unsigned char>(first) < 0x20 || first == 0x7F)
-      out += fmt::format("\\u{:04x}", static_cast<unsigned char>(first));
-    else
-      out += text.substr(0, length);
-    text.remove_prefix(length == 0 ? 1 : length);
-  }
+  writeEscaped(text, [&](std::string_view piece) { out += piece; });
   return out + '"';
 }
 

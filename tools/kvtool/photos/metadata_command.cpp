@@ -15,13 +15,16 @@ using namespace FrameworkUtility;
 
 namespace {
 
-using Row = std::pair<std::string, std::string>;
+using Row = std::pair<std::string, const Value*>;
 
 /// A value as it reads in a table: no quotation marks around a text, bytes by their number.
-std::string cell(const Value& value) {
-  if (const auto* data = value.as<Data>()) return fmt::format("{} bytes", data->size());
-  const std::string text = json(value);
-  return value.as<std::string>() ? text.substr(1, text.size() - 2) : text;
+void printCell(const Value& value) {
+  if (const auto* data = value.as<Data>())
+    print(fmt::format("{} bytes", data->size()));
+  else if (const auto* text = value.as<std::string>())
+    writeEscaped(*text, print);
+  else
+    writeJson(value, print);
 }
 
 std::string keyText(const Key& key) {
@@ -35,14 +38,20 @@ void addRows(std::vector<Row>& rows, const Dictionary& dictionary, const std::st
     if (const auto* nested = value.as<Dictionary>(); nested && prefix.empty())
       addRows(rows, *nested, name + " ");
     else
-      rows.emplace_back(name, cell(value));
+      rows.emplace_back(name, &value);
   }
 }
 
-void printTable(const std::vector<Row>& rows) {
+void printTable(const Dictionary& dictionary) {
+  std::vector<Row> rows;
+  addRows(rows, dictionary, "");
   std::size_t width = 0;
-  for (const auto& [name, text] : rows) width = std::max(width, name.size());
-  for (const auto& [name, text] : rows) printLine(fmt::format("  {:<{}}  {}", name, width, text));
+  for (const auto& [name, value] : rows) width = std::max(width, name.size());
+  for (const auto& [name, value] : rows) {
+    print(fmt::format("  {:<{}}  ", name, width));
+    printCell(*value);
+    printLine("");
+  }
 }
 
 struct Options {
@@ -59,19 +68,21 @@ bool printMetadataOf(const std::string& file, bool asJson) {
     printProblem(input->name(), error);
     return false;
   }
-  const Dictionary properties = metadata->properties().value_or(Dictionary());
-  const Dictionary known = facts(*metadata, input->path());
+  static const Dictionary none;
+  const Dictionary& properties = metadata->properties() ? *metadata->properties() : none;
+  Dictionary known = facts(*metadata, input->path());
   if (asJson) {
-    printLine(json(Dictionary{{"file", file}, {"properties", properties}, {"facts", known}}));
+    Dictionary all{{"file", file}};
+    all.append("properties", properties);
+    all.append("facts", std::move(known));
+    writeJson(all, print);
+    printLine("");
     return true;
   }
-  std::vector<Row> factRows, propertyRows;
-  addRows(factRows, known, "");
-  addRows(propertyRows, properties, "");
   printLine(input->name());
-  printTable(factRows);
+  printTable(known);
   printLine("");
-  printTable(propertyRows);
+  printTable(properties);
   printLine("");
   return true;
 }
