@@ -15,7 +15,8 @@ using namespace FrameworkUtility;
 
 Dictionary read(std::span<const std::byte> block) {
   Dictionary properties;
-  detail::readExif(block, properties);
+  detail::MetadataBudget budget;
+  detail::readExif(block, properties, budget);
   return properties;
 }
 

@@ -13,7 +13,8 @@ using namespace FrameworkUtility::detail;
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const std::span resources = std::as_bytes(std::span(data, size));
   Dictionary before;
-  readImageResources(resources, before);
+  MetadataBudget budget;
+  readImageResources(resources, before, budget);
 
   Dictionary after = before;
   Dictionary& iptc = after.subdictionary("{IPTC}");
@@ -22,7 +23,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   iptc.remove("ObjectName");
   const std::vector<std::byte> changed = mergeImageResources(resources, after);
   Dictionary again;
-  readImageResources(changed, again);
+  MetadataBudget budgetAgain;
+  readImageResources(changed, again, budgetAgain);
   if (again != after) std::abort();
   if (mergeImageResources(changed, after) != changed) std::abort();
   return 0;

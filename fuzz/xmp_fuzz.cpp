@@ -14,7 +14,9 @@ using namespace FrameworkUtility;
 using namespace FrameworkUtility::detail;
 
 static std::optional<std::size_t> count(const Data& packet) {
-  const auto found = parseXmpPacket({reinterpret_cast<const char*>(packet.data()), packet.size()});
+  MetadataBudget budget;
+  const auto found =
+      parseXmpPacket({reinterpret_cast<const char*>(packet.data()), packet.size()}, budget);
   return found ? std::optional(found->size()) : std::nullopt;
 }
 
@@ -22,8 +24,8 @@ static std::optional<std::size_t> count(const Data& packet) {
 // loses no property, nor when it is joined again.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const std::span packet = std::as_bytes(std::span(data, size));
-  Dictionary before;
-  readXmp(packet, before);
+  MetadataBudget budget;
+  const Dictionary before = readXmp(packet, {}, budget);
 
   Dictionary after;
   for (const auto& [name, entries] : before)

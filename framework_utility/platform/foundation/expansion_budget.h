@@ -10,33 +10,50 @@ namespace FrameworkUtility::detail {
 class ExpansionBudget {
  public:
   /// Values that count together `perByte` times the size of the data, above a free 64 KB; at most
-  /// `values` of them. A value counts 8, a byte of text or data 1.
-  ExpansionBudget(std::size_t dataSize, std::size_t perByte, std::size_t values) : values_(values) {
-    constexpr std::size_t all = std::numeric_limits<std::size_t>::max() - freeCost;
+  /// `values` of them. A value counts 8, a byte of text or data 1. When the data are part of
+  /// something, `whole` is spent from too, and must outlive this.
+  ExpansionBudget(std::size_t dataSize, std::size_t perByte, std::size_t values,
+                  ExpansionBudget* whole = nullptr)
+      : values_(values), whole_(whole) {
     const std::size_t each = std::max<std::size_t>(perByte, 1);
-    cost_ = freeCost + (dataSize > all / each ? all : dataSize * each);
+    cost_ = freeCost + (dataSize > (all - freeCost) / each ? all - freeCost : dataSize * each);
+  }
+  /// About as much as so many bytes of memory hold. A value counts 96, a byte of text or data 1.
+  static ExpansionBudget ofMemory(std::size_t bytes) {
+    ExpansionBudget budget(0, 0, all);
+    budget.cost_ = bytes;
+    budget.valueCost_ = 96;
+    return budget;
   }
 
-  // Each is false when too little is left. Spend before giving memory.
+  // Each is false when too little is left, and takes nothing from this budget then. Spend before
+  // giving memory.
 
   bool spendValues(std::size_t count) {
-    if (count > values_ || count > cost_ / valueCost) return false;
+    if (count > values_ || count > cost_ / valueCost_) return false;
+    if (whole_ && !whole_->spendValues(count)) return !(isWholeSpent_ = true);
     values_ -= count;
-    cost_ -= count * valueCost;
+    cost_ -= count * valueCost_;
     return true;
   }
   bool spendBytes(std::size_t count) {
     if (count > cost_) return false;
+    if (whole_ && !whole_->spendBytes(count)) return !(isWholeSpent_ = true);
     cost_ -= count;
     return true;
   }
+  /// Whether it was the whole that had too little left.
+  bool isWholeSpent() const { return isWholeSpent_; }
 
  private:
+  static constexpr std::size_t all = std::numeric_limits<std::size_t>::max();
   static constexpr std::size_t freeCost = std::size_t{64} * 1024;
-  static constexpr std::size_t valueCost = 8;
 
   std::size_t values_;
   std::size_t cost_;
+  std::size_t valueCost_ = 8;
+  ExpansionBudget* whole_;
+  bool isWholeSpent_ = false;
 };
 
 }  // namespace FrameworkUtility::detail

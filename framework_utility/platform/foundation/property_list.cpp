@@ -21,17 +21,21 @@ std::optional<std::uint64_t> PropertyListUID::numberIn(const Value& value) {
 
 std::optional<Value> propertyListWithData(std::span<const std::byte> data,
                                           const PropertyListLimits& limits, Error* error) {
-  PropertyListLimits within = limits;
-  within.depth = std::min(limits.depth, largestDepth);
-  try {
-    std::optional<Value> value = detail::isBinaryPropertyList(data)
-                                     ? detail::readBinaryPropertyList(data, within)
-                                     : detail::readXMLPropertyList(data, within);
-    if (value) return value;
-  } catch (const std::bad_alloc&) {
-    // More than the memory holds, within the limits that the caller set.
-  }
+  detail::ExpansionBudget budget(data.size(), limits.expansion, limits.values);
+  std::optional<Value> value = detail::readPropertyList(data, limits.depth, budget);
+  if (value) return value;
   return detail::failed(error, PropertyListError::readCorrupt);
+}
+
+std::optional<Value> detail::readPropertyList(std::span<const std::byte> data, std::size_t depth,
+                                              ExpansionBudget& budget) {
+  const std::size_t within = std::min(depth, largestDepth);
+  try {
+    return isBinaryPropertyList(data) ? readBinaryPropertyList(data, within, budget)
+                                      : readXMLPropertyList(data, within, budget);
+  } catch (const std::bad_alloc&) {
+    return std::nullopt;  // more than the memory holds, within the limits that the caller set
+  }
 }
 
 }  // namespace FrameworkUtility

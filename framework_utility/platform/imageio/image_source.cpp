@@ -15,6 +15,7 @@
 #include <algorithm>
 #include <atomic>
 #include <cmath>
+#include <functional>
 #include <mutex>
 #include <string>
 #include <utility>
@@ -79,21 +80,21 @@ Dictionary propertiesOf(const ImageHeader& header) {
   if (header.isIndexed) {
     append(kCGImagePropertyIsIndexed, true);
   }
-  if (std::string name = detail::profileDescription(header.iccProfile); !name.empty()) {
+  detail::MetadataBudget budget;
+  if (std::string name = detail::profileDescription(header.iccProfile, budget); !name.empty()) {
     append(kCGImagePropertyProfileName, std::move(name));
   }
   for (const auto& [key, value] : header.formatProperties) {
     properties.set(key, value);
   }
+  budget.tell(properties);
   detail::readMetadata(header.blocks, properties);
   return properties;
 }
 
 /// The number of an orientation in the file, 1 for none of the eight.
 std::size_t orientationOf(const ImageHeader& header) {
-  Dictionary properties;
-  detail::readMetadata(header.blocks, properties);
-  const Number* number = properties.get<Number>(kCGImagePropertyOrientation);
+  const std::optional<Number> number = detail::readExifOrientation(header.blocks.exif);
   const double orientation = number ? number->doubleValue() : 1;
   return orientation >= 1 && orientation <= 8 ? static_cast<std::size_t>(orientation) : 1;
 }
@@ -149,8 +150,21 @@ std::optional<CGImage> upright(const CGImage& image, std::size_t orientation,
   return turned ? turned : detail::failedForMemory(request);
 }
 
-/// A copy that keeps nothing else of the file alive.
-Data compact(std::span<const std::byte> block) { return Data(block); }
+/// Copies that keep nothing else of the file alive; blocks of many megabytes are shared with it.
+class Compaction {
+ public:
+  Data operator()(const Data& block) { return (*this)(block, block); }
+  /// `part` of `block`.
+  Data operator()(const Data& block, std::span<const std::byte> part) {
+    if (part.size() > left_)
+      return Data::withBytesNoCopy(part, std::make_shared<const Data>(block));
+    left_ -= part.size();
+    return Data(part);
+  }
+
+ private:
+  std::size_t left_ = std::size_t{4} << 20;
+};
 
 }  // namespace
 
@@ -294,7 +308,8 @@ std::shared_ptr<const MetadataBlocks> CGImageSource::metadataBlocksAtIndex(
   }
   const MetadataBlocks& stored = contents_->header().blocks;
   auto blocks = std::make_shared<MetadataBlocks>();
-  blocks->exif = compact(detail::withoutEmbeddedThumbnail(stored.exif));
+  Compaction compact;
+  blocks->exif = compact(stored.exif, detail::withoutEmbeddedThumbnail(stored.exif));
   blocks->xmp = compact(stored.xmp);
   blocks->extendedXmp = compact(stored.extendedXmp);
   blocks->imageResources = compact(stored.imageResources);

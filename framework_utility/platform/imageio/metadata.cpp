@@ -2,7 +2,6 @@
 
 #include <framework_utility/platform/imageio/xmp/xmp_extension.h>
 
-#include <string_view>
 #include <utility>
 
 namespace FrameworkUtility::detail {
@@ -10,30 +9,40 @@ namespace {
 
 // The properties less the entries that XMP alone says and that are as it says them, so that a
 // picture saved unchanged gets no second copy of them in EXIF or IPTC.
-Dictionary withoutXmpEntries(const Dictionary& properties, const Dictionary& withXmp,
-                             const Dictionary& withoutXmp) {
+Dictionary withoutXmpEntries(const Dictionary& properties, const Dictionary& fromXmp) {
   Dictionary result = properties;
-  for (const auto& [name, value] : withXmp) {
-    const auto* all = value.as<Dictionary>();
-    const auto* wanted = all ? properties.get<Dictionary>(name) : nullptr;
-    if (!wanted) continue;
-    const auto* own = withoutXmp.get<Dictionary>(name);
+  for (const auto& [name, entries] : fromXmp) {
+    if (!properties.get<Dictionary>(name)) continue;
     Dictionary& kept = result.subdictionary(name);
-    for (const auto& [key, entry] : *all) {
-      const Value* after = wanted->find(key);
-      if (after && *after == entry && !(own && own->find(key))) kept.remove(key);
+    for (const auto& [key, entry] : *entries.as<Dictionary>()) {
+      const Value* after = kept.find(key);
+      if (after && *after == entry) kept.remove(key);
     }
   }
   return result;
 }
 
+// Adds to the properties what XMP alone says, and gives it.
+Dictionary readBothXmp(const MetadataBlocks& blocks, Dictionary& properties,
+                       MetadataBudget& budget) {
+  Dictionary all;
+  for (const Data& packet : {blocks.xmp, blocks.extendedXmp}) {
+    Dictionary entries = readXmp(packet, properties, budget);
+    addXmp(Dictionary(entries), properties);
+    addXmp(std::move(entries), all);
+  }
+  return all;
+}
+
 }  // namespace
 
 void readMetadata(const MetadataBlocks& blocks, Dictionary& properties) {
-  readExif(blocks.exif, properties);
-  readImageResources(blocks.imageResources, properties);
-  readXmp(blocks.xmp, properties);
-  readXmp(blocks.extendedXmp, properties);
+  MetadataBudget budget;
+  readExif(blocks.exif, properties, budget);
+  readImageResources(blocks.imageResources, properties, budget);
+  addXmp(readXmp(blocks.xmp, properties, budget), properties);
+  addXmp(readXmp(blocks.extendedXmp, properties, budget), properties);
+  budget.tell(properties);
 }
 
 MetadataBlocks mergeMetadata(const MetadataBlocks* source, const Dictionary& properties,
@@ -44,20 +53,23 @@ MetadataBlocks mergeMetadata(const MetadataBlocks* source, const Dictionary& pro
     blocks.imageResources = Data(mergeImageResources({}, properties));
     return blocks;
   }
-  Dictionary withoutXmp;
-  readExif(source->exif, withoutXmp);
-  readImageResources(source->imageResources, withoutXmp);
-  Dictionary before = withoutXmp;
-  readXmp(source->xmp, before);
-  readXmp(source->extendedXmp, before);
-  const Dictionary rest = withoutXmpEntries(properties, before, withoutXmp);
-  blocks.exif = Data(mergeExif(source->exif, rest, pixels));
+  // Read as `readMetadata` reads, with the same budget.
+  MetadataBudget budget;
+  Dictionary before;
+  readExif(source->exif, before, budget);
+  const MetadataBudget atResources = budget;
+  readImageResources(source->imageResources, before, budget);
+  const Dictionary fromXmp = readBothXmp(*source, before, budget);
+  {
+    const Dictionary rest = withoutXmpEntries(properties, fromXmp);
+    blocks.exif = Data(mergeExif(source->exif, rest, pixels));
+    blocks.imageResources = Data(mergeImageResources(source->imageResources, rest, atResources));
+  }
   blocks.xmp = Data(mergeXmp(source->xmp, before, properties, pixels));
   blocks.extendedXmp = Data(mergeXmp(source->extendedXmp, before, properties, pixels));
   // The name is a digest of what it names.
   if (blocks.extendedXmp != source->extendedXmp)
     blocks.xmp = withXmpExtensionName(blocks.xmp, {}).value_or(blocks.xmp);
-  blocks.imageResources = Data(mergeImageResources(source->imageResources, rest));
   blocks.format = source->format;
   blocks.formatParts = source->formatParts;
   return blocks;

@@ -2,8 +2,10 @@
 
 #include <framework_utility/platform/foundation/value.h>
 #include <framework_utility/platform/imageio/metadata_blocks.h>
+#include <framework_utility/platform/imageio/metadata_budget.h>
 
 #include <cstddef>
+#include <optional>
 #include <span>
 #include <string_view>
 #include <vector>
@@ -13,7 +15,8 @@ namespace FrameworkUtility::detail {
 // Each block is read into a properties dictionary in the platform's shape, and a changed dictionary
 // is merged back into the block: entries that read the same as before keep their bytes, changed
 // ones are written, missing ones are removed, and what the library does not know stays as it was.
-// Every reader takes any bytes.
+// Every reader takes any bytes, and leaves out what the budget does not hold. What reads as nothing
+// is kept by a merge unless the dictionary says something there, and so is what was left out.
 
 /// Facts about the new pixels, which replace those about the old ones.
 struct PixelFacts {
@@ -23,7 +26,9 @@ struct PixelFacts {
 
 /// Adds "{Exif}", "{TIFF}", "{GPS}", "{ExifAux}", "{MakerApple}", Orientation, DPIWidth and
 /// DPIHeight as present.
-void readExif(std::span<const std::byte> tiff, Dictionary& properties);
+void readExif(std::span<const std::byte> tiff, Dictionary& properties, MetadataBudget& budget);
+/// What `readExif` gives as the top level's Orientation, without reading anything else.
+std::optional<Number> readExifOrientation(std::span<const std::byte> tiff);
 /// What XResolution or YResolution of "{TIFF}" say in dots an inch; 0 when they say nothing of it.
 double tiffDotsPerInch(const Dictionary& properties, std::string_view key);
 /// The block for these properties; `tiff` may be empty. Empty when there is nothing to store.
@@ -31,14 +36,20 @@ std::vector<std::byte> mergeExif(std::span<const std::byte> tiff, const Dictiona
                                  const PixelFacts& pixels);
 
 /// Adds "{IPTC}" when the resources hold a record.
-void readImageResources(std::span<const std::byte> resources, Dictionary& properties);
+void readImageResources(std::span<const std::byte> resources, Dictionary& properties,
+                        MetadataBudget& budget);
 /// Drops the old picture's thumbnails and profile, and the record's digest when the record changes.
+/// `budget` is as it was before the resources were read.
 std::vector<std::byte> mergeImageResources(std::span<const std::byte> resources,
-                                           const Dictionary& properties);
+                                           const Dictionary& properties,
+                                           MetadataBudget budget = {});
 
-/// Adds entries of "{TIFF}", "{Exif}", "{GPS}", "{ExifAux}" and "{IPTC}" that `properties` does not
-/// have yet. UTF-8 and UTF-16 packets; nothing comes of one that cannot be parsed.
-void readXmp(std::span<const std::byte> packet, Dictionary& properties);
+/// Entries of "{TIFF}", "{Exif}", "{GPS}", "{ExifAux}" and "{IPTC}" that `properties` does not have
+/// yet. UTF-8 and UTF-16 packets; nothing comes of one that cannot be parsed.
+Dictionary readXmp(std::span<const std::byte> packet, const Dictionary& properties,
+                   MetadataBudget& budget);
+/// Adds what `readXmp` gave.
+void addXmp(Dictionary&& entries, Dictionary& properties);
 /// `before` is what the blocks read as before the change, `after` what the caller wants: a property
 /// of the packet whose entry differs between them is changed or removed in place. The old picture's
 /// thumbnails go. A packet that cannot be parsed stays as it is.

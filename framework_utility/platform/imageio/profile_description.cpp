@@ -1,6 +1,7 @@
 #include <framework_utility/platform/imageio/profile_description.h>
 
 #include <framework_utility/platform/foundation/utf16.h>
+#include <framework_utility/platform/imageio/property_keys.h>
 
 #include <algorithm>
 #include <cstdint>
@@ -97,11 +98,15 @@ std::string readLocalizedText(Bytes tag) {
 
 }  // namespace
 
-std::string profileDescription(std::span<const std::byte> profile) {
+std::string profileDescription(std::span<const std::byte> profile, MetadataBudget& budget) {
   if (u32(profile, signatureOffset) != code("acsp")) {
     return {};
   }
   const Bytes tag = findTag(profile, code("desc"));
+  if (!budget.spend(1, tag.size())) {
+    budget.leaveOut(kCGImagePropertyProfileName);
+    return {};
+  }
   switch (u32(tag, 0)) {
     case code("desc"):
       return readText(tag);

@@ -128,7 +128,8 @@ struct TestBlock {
 
 inline Dictionary readExif(std::span<const std::byte> block) {
   Dictionary properties;
-  detail::readExif(block, properties);
+  detail::MetadataBudget budget;
+  detail::readExif(block, properties, budget);
   return properties;
 }
 

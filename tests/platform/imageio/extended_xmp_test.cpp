@@ -34,7 +34,8 @@ const std::string tiff = " xmlns:tiff='http://ns.adobe.com/tiff/1.0/'";
 // What a packet says, in no order: each property of the tables and its text.
 std::multimap<std::string, std::string> said(const Data& packet) {
   std::multimap<std::string, std::string> result;
-  const auto properties = detail::parseXmpPacket(textOf(packet));
+  detail::MetadataBudget budget;
+  const auto properties = detail::parseXmpPacket(textOf(packet), budget);
   EXPECT_TRUE(properties);
   for (const detail::XmpProperty& property : properties.value())
     result.emplace(property.mapping->name, property.texts().front());

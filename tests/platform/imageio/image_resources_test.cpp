@@ -38,7 +38,8 @@ std::string record(std::string_view data) { return resource(0x0404, data); }
 
 Dictionary read(std::string_view resources) {
   Dictionary properties;
-  readImageResources(bytesOf(resources), properties);
+  MetadataBudget budget;
+  readImageResources(bytesOf(resources), properties, budget);
   return properties;
 }
 

@@ -9,8 +9,6 @@
 namespace FrameworkUtility::testing {
 namespace {
 
-using detail::mergeMakerNote;
-using detail::readMakerNote;
 using enum TiffType;
 
 constexpr std::uint32_t noteDirectory = 14;
@@ -34,6 +32,15 @@ Bytes phoneNote() {
       note[noteDirectory + 2 + 12 * i + 11] =
           static_cast<std::byte>(std::to_integer<int>(note[noteDirectory + 2 + 12 * i + 11]) + 6);
   return note;
+}
+
+std::optional<Dictionary> readMakerNote(const Bytes& note) {
+  detail::MetadataBudget budget;
+  return detail::readMakerNote(note, budget);
+}
+
+Bytes mergeMakerNote(const Bytes& note, const Dictionary& entries) {
+  return detail::mergeMakerNote(note, readMakerNote(note).value_or(Dictionary()), entries);
 }
 
 Dictionary phoneEntries() {

@@ -213,16 +213,21 @@ TEST(PngHeaderTest, AChunkOfItsOwnWinsOverAText) {
 }
 
 TEST(PngHeaderTest, UnpacksNoMoreThanItsBudget) {
-  // 32 megabytes in 32 kilobytes; the third does not fit any more, nor does anything after it.
-  const std::string bomb = textOf(deflated(std::string(std::size_t{32} << 20, ' ')));
+  // 15 megabytes in 15 kilobytes, more than a text may have; what is unpacked next does not fit in
+  // any more.
+  const auto spaces = [](std::size_t count) { return textOf(deflated(std::string(count, ' '))); };
   const ImageHeader header = headerOf(PngFile()
                                           .header(1, 1, 8, 0)
-                                          .chunk("zTXt", "Author\0\0"s + bomb)
-                                          .chunk("zTXt", "Comment\0\0"s + bomb)
-                                          .chunk("iCCP", "profile\0\0"s + bomb)
+                                          .chunk("zTXt", "Author\0\0"s + spaces(1 << 19))
+                                          .chunk("zTXt", "Comment\0\0"s + spaces(15 << 20))
+                                          .chunk("iCCP", "profile\0\0"s + spaces(1 << 20))
                                           .pixelAndEnd());
   EXPECT_NE(pngProperty(header, "Author"), nullptr);
+  EXPECT_EQ(pngProperty(header, "Comment"), nullptr);
   EXPECT_TRUE(header.iccProfile.empty());
+  const Value* leftOut = header.formatProperties.find(kKvImagePropertyMetadataLeftOut);
+  ASSERT_TRUE(leftOut);
+  EXPECT_EQ(*leftOut, Value(Array{"{PNG}"}));
   EXPECT_EQ(header.status, CGImageSourceStatus::complete);
 }
 

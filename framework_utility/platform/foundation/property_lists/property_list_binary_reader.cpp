@@ -1,7 +1,6 @@
 #include <framework_utility/platform/foundation/property_lists/property_list_readers.h>
 
 #include <framework_utility/platform/foundation/equal_keys.h>
-#include <framework_utility/platform/foundation/expansion_budget.h>
 #include <framework_utility/platform/foundation/property_lists/property_list_format.h>
 #include <framework_utility/platform/foundation/reference_date.h>
 #include <framework_utility/platform/foundation/utf16.h>
@@ -28,8 +27,7 @@ std::uint64_t bigEndian(Bytes bytes) {
 /// Reads objects by their number. Each `read` gives nothing when the bytes are corrupt.
 class Reader {
  public:
-  Reader(Bytes data, const PropertyListLimits& limits)
-      : depth_(limits.depth), budget_(data.size(), limits.expansion, limits.values) {
+  Reader(Bytes data, std::size_t depth, ExpansionBudget& budget) : depth_(depth), budget_(budget) {
     isWhole_ = findTables(data);
   }
 
@@ -249,14 +247,15 @@ class Reader {
   std::uint64_t topObject_ = 0;
   std::vector<bool> isOpen_;  // whether the object is being read
   std::size_t depth_;         // how much deeper values may nest
-  ExpansionBudget budget_;
+  ExpansionBudget& budget_;
   bool isWhole_ = false;
 };
 
 }  // namespace
 
-std::optional<Value> detail::readBinaryPropertyList(Bytes data, const PropertyListLimits& limits) {
-  return Reader(data, limits).readTop();
+std::optional<Value> detail::readBinaryPropertyList(Bytes data, std::size_t depth,
+                                                    ExpansionBudget& budget) {
+  return Reader(data, depth, budget).readTop();
 }
 
 bool detail::isBinaryPropertyList(Bytes data) {

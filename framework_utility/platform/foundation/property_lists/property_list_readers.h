@@ -1,5 +1,6 @@
 #pragma once
 
+#include <framework_utility/platform/foundation/expansion_budget.h>
 #include <framework_utility/platform/foundation/property_list.h>
 
 #include <cstddef>
@@ -8,12 +9,17 @@
 
 namespace FrameworkUtility::detail {
 
-// Each gives nothing when the bytes are corrupt. They let `std::bad_alloc` through.
+// Each gives nothing when the bytes are corrupt or stand for more than the budget holds.
 
-std::optional<Value> readBinaryPropertyList(std::span<const std::byte> data,
-                                            const PropertyListLimits& limits);
-std::optional<Value> readXMLPropertyList(std::span<const std::byte> data,
-                                         const PropertyListLimits& limits);
+/// `propertyListWithData` for a list that is part of something with a budget of its own.
+std::optional<Value> readPropertyList(std::span<const std::byte> data, std::size_t depth,
+                                      ExpansionBudget& budget);
+
+// These let `std::bad_alloc` through.
+std::optional<Value> readBinaryPropertyList(std::span<const std::byte> data, std::size_t depth,
+                                            ExpansionBudget& budget);
+std::optional<Value> readXMLPropertyList(std::span<const std::byte> data, std::size_t depth,
+                                         ExpansionBudget& budget);
 
 /// Whether `data` begins like a binary property list.
 bool isBinaryPropertyList(std::span<const std::byte> data);

@@ -1,7 +1,6 @@
 #include <framework_utility/platform/foundation/property_lists/property_list_readers.h>
 
 #include <framework_utility/platform/foundation/equal_keys.h>
-#include <framework_utility/platform/foundation/expansion_budget.h>
 #include <framework_utility/platform/foundation/property_lists/base64.h>
 
 #include <expat.h>
@@ -137,10 +136,10 @@ Value uidOrDictionary(Dictionary dictionary) {
 
 class Reader {
  public:
-  Reader(std::span<const std::byte> data, const PropertyListLimits& limits)
+  Reader(std::span<const std::byte> data, std::size_t depth, detail::ExpansionBudget& budget)
       : data_(data),
-        depth_(limits.depth),
-        budget_(data.size(), limits.expansion, limits.values),
+        depth_(depth),
+        budget_(budget),
         parser_(XML_ParserCreate(nullptr), XML_ParserFree) {}
 
   std::optional<Value> read() {
@@ -239,6 +238,7 @@ class Reader {
   bool add(std::string_view text) {
     auto* own = std::get_if<std::string>(&open_.back().contents);
     if (!own || open_.back().element == Element::plist) return hasOnlyBlanks(text);
+    if (!budget_.spendBytes(text.size())) return false;
     *own += text;
     return true;
   }
@@ -294,7 +294,7 @@ class Reader {
 
   std::span<const std::byte> data_;
   std::size_t depth_;
-  detail::ExpansionBudget budget_;
+  detail::ExpansionBudget& budget_;
   std::unique_ptr<std::remove_pointer_t<XML_Parser>, decltype(&XML_ParserFree)> parser_;
   std::vector<Open> open_;
   std::optional<Value> top_;
@@ -324,9 +324,9 @@ bool canBeXML(std::span<const std::byte> data) {
 
 }  // namespace
 
-std::optional<Value> detail::readXMLPropertyList(std::span<const std::byte> data,
-                                                 const PropertyListLimits& limits) {
-  return canBeXML(data) ? Reader(data, limits).read() : std::nullopt;
+std::optional<Value> detail::readXMLPropertyList(std::span<const std::byte> data, std::size_t depth,
+                                                 ExpansionBudget& budget) {
+  return canBeXML(data) ? Reader(data, depth, budget).read() : std::nullopt;
 }
 
 }  // namespace FrameworkUtility

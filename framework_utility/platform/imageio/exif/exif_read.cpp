@@ -24,18 +24,22 @@ double unitsPerInch(const Dictionary& image) {
 
 class Reading {
  public:
-  explicit Reading(const TiffReader& reader) : reader_(reader), at_(exifDirectories(reader)) {}
+  Reading(const TiffReader& reader, MetadataBudget& budget)
+      : reader_(reader), at_(exifDirectories(reader)), budget_(budget) {}
 
   void addTo(Dictionary& properties) {
     Dictionary image = directory(ExifDirectory::image, at_.image);
     Dictionary exif = directory(ExifDirectory::exif, at_.exif);
     Dictionary gps = directory(ExifDirectory::gps, at_.gps);
+    // Last, so that a note that expands takes nothing from what everybody asks for.
+    std::optional<Dictionary> makerNote;
+    if (!note_.empty()) makerNote = readMakerNote(note_, budget_);
     addTopLevel(image, properties);
-    add(kCGImagePropertyTIFFDictionary, std::move(image), properties);
-    add(kCGImagePropertyExifDictionary, std::move(exif), properties);
+    add(exifDictionaryKey(ExifDirectory::image), std::move(image), properties);
+    add(exifDictionaryKey(ExifDirectory::exif), std::move(exif), properties);
     add("{ExifAux}", std::move(auxiliary_), properties);
-    add(kCGImagePropertyGPSDictionary, std::move(gps), properties);
-    if (makerNote_) add(kCGImagePropertyMakerAppleDictionary, std::move(*makerNote_), properties);
+    add(exifDictionaryKey(ExifDirectory::gps), std::move(gps), properties);
+    if (makerNote) add(kCGImagePropertyMakerAppleDictionary, std::move(*makerNote), properties);
   }
 
  private:
@@ -49,16 +53,27 @@ class Reading {
       const TiffEntry entry = reader_.entry(offset, i);
       if (which == ExifDirectory::exif && entry.tag == makerNoteTag &&
           !std::exchange(sawNote_, true))
-        makerNote_ = readMakerNote(entry.value);
+        note_ = entry.value;
       const ExifTag* tag = exifTag(which, entry.tag);
       // Of records with the same tag the first one counts.
       if (!tag || seen.test(static_cast<std::size_t>(tag - tags))) continue;
       seen.set(static_cast<std::size_t>(tag - tags));
+      if (!spend(*tag, entry)) {
+        budget_.leaveOut(exifDictionaryKey(which));
+        continue;
+      }
       const Value* value = appendExifValue(values, *tag, reader_, entry);
       if (value && !tag->auxiliaryKey.empty())
         auxiliary_.append(Key::withConstant(tag->auxiliaryKey), *value);
     }
     return values;
+  }
+
+  // At least what the entry's value takes.
+  bool spend(const ExifTag& tag, const TiffEntry& entry) {
+    if (tag.shape == ExifShape::array) return budget_.spend(1 + tiffNumberCount(entry), 0);
+    return budget_.spend(tag.auxiliaryKey.empty() ? 1 : 2,
+                         tag.auxiliaryKey.empty() ? entry.value.size() : 2 * entry.value.size());
   }
 
   static void addTopLevel(const Dictionary& image, Dictionary& properties) {
@@ -86,16 +101,27 @@ class Reading {
 
   const TiffReader& reader_;
   const ExifDirectories at_;
+  MetadataBudget& budget_;
   Dictionary auxiliary_;
-  std::optional<Dictionary> makerNote_;
+  std::span<const std::byte> note_;
   bool sawNote_ = false;  // The first record counts here too.
 };
 
 }  // namespace
 
-void readExif(std::span<const std::byte> tiff, Dictionary& properties) {
+void readExif(std::span<const std::byte> tiff, Dictionary& properties, MetadataBudget& budget) {
   if (const std::optional<TiffReader> reader = TiffReader::open(tiff))
-    Reading(*reader).addTo(properties);
+    Reading(*reader, budget).addTo(properties);
+}
+
+std::optional<Number> readExifOrientation(std::span<const std::byte> tiff) {
+  const std::optional<TiffReader> reader = TiffReader::open(tiff);
+  const std::uint32_t directory = reader ? reader->firstDirectory() : 0;
+  const std::uint32_t count = reader ? reader->entryCount(directory) : 0;
+  for (std::uint32_t i = 0; i < count; ++i)
+    if (reader->tag(directory, i) == exifOrientationTag)
+      return reader->number(reader->entry(directory, i));
+  return std::nullopt;
 }
 
 double tiffDotsPerInch(const Dictionary& properties, std::string_view key) {

@@ -1,5 +1,7 @@
 #include <framework_utility/platform/imageio/exif/exif_tags.h>
 
+#include <framework_utility/platform/imageio/property_keys.h>
+
 #include <array>
 #include <optional>
 
@@ -170,6 +172,13 @@ constexpr Index<300> pictureIndex(pictureTags);
 constexpr Index<32> gpsIndex(gpsTags);
 
 }  // namespace
+
+std::string_view exifDictionaryKey(ExifDirectory directory) {
+  constexpr std::string_view keys[exifDirectoryCount] = {kCGImagePropertyTIFFDictionary,
+                                                         kCGImagePropertyExifDictionary,
+                                                         kCGImagePropertyGPSDictionary};
+  return keys[static_cast<std::size_t>(directory)];
+}
 
 std::span<const ExifTag> exifTags(ExifDirectory directory) {
   switch (directory) {

@@ -40,6 +40,10 @@ inline constexpr std::size_t exifTagLimit = 96;
 
 /// The known tags of a directory, in ascending order.
 std::span<const ExifTag> exifTags(ExifDirectory directory);
+/// The key of the dictionary that holds a directory's properties.
+std::string_view exifDictionaryKey(ExifDirectory directory);
+inline constexpr std::uint16_t exifOrientationTag = 0x0112;
+
 /// One direct look-up; null for a tag that has no property.
 const ExifTag* exifTag(ExifDirectory directory, std::uint16_t tag);
 const ExifTag* exifTag(ExifDirectory directory, const Key& key);

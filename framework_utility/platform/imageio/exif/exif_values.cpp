@@ -228,8 +228,12 @@ std::optional<TiffValue> exifNumbers(const ExifTag& tag, std::span<const Value> 
 
 }  // namespace
 
+std::uint32_t tiffNumberCount(const TiffEntry& entry) {
+  return entry.count > elementLimit ? 0 : entry.count;
+}
+
 std::optional<Array> readTiffNumbers(const TiffReader& reader, const TiffEntry& entry) {
-  if (entry.count == 0 || entry.count > elementLimit) return std::nullopt;
+  if (tiffNumberCount(entry) == 0) return std::nullopt;
   Array numbers;
   numbers.reserve(entry.count);
   for (std::uint32_t i = 0; i < entry.count; ++i) {

@@ -23,6 +23,8 @@ const Value* appendExifValue(Dictionary& values, const ExifTag& tag, const TiffR
 std::optional<TiffValue> exifValue(const ExifTag& tag, const Value& value,
                                    std::optional<TiffType> storedType, std::endian order);
 
+/// How many numbers `readTiffNumbers` may give; 0 when there are too many.
+std::uint32_t tiffNumberCount(const TiffEntry& entry);
 /// The entry's numbers, at most 4096; absent when one is absent or there are none.
 std::optional<Array> readTiffNumbers(const TiffReader& reader, const TiffEntry& entry);
 /// Absent when a value is no number or does not fit the type.

@@ -7,6 +7,7 @@
 #include <framework_utility/platform/imageio/exif/tiff_layout.h>
 #include <framework_utility/platform/imageio/exif/tiff_structure.h>
 #include <framework_utility/platform/imageio/metadata_codec.h>
+#include <framework_utility/platform/imageio/property_keys.h>
 
 #include <algorithm>
 #include <bitset>
@@ -36,9 +37,10 @@ constexpr std::string_view newHeader("MM\0\x2A\0\0\0\0", tiffHeaderSize);
 
 class Merge {
  public:
-  // `reader` is null for a new block.
-  Merge(const TiffReader* reader, ExifWanted wanted, const PixelFacts& pixels)
-      : reader_(reader), wanted_(std::move(wanted)), pixels_(pixels) {
+  // `reader` is null for a new block. `before` is what it reads as.
+  Merge(const TiffReader* reader, const Dictionary& before, const Dictionary& properties,
+        const PixelFacts& pixels)
+      : reader_(reader), before_(before), wanted_(exifWanted(before, properties)), pixels_(pixels) {
     if (reader_) {
       plan_.source = reader_->block();
       plan_.order = reader_->order();
@@ -113,6 +115,7 @@ class Merge {
   void merge(ExifDirectory which, std::uint32_t offset, const Dictionary& wanted,
              TiffDirectory& result) {
     const ExifTag* const tags = exifTags(which).data();
+    const Dictionary& before = entriesBefore(exifDictionaryKey(which));
     std::bitset<exifTagLimit> seen, kept, stored;
     forEachEntry(offset, [&](const TiffEntry& entry) {
       if (isHandledElsewhere(which, entry.tag)) return;
@@ -124,7 +127,8 @@ class Merge {
       if (!seen.test(index)) {
         seen.set(index);
         stored.set(index, !entry.isDamaged());
-        kept.set(index, mergeEntry(*tag, entry, wanted.find(tag->key), result));
+        kept.set(index,
+                 mergeEntry(*tag, entry, before.find(tag->key), wanted.find(tag->key), result));
       } else if (kept.test(index)) {
         keep(entry, result);
       } else {
@@ -144,16 +148,20 @@ class Merge {
     if (!entry.isDamaged()) result.keep(entry);
   }
 
-  // Whether the entry stays as it is.
-  bool mergeEntry(const ExifTag& tag, const TiffEntry& entry, const Value* wanted,
-                  TiffDirectory& result) {
+  const Dictionary& entriesBefore(std::string_view key) const {
+    static const Dictionary none;
+    const Dictionary* entries = before_.get<Dictionary>(key);
+    return entries ? *entries : none;
+  }
+
+  // Whether the entry stays as it is: also when it does not read, or was left out.
+  bool mergeEntry(const ExifTag& tag, const TiffEntry& entry, const Value* before,
+                  const Value* wanted, TiffDirectory& result) {
     if (entry.isDamaged()) return false;
     if (tag.shape == ExifShape::layout) {
       result.keep(entry);
       return true;
     }
-    Dictionary stored;
-    const Value* const before = appendExifValue(stored, tag, *reader_, entry);
     const bool keeps = wanted && before ? *before == *wanted : !wanted && !before;
     std::optional<TiffValue> value;
     if (!keeps && wanted) value = exifValue(tag, *wanted, entry.type, plan_.order);
@@ -182,8 +190,10 @@ class Merge {
     const std::size_t size = entry.tag == imageWidthTag ? pixels_.width : pixels_.height;
     if (size == 0) return false;
     const ExifTag tag{entry.tag, {}, ExifShape::number, TiffType::unsignedLong};
+    const std::optional<Number> stored = reader_->number(entry);
+    const Value before = stored ? Value(*stored) : Value();
     const Value value(size);
-    mergeEntry(tag, entry, &value, result);
+    mergeEntry(tag, entry, &before, &value, result);
     return true;
   }
 
@@ -207,11 +217,11 @@ class Merge {
         exif.add(makerNoteTag, std::move(note));
       return;
     }
-    const std::optional<Dictionary> before = readMakerNote(source->value);
-    if (before ? *before == wanted_.makerNote : wanted_.makerNote.empty()) {
+    if (entriesBefore(kCGImagePropertyMakerAppleDictionary) == wanted_.makerNote) {
       exif.keep(*source);
       // Other makers' notes refer to themselves by offsets from the start of the block.
-      exif.records.back().pinned = !before && source->offset + source->value.size() <= segmentLimit;
+      exif.records.back().pinned =
+          !isMakerNote(source->value) && source->offset + source->value.size() <= segmentLimit;
     } else if (TiffValue note = makerNote(source->value); !note.bytes.empty()) {
       exif.replace(*source, std::move(note));
     } else {
@@ -219,7 +229,8 @@ class Merge {
     }
   }
   TiffValue makerNote(std::span<const std::byte> source) const {
-    std::vector<std::byte> note = detail::mergeMakerNote(source, wanted_.makerNote);
+    std::vector<std::byte> note = detail::mergeMakerNote(
+        source, entriesBefore(kCGImagePropertyMakerAppleDictionary), wanted_.makerNote);
     const auto size = static_cast<std::uint32_t>(note.size());
     return {TiffType::undefined, size, std::move(note)};
   }
@@ -252,6 +263,7 @@ class Merge {
   }
 
   const TiffReader* reader_;
+  const Dictionary& before_;
   ExifWanted wanted_;
   const PixelFacts pixels_;
   ExifDirectories at_;
@@ -266,9 +278,10 @@ std::vector<std::byte> mergeExif(std::span<const std::byte> tiff, const Dictiona
                                  const PixelFacts& pixels) {
   std::optional<TiffReader> reader = TiffReader::open(tiff);
   if (reader && exifDirectories(*reader).image == 0) reader.reset();
+  MetadataBudget budget;
   Dictionary before;
-  readExif(tiff, before);
-  Merge merge(reader ? &*reader : nullptr, exifWanted(before, properties), pixels);
+  readExif(tiff, before, budget);
+  Merge merge(reader ? &*reader : nullptr, before, properties, pixels);
   std::optional<TiffPlan> plan = std::move(merge).plan();
   if (!plan) return {};
   std::vector<std::byte> inPlace;

@@ -1,10 +1,12 @@
 #include <framework_utility/platform/imageio/exif/maker_note.h>
 
 #include <framework_utility/platform/foundation/property_list.h>
+#include <framework_utility/platform/foundation/property_lists/property_list_readers.h>
 #include <framework_utility/platform/imageio/exif/exif_text.h>
 #include <framework_utility/platform/imageio/exif/exif_values.h>
 #include <framework_utility/platform/imageio/exif/tiff_layout.h>
 #include <framework_utility/platform/imageio/exif/tiff_structure.h>
+#include <framework_utility/platform/imageio/property_keys.h>
 
 #include <algorithm>
 #include <charconv>
@@ -42,20 +44,36 @@ std::optional<TiffReader> openNote(std::span<const std::byte> note) {
   return reader;
 }
 
-// Puts the entry's value under its tag's number as text; null when it has none.
-const Value* appendEntry(Dictionary& entries, const TiffReader& note, const TiffEntry& entry) {
-  if (entry.isDamaged()) return nullptr;
-  const auto append = [&](auto&& held) -> const Value* {
-    if (!held) return nullptr;
-    return &entries.append(std::to_string(entry.tag), *std::forward<decltype(held)>(held));
+// Puts the entry's value under its tag's number as text, if it has one. False when the budget does
+// not hold it.
+bool appendEntry(Dictionary& entries, const TiffReader& note, const TiffEntry& entry,
+                 MetadataBudget& budget) {
+  if (entry.isDamaged()) return true;
+  const auto append = [&](auto&& held) {
+    if (!held) return false;
+    entries.append(std::to_string(entry.tag), *std::forward<decltype(held)>(held));
+    return true;
   };
-  if (entry.type == TiffType::ascii || entry.type == TiffType::utf8)
-    return append(std::optional(readExifText(entry.value)));
-  if (entry.type == TiffType::undefined) {
-    if (const Value* list = append(propertyListWithData(entry.value))) return list;
-    return append(std::optional(Data(entry.value)));
+  const bool isText = entry.type == TiffType::ascii || entry.type == TiffType::utf8;
+  if (isText || entry.type == TiffType::undefined) {
+    if (!budget.spend(2, entry.value.size())) return false;
+  } else if (!budget.spend(2 + tiffNumberCount(entry), 0)) {
+    return false;
   }
-  return entry.count == 1 ? append(note.number(entry)) : append(readTiffNumbers(note, entry));
+  if (isText) {
+    append(std::optional(readExifText(entry.value)));
+  } else if (entry.type == TiffType::undefined) {
+    constexpr PropertyListLimits limits;
+    ExpansionBudget own(entry.value.size(), limits.expansion, limits.values, &budget.memory());
+    if (append(readPropertyList(entry.value, limits.depth, own))) return true;
+    if (own.isWholeSpent()) return false;
+    append(std::optional(Data(entry.value)));
+  } else if (entry.count == 1) {
+    append(note.number(entry));
+  } else {
+    append(readTiffNumbers(note, entry));
+  }
+  return true;
 }
 
 std::optional<TiffValue> noteNumbers(std::span<const Value> numbers,
@@ -100,18 +118,24 @@ constexpr std::string_view newHeader("Apple iOS\0\0\1MM", directoryOffset);
 
 }  // namespace
 
-std::optional<Dictionary> readMakerNote(std::span<const std::byte> note) {
+bool isMakerNote(std::span<const std::byte> note) { return openNote(note).has_value(); }
+
+std::optional<Dictionary> readMakerNote(std::span<const std::byte> note, MetadataBudget& budget) {
   const std::optional<TiffReader> reader = openNote(note);
   if (!reader) return std::nullopt;
   Dictionary entries;
   const std::uint32_t count = reader->entryCount(directoryOffset);
   entries.reserve(count);
-  for (std::uint32_t i = 0; i < count; ++i)
-    appendEntry(entries, *reader, reader->entry(directoryOffset, i));
+  for (std::uint32_t i = 0; i < count; ++i) {
+    const TiffEntry entry = reader->entry(directoryOffset, i);
+    if (!appendEntry(entries, *reader, entry, budget))
+      budget.leaveOut(kCGImagePropertyMakerAppleDictionary);
+  }
   return entries;
 }
 
-std::vector<std::byte> mergeMakerNote(std::span<const std::byte> note, const Dictionary& entries) {
+std::vector<std::byte> mergeMakerNote(std::span<const std::byte> note, const Dictionary& before,
+                                      const Dictionary& entries) {
   const std::optional<TiffReader> reader = openNote(note);
   const auto header = reader ? note.first(directoryOffset) : std::as_bytes(std::span(newHeader));
   TiffPlan plan;
@@ -129,10 +153,10 @@ std::vector<std::byte> mergeMakerNote(std::span<const std::byte> note, const Dic
       const TiffEntry entry = reader->entry(directoryOffset, i);
       known.push_back(entry.tag);
       if (entry.isDamaged()) continue;
-      Dictionary stored;
-      const Value* const before = appendEntry(stored, *reader, entry);
-      const Value* wanted = entries.find(std::to_string(entry.tag));
-      if (wanted && before ? *before == *wanted : !wanted && !before)
+      const std::string key = std::to_string(entry.tag);
+      const Value* const stored = before.find(key);
+      const Value* const wanted = entries.find(key);
+      if (wanted && stored ? *stored == *wanted : !wanted && !stored)
         directory.keep(entry);
       else if (std::optional<TiffValue> value =
                    wanted ? noteValue(*wanted, entry.type, plan.order) : std::nullopt)

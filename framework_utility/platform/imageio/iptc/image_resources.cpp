@@ -86,29 +86,32 @@ std::span<const std::byte> forEachResource(std::span<const std::byte> bytes, Vis
 
 }  // namespace
 
-void readImageResources(std::span<const std::byte> resources, Dictionary& properties) {
+void readImageResources(std::span<const std::byte> resources, Dictionary& properties,
+                        MetadataBudget& budget) {
   forEachResource(resources, [&](const Resource& resource) {
     if (resource.number != iptcRecord) return true;
-    Dictionary entries = readIptcRecord(resource.data);
+    Dictionary entries = readIptcRecord(resource.data, budget);
     if (!entries.empty()) properties.set(dictionaryKey, std::move(entries));
     return false;
   });
 }
 
 std::vector<std::byte> mergeImageResources(std::span<const std::byte> resources,
-                                           const Dictionary& properties) {
+                                           const Dictionary& properties, MetadataBudget budget) {
   std::span<const std::byte> oldRecord;
   forEachResource(resources, [&](const Resource& resource) {
     if (resource.number == iptcRecord) oldRecord = resource.data;
     return resource.number != iptcRecord;
   });
+  static const Dictionary none;
   const auto* entries = properties.get<Dictionary>(dictionaryKey);
   const std::vector<std::byte> record =
-      mergeIptcRecord(oldRecord, entries ? *entries : Dictionary());
+      mergeIptcRecord(oldRecord, entries ? *entries : none, budget);
   const bool isChanged =
       !std::equal(record.begin(), record.end(), oldRecord.begin(), oldRecord.end());
 
   std::vector<std::byte> out;
+  out.reserve(resources.size() + record.size());
   bool isWritten = !isChanged || record.empty();
   const auto rest = forEachResource(resources, [&](const Resource& resource) {
     const bool isRecord = resource.number == iptcRecord;

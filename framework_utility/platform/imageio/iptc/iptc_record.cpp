@@ -1,10 +1,13 @@
 #include <framework_utility/platform/imageio/iptc/iptc_record.h>
 
+#include <framework_utility/platform/imageio/property_keys.h>
 #include <framework_utility/platform/imageio/text_encoding.h>
 
 #include <algorithm>
 #include <array>
+#include <bitset>
 #include <cstdint>
+#include <iterator>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -138,15 +141,21 @@ bool isAscii(std::string_view text) {
   return std::all_of(text.begin(), text.end(), [](char c) { return (c & 0x80) == 0; });
 }
 
-Dictionary entriesOf(const Record& record) {
+Dictionary entriesOf(const Record& record, MetadataBudget& budget) {
   Dictionary entries;
+  std::bitset<std::size(mappings)> leftOut;  // A list of which a part does not fit goes as a whole.
   for (const Dataset& dataset : record.datasets) {
     const Mapping* mapping =
         dataset.record == applicationRecord ? findMapping(dataset.number) : nullptr;
-    if (!mapping) continue;
+    if (!mapping || leftOut.test(static_cast<std::size_t>(mapping - mappings))) continue;
     Value* entry = entries.find(mapping->key);
-    if (!mapping->isRepeated) {
-      if (!entry) entries.set(mapping->key, decoded(dataset.data));
+    if (entry && !mapping->isRepeated) continue;
+    if (!budget.spend(1, dataset.data.size())) {
+      leftOut.set(static_cast<std::size_t>(mapping - mappings));
+      entries.remove(mapping->key);
+      budget.leaveOut(kCGImagePropertyIPTCDictionary);
+    } else if (!mapping->isRepeated) {
+      entries.set(mapping->key, decoded(dataset.data));
     } else if (entry) {
       entry->as<Array>()->emplace_back(decoded(dataset.data));
     } else {
@@ -219,8 +228,11 @@ std::vector<Planned> plannedDatasets(const Record& record, const Dictionary& bef
     plan.erase(std::remove_if(place, plan.end(), isOld), plan.end());
     std::vector<std::string> texts = textsOf(is);
     if (!mapping.isRepeated && texts.size() > 1) texts.resize(1);
-    for (auto text = texts.rbegin(); text != texts.rend(); ++text)
-      plan.insert(plan.begin() + index, {applicationRecord, mapping.dataset, {}, std::move(*text)});
+    std::vector<Planned> written;
+    for (std::string& text : texts)
+      written.push_back({applicationRecord, mapping.dataset, {}, std::move(text)});
+    plan.insert(plan.begin() + index, std::make_move_iterator(written.begin()),
+                std::make_move_iterator(written.end()));
   }
   return plan;
 }
@@ -252,14 +264,14 @@ void convertToUtf8(std::vector<Planned>& plan) {
 
 }  // namespace
 
-Dictionary readIptcRecord(std::span<const std::byte> record) {
-  return entriesOf(parseRecord(record));
+Dictionary readIptcRecord(std::span<const std::byte> record, MetadataBudget& budget) {
+  return entriesOf(parseRecord(record), budget);
 }
 
-std::vector<std::byte> mergeIptcRecord(std::span<const std::byte> bytes,
-                                       const Dictionary& entries) {
+std::vector<std::byte> mergeIptcRecord(std::span<const std::byte> bytes, const Dictionary& entries,
+                                       MetadataBudget& budget) {
   const Record record = parseRecord(bytes);
-  std::vector<Planned> plan = plannedDatasets(record, entriesOf(record), entries);
+  std::vector<Planned> plan = plannedDatasets(record, entriesOf(record, budget), entries);
   const auto isWritten = [](const Planned& each) { return each.kept.empty(); };
   if (std::none_of(plan.begin(), plan.end(), isWritten) && plan.size() == record.datasets.size())
     return {bytes.begin(), bytes.end()};

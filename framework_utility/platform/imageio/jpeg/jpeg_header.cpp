@@ -2,6 +2,7 @@
 
 #include <framework_utility/platform/foundation/uniform_type.h>
 #include <framework_utility/platform/imageio/jpeg/jpeg_extended_xmp.h>
+#include <framework_utility/platform/imageio/metadata_budget.h>
 #include <framework_utility/platform/imageio/property_keys.h>
 
 #include <algorithm>
@@ -25,7 +26,8 @@ constexpr std::size_t windowSize = 4 * 1024;
 /// More segments, stray bytes or metadata than these have no photograph, only an attack.
 constexpr int maximumSegments = 10'000;
 constexpr int maximumStrayBytes = 64 * 1024;
-constexpr std::size_t maximumMetadataSize = 64 * 1024 * 1024;
+constexpr std::size_t maximumMetadataSize = 32 * 1024 * 1024;
+constexpr std::size_t maximumResourcesSize = 16 * 1024 * 1024;
 
 // Markers of ITU-T T.81, table B.1.
 constexpr unsigned startOfImage = 0xD8;
@@ -82,7 +84,12 @@ Data joined(std::span<const Data> pieces) {
   if (pieces.size() == 1) {
     return pieces.front();
   }
+  std::size_t size = 0;
+  for (const Data& piece : pieces) {
+    size += piece.size();
+  }
   std::vector<std::byte> all;
+  all.reserve(size);
   for (const Data& piece : pieces) {
     all.insert(all.end(), piece.begin(), piece.end());
   }
@@ -135,6 +142,7 @@ class HeaderReader {
           joinExtendedXmp(extendedXmp_, xmpExtensionName(header_.blocks.xmp));
     }
     header_.blocks.format = UTTypeJPEG.identifier();
+    budget_.tell(header_.formatProperties);
     return std::move(header_);
   }
 
@@ -248,7 +256,7 @@ class HeaderReader {
         break;
       case application13:
         if (const Data bytes = contents(segment, jpegResourcesSignature); !bytes.empty()) {
-          imageResources_.push_back(bytes);
+          addResources(bytes);
         }
         break;
       default:
@@ -279,6 +287,15 @@ class HeaderReader {
            std::none_of(std::begin(notKept), std::end(notKept), [&](const Kind& kind) {
              return kind.marker == segment.marker && startsWith(bytes, kind.signature);
            });
+  }
+
+  void addResources(const Data& bytes) {
+    resourcesSize_ += bytes.size();
+    if (resourcesSize_ > maximumResourcesSize) {
+      budget_.leaveOut(kCGImagePropertyIPTCDictionary);
+    } else {
+      imageResources_.push_back(bytes);
+    }
   }
 
   /// JFIF 1.02: version, unit of density, densities, thumbnail.
@@ -341,8 +358,11 @@ class HeaderReader {
   Data contents(const Segment& segment, std::string_view signature, std::size_t distance = 0) {
     const std::size_t skipped = signature.size() + distance;
     if (segment.size <= skipped ||
-        !startsWith(window_.at(segment.offset, signature.size()), signature) ||
-        metadataSize_ + segment.size > maximumMetadataSize) {
+        !startsWith(window_.at(segment.offset, signature.size()), signature)) {
+      return {};
+    }
+    if (metadataSize_ + segment.size > maximumMetadataSize) {
+      budget_.leaveOut(signature.substr(0, signature.find('\0')));
       return {};
     }
     metadataSize_ += segment.size;
@@ -374,6 +394,8 @@ class HeaderReader {
   std::vector<Data> extendedXmp_;  // whole contents of segments
   unsigned picture_ = 0;           // the marker of the segment before, where it was of a picture
   std::size_t metadataSize_ = 0;
+  std::size_t resourcesSize_ = 0;
+  MetadataBudget budget_;
 };
 
 }  // namespace

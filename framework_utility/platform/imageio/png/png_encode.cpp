@@ -173,14 +173,17 @@ bool writeParts(PngWriter& writer, const EncodeRequest& request, const Dictionar
            pngTextKeywords.end();
   };
   InflationBudget budget;
+  MetadataBudget texts;
   for (const FormatPart& part : partsOf(request)) {
     if (part.kind == pngType("pHYs")) continue;  // has been asked for its resolution
     const std::string_view keyword = isPngText(part.kind) ? pngKeyword(part.contents) : "";
     if (isProperty(keyword) && !isKept.contains(keyword)) {
-      const std::optional<std::string> text = pngText(part.kind, part.contents, budget);
-      if (!text) continue;
+      const std::optional<PngText> text = pngText(part.kind, part.contents, budget);
+      if (!text && !budget.isExceeded) continue;
       const auto* wanted = png.get<std::string>(keyword);
-      isKept[keyword] = wanted && *wanted == *text;
+      // One that was left out when the file was read is no less there.
+      const bool isRead = text && text->isWithin(texts);
+      isKept[keyword] = isRead ? wanted && *wanted == text->utf8() : !wanted;
     }
     if (isProperty(keyword) && !isKept[keyword]) continue;
     if (!writer.writeChunk(part.kind, part.contents)) return false;

@@ -1,6 +1,7 @@
 #include <framework_utility/platform/imageio/png/png_header.h>
 
 #include <framework_utility/platform/foundation/uniform_type.h>
+#include <framework_utility/platform/imageio/metadata_budget.h>
 #include <framework_utility/platform/imageio/png/png_chunks.h>
 #include <framework_utility/platform/imageio/png/png_text.h>
 #include <framework_utility/platform/imageio/property_keys.h>
@@ -21,7 +22,7 @@ namespace {
 /// empty chunks is worth.
 constexpr int maximumChunks = 100'000;
 /// Of one chunk of metadata, and of all of them.
-constexpr std::size_t maximumMetadata = std::size_t{128} << 20;
+constexpr std::size_t maximumMetadata = std::size_t{32} << 20;
 
 constexpr std::string_view exifPrefix{"Exif\0\0", 6};
 constexpr std::string_view xmpPrefix{"http://ns.adobe.com/xap/1.0/\0", 29};
@@ -39,15 +40,16 @@ bool beginsWith(const Data& data, std::string_view prefix) {
 }
 
 Data withoutPrefix(const Data& data, std::string_view prefix) {
-  if (!beginsWith(data, prefix)) return data;
-  return Data(std::span(data.data(), data.size()).subspan(prefix.size()));
+  return beginsWith(data, prefix) ? suffix(data, prefix.size()) : data;
 }
 
 /// A bare IPTC record in the image resource where it belongs.
 Data asImageResources(const Data& data) {
   if (data.empty() || data.data()[0] != std::byte{0x1C}) return data;
   const auto* head = reinterpret_cast<const std::byte*>(iptcResource.data());
-  std::vector<std::byte> bytes(head, head + iptcResource.size());
+  std::vector<std::byte> bytes;
+  bytes.reserve(iptcResource.size() + 4 + data.size() + 1);
+  bytes.assign(head, head + iptcResource.size());
   for (const int shift : {24, 16, 8, 0}) {
     bytes.push_back(static_cast<std::byte>(data.size() >> shift & 255));
   }
@@ -116,7 +118,10 @@ class HeaderReader {
         if (!isKept(chunk.type)) return true;
     }
     if (!chunks_.holds(chunk)) return false;
-    if (chunk.length > metadataLeft_) return true;
+    if (chunk.length > metadataLeft_) {
+      texts_.leaveOut(kCGImagePropertyPNGDictionary);
+      return true;
+    }
     metadataLeft_ -= chunk.length;
     const std::optional<Data> data = chunks_.data(chunk);
     if (data) {
@@ -150,6 +155,7 @@ class HeaderReader {
       case pngType("iCCP"):
         if (header_.iccProfile.empty()) {
           header_.iccProfile = pngProfile(data, budget_).value_or(Data());
+          tellInflation();
         }
         return;
       case pngType("tIME"):
@@ -236,15 +242,35 @@ class HeaderReader {
     const bool isRaw = keyword.starts_with("Raw profile type ");
     if (!isRaw && keyword != pngXmpKeyword) keep(type, data);
     if (!isProperty && !isRaw && keyword != pngXmpKeyword) return;
-    std::optional<std::string> text = pngText(type, data, budget_);
+    if (isProperty && png_.find(keyword)) return;
+    const std::optional<PngText> text = pngText(type, data, budget_);
+    tellInflation();
     if (!text) return;
     if (isProperty) {
-      set(keyword, std::move(*text));
+      if (text->isWithin(texts_))
+        set(keyword, text->utf8());
+      else
+        texts_.leaveOut(kCGImagePropertyPNGDictionary);
     } else if (isRaw) {
-      if (auto bytes = bytesOfRawProfile(*text)) takeRawProfile(keyword, Data(std::move(*bytes)));
+      const std::string_view digits(reinterpret_cast<const char*>(text->bytes.data()),
+                                    text->bytes.size());
+      if (auto bytes = bytesOfRawProfile(digits)) takeRawProfile(keyword, Data(std::move(*bytes)));
     } else if (header_.blocks.xmp.empty()) {
-      header_.blocks.xmp = Data(std::as_bytes(std::span(*text)));
+      header_.blocks.xmp = asUtf8(*text);
     }
+  }
+
+  /// It stands in an iTXt chunk, which is UTF-8; some writers choose another.
+  static Data asUtf8(const PngText& text) {
+    const auto isAscii = [](std::byte byte) { return (byte & std::byte{0x80}) == std::byte{0}; };
+    if (!text.isLatin1 || std::all_of(text.bytes.begin(), text.bytes.end(), isAscii))
+      return text.bytes;
+    const std::string utf8 = text.utf8();
+    return Data(std::as_bytes(std::span(utf8)));
+  }
+
+  void tellInflation() {
+    if (budget_.isExceeded) texts_.leaveOut(kCGImagePropertyPNGDictionary);
   }
 
   void takeRawProfile(std::string_view keyword, const Data& bytes) {
@@ -266,6 +292,7 @@ class HeaderReader {
     header_.blocks.imageResources = raw_.imageResources;
     header_.blocks.format = UTTypePNG.identifier();
     header_.formatProperties.set(kCGImagePropertyPNGDictionary, std::move(png_));
+    texts_.tell(header_.formatProperties);
   }
 
   ImageHeader invalid() {
@@ -285,6 +312,7 @@ class HeaderReader {
   Dictionary png_;
   MetadataBlocks raw_;  // of "Raw profile type" texts
   InflationBudget budget_;
+  MetadataBudget texts_;
   std::size_t metadataLeft_ = maximumMetadata;
   unsigned colorType_ = 0;
   bool hasPalette_ = false;

@@ -7,6 +7,7 @@
 #include <charconv>
 #include <cstdint>
 #include <cstring>
+#include <memory>
 #include <new>
 #include <utility>
 
@@ -55,6 +56,7 @@ std::optional<std::vector<std::byte>> inflate(std::span<const std::byte> bytes,
     const std::size_t count = piece.size() - stream.avail_out;
     if (count > budget.bytes) {
       budget.bytes = 0;
+      budget.isExceeded = true;
       return std::nullopt;
     }
     budget.bytes -= count;
@@ -66,17 +68,16 @@ std::optional<std::vector<std::byte>> inflate(std::span<const std::byte> bytes,
 
 /// The text of an iTXt chunk from behind its keyword: whether it is compressed, how, its language
 /// and the keyword in that language.
-std::optional<std::string> internationalText(std::span<const std::byte> bytes,
-                                             InflationBudget& budget) {
+std::optional<PngText> internationalText(const Data& chunk, std::span<const std::byte> bytes,
+                                         InflationBudget& budget) {
   if (bytes.size() < 2) return std::nullopt;
   const bool isCompressed = bytes[0] != std::byte{0};
   const auto translated = behindNul(bytes.subspan(2));
   const auto body = translated ? behindNul(*translated) : std::nullopt;
   if (!body) return std::nullopt;
-  if (!isCompressed) return std::string(textOf(*body));
-  const auto text = bytes[1] == std::byte{0} ? inflated(*body, budget) : std::nullopt;
-  if (!text) return std::nullopt;
-  return std::string(textOf(*text));
+  if (!isCompressed) return PngText{suffix(chunk, chunk.size() - body->size())};
+  auto text = bytes[1] == std::byte{0} ? inflated(*body, budget) : std::nullopt;
+  return text ? std::optional(PngText{Data(std::move(*text))}) : std::nullopt;
 }
 
 /// -1 for what is no hexadecimal digit.
@@ -121,23 +122,31 @@ std::string_view pngKeyword(std::span<const std::byte> chunk) {
   return end == std::string_view::npos ? std::string_view() : text.substr(0, end);
 }
 
-std::optional<std::string> pngText(std::uint32_t type, std::span<const std::byte> chunk,
-                                   InflationBudget& budget) {
+std::string PngText::utf8() const {
+  return isLatin1 ? utf8FromLatin1(textOf(bytes)) : std::string(textOf(bytes));
+}
+
+std::optional<PngText> pngText(std::uint32_t type, const Data& chunk, InflationBudget& budget) {
   const auto body = behindNul(chunk);
   if (!body) return std::nullopt;
   switch (type) {
     case pngType("tEXt"):
-      return utf8FromLatin1(textOf(*body));
+      return PngText{suffix(chunk, chunk.size() - body->size()), true};
     case pngType("zTXt"): {
       if (body->empty() || body->front() != std::byte{0}) return std::nullopt;
-      const auto text = inflated(body->subspan(1), budget);
-      return text ? std::optional(utf8FromLatin1(textOf(*text))) : std::nullopt;
+      auto text = inflated(body->subspan(1), budget);
+      return text ? std::optional(PngText{Data(std::move(*text)), true}) : std::nullopt;
     }
     case pngType("iTXt"):
-      return internationalText(*body, budget);
+      return internationalText(chunk, *body, budget);
     default:
       return std::nullopt;
   }
+}
+
+Data suffix(const Data& whole, std::size_t begin) {
+  return Data::withBytesNoCopy(std::span<const std::byte>(whole).subspan(begin),
+                               std::make_shared<const Data>(whole));
 }
 
 std::optional<Data> pngProfile(std::span<const std::byte> chunk, InflationBudget& budget) {
@@ -174,7 +183,9 @@ std::string rawProfile(std::string_view name, std::span<const std::byte> bytes) 
   constexpr std::string_view digits = "0123456789abcdef";
   constexpr std::size_t bytesPerLine = 36;
   const std::string count = std::to_string(bytes.size());
-  std::string text(1, '\n');
+  std::string text;
+  text.reserve(name.size() + count.size() + 16 + 2 * bytes.size() + bytes.size() / bytesPerLine);
+  text += '\n';
   text += name;
   text += '\n';
   text.append(count.size() < 8 ? 8 - count.size() : 0, ' ');

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <framework_utility/platform/foundation/data.h>
+#include <framework_utility/platform/imageio/metadata_budget.h>
 #include <framework_utility/platform/imageio/png/png_chunks.h>
 
 #include <cstddef>
@@ -15,7 +16,8 @@ namespace FrameworkUtility::detail {
 /// What all compressed chunks of one file may grow to together. A few kilobytes can hold a gigabyte
 /// of zeros.
 struct InflationBudget {
-  std::size_t bytes = std::size_t{64} << 20;
+  std::size_t bytes = std::size_t{16} << 20;
+  bool isExceeded = false;  ///< A stream was left out.
 };
 
 /// The contents of a zlib stream; absent when it is damaged, cut, or beyond the budget, from which
@@ -32,12 +34,26 @@ std::string_view pngKeyword(std::span<const std::byte> chunk);
 constexpr bool isPngText(std::uint32_t type) {
   return type == pngType("tEXt") || type == pngType("zTXt") || type == pngType("iTXt");
 }
-/// The text of a tEXt, zTXt or iTXt chunk, as UTF-8.
-std::optional<std::string> pngText(std::uint32_t type, std::span<const std::byte> chunk,
-                                   InflationBudget& budget);
+/// A text as its chunk holds it, unpacked.
+struct PngText {
+  Data bytes;
+  bool isLatin1 = false;  ///< Else UTF-8.
+
+  std::string utf8() const;
+  /// Spends what `utf8` takes; false when that is too much.
+  bool isWithin(MetadataBudget& budget) const {
+    return budget.spend(1, isLatin1 ? 2 * bytes.size() : bytes.size());
+  }
+};
+
+/// The text of a tEXt, zTXt or iTXt chunk; it shares the chunk's bytes unless they were packed.
+std::optional<PngText> pngText(std::uint32_t type, const Data& chunk, InflationBudget& budget);
 
 /// The profile of an iCCP chunk.
 std::optional<Data> pngProfile(std::span<const std::byte> chunk, InflationBudget& budget);
+
+/// The part of `whole` from `begin` on, which shares its bytes.
+Data suffix(const Data& whole, std::size_t begin);
 
 // Before there were chunks for metadata, some programs wrote a block as hexadecimal text under
 // "Raw profile type exif" and the like: its name, the number of bytes in decimal, and the digits,

@@ -23,6 +23,8 @@ class PacketText {
     };
     if (beginsWith(mark1, mark2) || beginsWith(zero, bracket)) utf16_ = std::endian::big;
     if (beginsWith(mark2, mark1) || beginsWith(bracket, zero)) utf16_ = std::endian::little;
+    isTooLarge_ = packet.size() > (utf16_ ? largestUtf16Packet : largestXmpPacket);
+    if (isTooLarge_) return;
     if (utf16_) {
       converted_ = utf8FromUtf16(packet, *utf16_).value_or(std::string());
       text_ = converted_;
@@ -34,12 +36,14 @@ class PacketText {
   PacketText& operator=(const PacketText&) = delete;
 
   std::string_view text() const { return text_; }
+  /// Then there is no text.
+  bool isTooLarge() const { return isTooLarge_; }
 
   /// Absent when there is nothing in it that the tables know, or when it does not parse.
-  std::optional<std::vector<XmpProperty>> properties(XmpUse use) const {
+  std::optional<std::vector<XmpProperty>> properties(XmpUse use, MetadataBudget& budget) const {
     if (!mentionsMappedNamespace(text_, use)) return std::nullopt;
     // Some writers end the packet, or its padding, with NUL bytes, which XML does not allow.
-    return parseXmpPacket(text_.substr(0, text_.find_last_not_of('\0') + 1));
+    return parseXmpPacket(text_.substr(0, text_.find_last_not_of('\0') + 1), budget);
   }
 
   std::vector<std::byte> encoded(std::string_view text) const {
@@ -49,8 +53,12 @@ class PacketText {
   }
 
  private:
+  /// It takes several times its size to turn one into UTF-8 and back.
+  static constexpr std::size_t largestUtf16Packet = largestXmpPacket / 4;
+
   std::string converted_;
   std::string_view text_;
+  bool isTooLarge_ = false;
   std::optional<std::endian> utf16_;
 };
 
@@ -66,6 +74,9 @@ class TextEdits {
     std::sort(edits_.begin(), edits_.end(),
               [](const Edit& a, const Edit& b) { return a.range.begin < b.range.begin; });
     std::string out;
+    std::size_t size = text_.size();
+    for (const Edit& edit : edits_) size += edit.text.size();
+    out.reserve(size);
     std::size_t at = 0;
     for (const Edit& edit : edits_) {
       out += text_.substr(at, edit.range.begin - at);
@@ -91,22 +102,32 @@ std::string escaped(std::string_view text) {
   return out;
 }
 
-// `texts` as members of the array that `items` are now, with the first one's tag and the white
-// space that stands between them.
+// `texts` as members of the array that `items` are now, under the first one's name and with the
+// white space that stands between them, as long as those are short: a tag can have attributes, a
+// name or blanks by the megabyte, which must not be there once for each text.
 std::string rewrittenItems(std::string_view packet, const std::vector<XmpItem>& items,
                            const std::vector<std::string>& texts) {
+  constexpr std::size_t enough = 64;
+  constexpr std::string_view blanks = " \t\r\n";
   const XmpItem& first = items.front();
   const std::string_view tag =
       packet.substr(first.element.begin, first.content.begin - first.element.begin);
-  const std::string_view endTag =
-      packet.substr(first.content.end, first.element.end - first.content.end);
+  std::string_view name = tag.substr(0, tag.find_first_of(" \t\r\n/>")).substr(1);
+  std::string_view declaration;
+  if (name.size() > enough || tag.find("xmlns") != tag.npos) {  // of the name's prefix, perhaps
+    name = "rdf:li";
+    declaration = " xmlns:rdf=\"http://www.w3.org/1999/02/22-rdf-syntax-ns#\"";
+  }
   std::string_view between;
   if (items.size() > 1)
     between = packet.substr(first.element.end, items[1].element.begin - first.element.end);
+  if (between.size() > enough || between.find_first_not_of(blanks) != between.npos) between = {};
   std::string out;
   for (const std::string& text : texts) {
     if (!out.empty()) out += between;
-    out.append(tag).append(escaped(text)).append(endTag);
+    out.append("<").append(name).append(declaration).append(">");
+    appendXmlEscaped(out, text);
+    out.append("</").append(name).append(">");
   }
   return out;
 }
@@ -123,9 +144,10 @@ void setTexts(TextEdits& edits, std::string_view packet, const XmpProperty& prop
     return edits.replace({property.items.front().element.begin, property.items.back().element.end},
                          rewrittenItems(packet, property.items, texts));
   // Writers often repeat the default text under the language that it is in; translations stay.
-  const std::string& old = property.defaultItem()->text;
+  const XmpItem& old = *property.defaultItem();
   for (const XmpItem& item : property.items)
-    if (item.text == old) edits.replace(item.content, escaped(texts.front()));
+    if (&item == &old || (item.text == old.text && !property.isLeftOut))
+      edits.replace(item.content, escaped(texts.front()));
 }
 
 // The entry, null when it is missing. The orientation at the top level is the one that counts.
@@ -164,32 +186,44 @@ std::vector<std::string> textsFor(const XmpMapping& mapping, const Dictionary& p
 
 }  // namespace
 
-void readXmp(std::span<const std::byte> packet, Dictionary& properties) {
+Dictionary readXmp(std::span<const std::byte> packet, const Dictionary& properties,
+                   MetadataBudget& budget) {
   const PacketText text(packet);
-  const std::optional<std::vector<XmpProperty>> found = text.properties(XmpUse::reading);
-  if (!found) return;
-
+  if (text.isTooLarge()) budget.leaveOut("XMP");
+  const std::optional<std::vector<XmpProperty>> found = text.properties(XmpUse::reading, budget);
   // Entries that belong together are filled together or not at all, or a latitude of EXIF could
   // meet a hemisphere of XMP. So what is there is judged before anything is added.
   Dictionary added;
+  if (!found) return added;
   for (const XmpProperty& property : *found) {
     const XmpMapping& mapping = *property.mapping;
     if (mapping.dictionary == "{IPTC}" || hasEntries(mapping, properties)) continue;
-    for (const auto& [key, value] : xmpEntries(mapping, property.texts())) {
+    if (property.isLeftOut || !budget.spend(2 + property.items.size(), 0)) {
+      budget.leaveOut(mapping.dictionary);
+      continue;
+    }
+    Dictionary values = xmpEntries(mapping, property.texts());
+    for (const auto& [key, value] : values) {
       Dictionary& entries = added.subdictionary(mapping.dictionary);
-      if (!entries.find(key)) entries.set(key, value);
+      if (!entries.find(key)) entries.set(key, std::move(*values.find(key)));
     }
   }
-  for (const auto& [dictionary, entries] : added)
-    for (const auto& [key, value] : *entries.as<Dictionary>())
-      properties.subdictionary(dictionary).set(key, value);
+  return added;
+}
+
+void addXmp(Dictionary&& entries, Dictionary& properties) {
+  for (const auto& [dictionary, values] : entries)
+    for (const auto& [key, value] : *values.as<Dictionary>())
+      properties.subdictionary(dictionary)
+          .set(key, std::move(*entries.find(dictionary)->as<Dictionary>()->find(key)));
 }
 
 std::vector<std::byte> mergeXmp(std::span<const std::byte> packet, const Dictionary& before,
                                 const Dictionary& after, const PixelFacts& pixels) {
   const PacketText text(packet);
   TextEdits edits(text.text());
-  const std::optional<std::vector<XmpProperty>> found = text.properties(XmpUse::merging);
+  MetadataBudget budget;
+  const std::optional<std::vector<XmpProperty>> found = text.properties(XmpUse::merging, budget);
   if (found) {
     for (const XmpProperty& property : *found) {
       const XmpMapping& mapping = *property.mapping;

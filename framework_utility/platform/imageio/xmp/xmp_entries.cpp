@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
+#include <iterator>
 #include <optional>
 #include <span>
 #include <string_view>
@@ -168,10 +169,10 @@ std::optional<std::string> textOfEntries(XmpForm form, const Entries& entries) {
 
 }  // namespace
 
-Dictionary xmpEntries(const XmpMapping& mapping, const std::vector<std::string>& texts) {
+Dictionary xmpEntries(const XmpMapping& mapping, std::vector<std::string> texts) {
   Dictionary entries;
   if (mapping.key.empty() || texts.empty() || texts.front().empty()) return entries;
-  const std::string& first = texts.front();
+  std::string& first = texts.front();
   const auto setNumber = [&](std::optional<double> number) {
     if (number) entries.set(mapping.key, valueOfNumber(*number));
   };
@@ -181,10 +182,10 @@ Dictionary xmpEntries(const XmpMapping& mapping, const std::vector<std::string>&
   switch (mapping.form) {
     case text:
     case languages:
-      entries.set(mapping.key, first);
+      entries.set(mapping.key, std::move(first));
       break;
     case list:
-      setArray(Array(texts.begin(), texts.end()));
+      setArray(Array(std::make_move_iterator(texts.begin()), std::make_move_iterator(texts.end())));
       break;
     case integer:
     case altitudeRef:

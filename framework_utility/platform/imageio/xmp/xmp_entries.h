@@ -10,7 +10,7 @@ namespace FrameworkUtility::detail {
 
 /// The entries of `mapping.dictionary` for a property's texts; empty when the texts are not of its
 /// form. A property that is no list has one text.
-Dictionary xmpEntries(const XmpMapping& mapping, const std::vector<std::string>& texts);
+Dictionary xmpEntries(const XmpMapping& mapping, std::vector<std::string> texts);
 
 /// The other way: the texts of a property for the entries that `dictionary` holds; empty when they
 /// are missing or cannot be said in XMP.

@@ -173,7 +173,10 @@ std::string without(std::string_view text, const std::vector<TextRange>& ranges)
 /// The property that holds the name.
 std::optional<XmpProperty> extensionNameIn(std::string_view packet) {
   if (packet.find("HasExtendedXMP") == packet.npos) return std::nullopt;
-  for (XmpProperty& property : parseXmpPacket(packet).value_or(std::vector<XmpProperty>()))
+  MetadataBudget budget;
+  std::optional<std::vector<XmpProperty>> properties = parseXmpPacket(packet, budget);
+  if (!properties) return std::nullopt;
+  for (XmpProperty& property : *properties)
     if (property.mapping->form == XmpForm::extensionName) return std::move(property);
   return std::nullopt;
 }

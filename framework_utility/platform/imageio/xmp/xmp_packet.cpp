@@ -20,7 +20,8 @@ enum class Node : std::uint8_t { outside, rdf, description, property, array, ite
 
 class PacketParser : XmlWalk {
  public:
-  explicit PacketParser(std::string_view packet) : XmlWalk(packet) {}
+  PacketParser(std::string_view packet, MetadataBudget& budget)
+      : XmlWalk(packet), budget_(budget) {}
 
   std::optional<std::vector<XmpProperty>> parse() {
     if (!walk()) return std::nullopt;
@@ -96,9 +97,19 @@ class PacketParser : XmlWalk {
   }
 
   void characters(std::string_view text) override {
-    if (path_.empty()) return;
-    if (path_.back() == Node::property) property_.text += text;
-    if (path_.back() == Node::item) property_.items.back().text += text;
+    if (path_.empty() || property_.isLeftOut) return;
+    if (path_.back() == Node::property) add(text, property_.text, property_);
+    if (path_.back() == Node::item) add(text, property_.items.back().text, property_);
+  }
+
+  void add(std::string_view text, std::string& to, XmpProperty& property) {
+    if (budget_.spend(0, text.size())) {
+      to += text;
+      return;
+    }
+    property.isLeftOut = true;
+    property.text = {};
+    for (XmpItem& item : property.items) item.text = {};
   }
 
   // expat gives the attributes less the declarations of namespaces.
@@ -107,15 +118,18 @@ class PacketParser : XmlWalk {
       if (attribute.name == "xmlns" || attribute.name.starts_with("xmlns:")) return;
       if (!attributes[0]) return refuse();
       const XmpMapping* mapping = findXmpMapping(attributes[0]);
-      if (mapping && isWithinCount())
-        properties_.push_back({.mapping = mapping,
-                               .text = attributes[1],
-                               .whole = attribute.whole,
-                               .content = attribute.content});
+      if (mapping && isWithinCount()) {
+        XmpProperty& property = properties_.emplace_back();
+        property.mapping = mapping;
+        property.whole = attribute.whole;
+        property.content = attribute.content;
+        add(attributes[1], property.text, property);
+      }
       attributes += 2;
     });
   }
 
+  MetadataBudget& budget_;
   std::vector<Node> path_;
   XmpProperty property_;  // the one whose element is open
   std::vector<XmpProperty> properties_;
@@ -141,8 +155,10 @@ std::vector<std::string> XmpProperty::texts() const {
   return texts;
 }
 
-std::optional<std::vector<XmpProperty>> parseXmpPacket(std::string_view packet) {
-  return PacketParser(packet).parse();
+std::optional<std::vector<XmpProperty>> parseXmpPacket(std::string_view packet,
+                                                       MetadataBudget& budget) {
+  if (packet.size() > largestXmpPacket) return std::nullopt;
+  return PacketParser(packet, budget).parse();
 }
 
 }  // namespace FrameworkUtility::detail

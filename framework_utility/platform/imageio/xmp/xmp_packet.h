@@ -1,5 +1,6 @@
 #pragma once
 
+#include <framework_utility/platform/imageio/metadata_budget.h>
 #include <framework_utility/platform/imageio/xmp/xml_walk.h>
 #include <framework_utility/platform/imageio/xmp/xmp_mapping.h>
 
@@ -33,6 +34,8 @@ struct XmpProperty {
   /// Whether other text may stand at `content` or in the items: it is no structure, and has tags of
   /// its own to write between.
   bool isEditable = true;
+  /// Its texts did not fit in the budget: all are empty.
+  bool isLeftOut = false;
 
   /// The items' texts, or the one text.
   std::vector<std::string> texts() const;
@@ -40,9 +43,12 @@ struct XmpProperty {
   const XmpItem* defaultItem() const;
 };
 
+inline constexpr std::size_t largestXmpPacket = std::size_t{8} << 20;
+
 /// The properties of the tables in a UTF-8 packet, in its order: those at the top of an
 /// rdf:Description, as attributes and as elements. Absent for a packet that cannot be walked over
-/// or has more than 65,536 properties and items.
-std::optional<std::vector<XmpProperty>> parseXmpPacket(std::string_view packet);
+/// or has more than `largestXmpPacket` bytes or 65,536 properties and items.
+std::optional<std::vector<XmpProperty>> parseXmpPacket(std::string_view packet,
+                                                       MetadataBudget& budget);
 
 }  // namespace FrameworkUtility::detail
