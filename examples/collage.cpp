@@ -1,77 +1,115 @@
-// collage FILE: draws a collage of seven cells, their borders and bisectors as an SVG file.
+// collage FILE.svg [PHOTO...]: draws a collage of seven cells, their borders and bisectors as SVG,
+// and beside it, as FILE.png, the collage itself: the photos in turn, each cut to its cell.
 
 #include <framework_utility/geometry/collage_shape_side.h>
+#include <framework_utility/geometry/math.h>
+#include <framework_utility/imageio/image_writer.h>
+#include <framework_utility/platform/graphics/ui_graphics_image_renderer.h>
+#include <framework_utility/platform/graphics/ui_image_drawing.h>
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdlib>
 #include <fstream>
 #include <iostream>
+#include <string>
 #include <vector>
 
 using namespace FrameworkUtility;
 
 namespace {
 
-struct Cell {
-  std::vector<Point> corners;
-  const char* sky;
-  const char* land;
+using Polygon = std::vector<Point>;
+constexpr Size size{720, 480};
+const Point a{300, 130}, b{450, 110}, c{520, 250}, d{400, 360}, e{250, 290};
+const Polygon cells[] = {{{0, 0}, {250, 0}, a, e, {0, 220}},
+                         {{250, 0}, {500, 0}, b, a},
+                         {{500, 0}, {720, 0}, {720, 270}, c, b},
+                         {c, {720, 270}, {720, 480}, {430, 480}, d},
+                         {e, d, {430, 480}, {180, 480}},
+                         {{0, 220}, e, {180, 480}, {0, 480}},
+                         {a, b, c, d, e}};
+
+/// What a border of 12 points leaves of a cell, and the lines that halve its corners.
+struct Frame {
+  explicit Frame(const Polygon& cell) {
+    Point middle;
+    for (const Point corner : cell) {
+      middle.x += corner.x / static_cast<double>(cell.size());
+      middle.y += corner.y / static_cast<double>(cell.size());
+    }
+    for (std::size_t i = 0; i < cell.size(); ++i) {
+      sides.emplace_back(cell[i], cell[(i + 1) % cell.size()]).averagePoint = middle;
+      sides.back().calculateBorderWithThickness(12);
+    }
+    for (std::size_t i = 0; i < sides.size(); ++i) {
+      const KvCollageShapeSide& previous = sides[(i + sides.size() - 1) % sides.size()];
+      sides[i].calculateBissectrice(previous);
+      const auto corner = sides[i].parallele->intersectionPointWithSegment(*previous.parallele);
+      inside.push_back(corner.value_or(cell[i]));
+    }
+  }
+
+  Polygon inside;
+  std::vector<KvCollageShapeSide> sides;
 };
 
-const Point a{300, 130}, b{450, 110}, c{520, 250}, d{400, 360}, e{250, 290};
-const Cell cells[] = {{{{0, 0}, {250, 0}, a, e, {0, 220}}, "#f6b26b", "#8c5a66"},
-                      {{{250, 0}, {500, 0}, b, a}, "#8fcbe4", "#3f8f8c"},
-                      {{{500, 0}, {720, 0}, {720, 270}, c, b}, "#f2bccb", "#a4638f"},
-                      {{c, {720, 270}, {720, 480}, {430, 480}, d}, "#b4d488", "#557f4a"},
-                      {{e, d, {430, 480}, {180, 480}}, "#f0d06a", "#b97b3d"},
-                      {{{0, 220}, e, {180, 480}, {0, 480}}, "#a9c1ee", "#4c62a5"},
-                      {{a, b, c, d, e}, "#ffbf7f", "#d9604f"}};
-
-std::ostream& operator<<(std::ostream& svg, const std::vector<Point>& corners) {
+std::ostream& operator<<(std::ostream& svg, const Polygon& corners) {
   for (const Point corner : corners) svg << corner.x << ',' << corner.y << ' ';
   return svg;
 }
 
-void drawCell(std::ostream& svg, const Cell& cell, std::size_t number) {
-  const std::size_t count = cell.corners.size();
-  Point middle;
-  for (const Point corner : cell.corners) {
-    middle.x += corner.x / static_cast<double>(count);
-    middle.y += corner.y / static_cast<double>(count);
+void drawSvg(std::ostream& svg) {
+  svg << "<svg xmlns='http://www.w3.org/2000/svg' viewBox='0 0 720 480'>\n";
+  for (const Polygon& cell : cells) {
+    const Frame frame(cell);
+    svg << "<polygon points='" << cell << "' fill='#fffdf8' stroke='#c9c4ba'/>\n<polygon points='"
+        << frame.inside << "' fill='#8fcbe4'/>\n";
+    for (const KvCollageShapeSide& side : frame.sides)
+      svg << "<polyline stroke='#d6336c' stroke-width='1.5' points='"
+          << Polygon{side.bissectrice->p1, side.bissectrice->locatePointOnStart(44)} << "'/>\n";
   }
-  std::vector<KvCollageShapeSide> sides;
-  for (std::size_t i = 0; i < count; ++i) {
-    KvCollageShapeSide& side = sides.emplace_back(cell.corners[i], cell.corners[(i + 1) % count]);
-    side.averagePoint = middle;
-    side.calculateBorderWithThickness(12);
-  }
-  std::vector<Point> inner;
-  for (std::size_t i = 0; i < count; ++i) {
-    const KvCollageShapeSide& previous = sides[(i + count - 1) % count];
-    sides[i].calculateBissectrice(previous);
-    const auto corner = sides[i].parallele->intersectionPointWithSegment(*previous.parallele);
-    inner.push_back(corner.value_or(cell.corners[i]));
-  }
+  svg << "</svg>\n" << std::flush;
+}
 
-  svg << "<clipPath id='c" << number << "'><polygon points='" << inner << "'/></clipPath>\n"
-      << "<polygon points='" << cell.corners << "' fill='#fffdf8' stroke='#c9c4ba'/>\n"
-      << "<g clip-path='url(#c" << number << ")'><g transform='translate(" << middle.x << ' '
-      << middle.y << ")'><rect x='-300' y='-300' width='600' height='600' fill='" << cell.sky
-      << "'/><circle cx='24' cy='-22' r='26' fill='#fff6dc'/><g fill='" << cell.land
-      << "'><ellipse cx='90' cy='85' rx='160' ry='70' fill-opacity='.6'/>"
-      << "<ellipse cx='-70' cy='95' rx='180' ry='90'/></g></g></g>\n";
-  for (const KvCollageShapeSide& side : sides)
-    svg << "<polyline stroke='#d6336c' stroke-width='1.5' points='"
-        << std::vector{side.bissectrice->p1, side.bissectrice->locatePointOnStart(44)} << "'/>\n";
+/// Each photo covers the rect about its cell, and the cell cuts it out; without photos, colours.
+void drawCollage(CGContext& context, const std::vector<UIImage>& photos) {
+  context.setFillColor({{1, 0.99, 0.97, 1}});
+  context.fillRect(Rect::rect(size));
+  for (std::size_t i = 0; i < std::size(cells); ++i) {
+    const Polygon inside = Frame(cells[i]).inside;
+    Rect box = Rect::rect(inside[0], inside[1]);
+    for (const Point p : inside)
+      box = Rect::rect({std::min(box.minX(), p.x), std::min(box.minY(), p.y)},
+                       {std::max(box.maxX(), p.x), std::max(box.maxY(), p.y)});
+    context.saveGState();
+    context.clipToPolygon(inside);
+    if (photos.empty()) {
+      context.setFillColor({{0.5, 0.5 + 0.07 * static_cast<double>(i), 0.8, 1}});
+      context.fillRect(box);
+    } else {
+      const UIImage& photo = photos[i % photos.size()];
+      const Size shown = Math::makeSizeWithAspectRatioOutsideSize(photo.size(), box.size);
+      drawInRect(photo, context,
+                 {{box.midX() - shown.width / 2, box.midY() - shown.height / 2}, shown});
+    }
+    context.restoreGState();
+  }
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
-  std::ofstream svg(argc == 2 ? argv[1] : "collage.svg");
-  svg << "<svg xmlns='http://www.w3.org/2000/svg' viewBox='0 0 720 480'>\n";
-  for (std::size_t i = 0; i < std::size(cells); ++i) drawCell(svg, cells[i], i);
-  svg << "</svg>\n" << std::flush;
-  if (!svg) std::cerr << "collage: the file cannot be written\n";
-  return svg ? EXIT_SUCCESS : EXIT_FAILURE;
+  const std::string name = argc > 1 ? argv[1] : "collage.svg";
+  std::vector<UIImage> photos;
+  for (int i = 2; i < argc; ++i)
+    if (const auto photo = UIImage::withContentsOfFile(argv[i])) photos.push_back(*photo);
+
+  std::ofstream svg(name);
+  drawSvg(svg);
+  const auto collage = UIGraphicsImageRenderer(size, {.scale = 2, .opaque = true})
+                           .imageWithActions([&](CGContext& it) { drawCollage(it, photos); });
+  const bool isWritten = svg && collage && writeToPath(*collage, name, {.uti = UTTypePNG});
+  if (!isWritten) std::cerr << "collage: the files cannot be written\n";
+  return isWritten ? EXIT_SUCCESS : EXIT_FAILURE;
 }

@@ -1,21 +1,33 @@
 #include <framework_utility/platform/graphics/cg_context.h>
 
+#include <framework_utility/platform/graphics/bitmap_memory.h>
 #include <framework_utility/platform/graphics/gradient_fill.h>
-#include <framework_utility/platform/graphics/gradient_kernels.h>
-#include <framework_utility/platform/graphics/pixel_buffer.h>
-#include <framework_utility/platform/graphics/pixel_word.h>
+#include <framework_utility/platform/graphics/masked_drawing.h>
 #include <framework_utility/platform/graphics/rgba_rows.h>
 
+#include <algorithm>
 #include <cstdint>
-#include <cstring>
 #include <utility>
-#include <vector>
 
 namespace FrameworkUtility {
+
+using detail::BitmapMemory;
+using detail::Coverage;
+using detail::GradientFill;
 
 namespace {
 
 constexpr std::size_t bytesPerPixel = 4;
+
+/// First `b`, then `a`.
+AffineTransform concatenated(const AffineTransform& a, const AffineTransform& b) {
+  return {a.a * b.a + a.c * b.b, a.b * b.a + a.d * b.b,          a.a * b.c + a.c * b.d,
+          a.b * b.c + a.d * b.d, a.a * b.tx + a.c * b.ty + a.tx, a.b * b.tx + a.d * b.ty + a.ty};
+}
+
+Point mapped(Point p, const AffineTransform& t) {
+  return {t.a * p.x + t.c * p.y + t.tx, t.b * p.x + t.d * p.y + t.ty};
+}
 
 bool canHold(CGImageAlphaInfo alphaInfo) {
   return alphaInfo == CGImageAlphaInfo::premultipliedLast ||
@@ -33,59 +45,15 @@ CGImageLayout tightLayout(std::size_t width, std::size_t height, CGImageAlphaInf
 
 }  // namespace
 
-/// The pixels: the caller's, or own ones that are shared with an image once one is made.
-class CGContext::Memory {
- public:
-  explicit Memory(std::span<std::byte> memory)
-      : pixels_(reinterpret_cast<std::uint8_t*>(memory.data())), isClear_(false) {}
-  explicit Memory(detail::PixelBuffer&& buffer)
-      : own_(std::move(buffer)), pixels_(own_->data()), isClear_(true) {}
-
-  /// Whether the pixels are still to be cleared, which is put off while it may not be needed.
-  bool isClear() const { return isClear_; }
-
-  /// Pixels to be overwritten as a whole, or else to be drawn upon; null when memory is short.
-  std::uint8_t* pixels(const CGImageLayout& layout, bool overwritesAll) {
-    if (shared_) {
-      own_ = detail::PixelBuffer::allocate(layout.height, layout.bytesPerRow);
-      if (!own_) return nullptr;
-      if (!overwritesAll) std::memcpy(own_->data(), shared_->data(), shared_->size());
-      pixels_ = own_->data();
-      shared_.reset();
-    } else if (isClear_ && !overwritesAll) {
-      const std::uint32_t opaque = layout.alphaInfo == CGImageAlphaInfo::noneSkipLast ? 255 : 0;
-      detail::fillRun(detail::wordOf(0, 0, 0, opaque), pixels_, layout.width * layout.height);
-    }
-    isClear_ = false;
-    return pixels_;
-  }
-
-  /// The pixels as they are now; absent when memory is short.
-  std::optional<Data> share(const CGImageLayout& layout) {
-    if (shared_) return shared_;
-    const std::uint8_t* const now = pixels(layout, false);
-    if (own_) {
-      shared_ = std::move(*own_).share();
-      own_.reset();
-      return shared_;
-    }
-    auto copy = detail::PixelBuffer::allocate(layout.height, layout.bytesPerRow);
-    if (!copy) return std::nullopt;
-    std::memcpy(copy->data(), now, copy->size());
-    return std::move(*copy).share();
-  }
-
- private:
-  std::optional<detail::PixelBuffer> own_;
-  std::optional<Data> shared_;
-  std::uint8_t* pixels_;
-  bool isClear_;
+struct CGContext::State {
+  AffineTransform ctm;
+  RGBA fillColor;
+  std::shared_ptr<const Coverage> clip;  // null: the whole bitmap
 };
 
-CGContext::CGContext(const CGImageLayout& layout, std::unique_ptr<Memory> memory)
+CGContext::CGContext(const CGImageLayout& layout, std::unique_ptr<BitmapMemory> memory)
     : layout_(layout), memory_(std::move(memory)) {
-  ctm_.d = -1;
-  ctm_.ty = static_cast<double>(layout.height);
+  states_.push_back({{1, 0, 0, -1, 0, static_cast<double>(layout.height)}, {}, nullptr});
 }
 
 CGContext::~CGContext() = default;
@@ -95,8 +63,8 @@ std::unique_ptr<CGContext> CGContext::createBitmap(std::size_t width, std::size_
   if (!canHold(alphaInfo) || width > detail::maximumPixelBytes) return nullptr;
   auto pixels = detail::PixelBuffer::allocate(height, width * bytesPerPixel);
   if (!pixels) return nullptr;
-  return std::unique_ptr<CGContext>(new CGContext(tightLayout(width, height, alphaInfo),
-                                                  std::make_unique<Memory>(std::move(*pixels))));
+  return std::unique_ptr<CGContext>(new CGContext(
+      tightLayout(width, height, alphaInfo), std::make_unique<BitmapMemory>(std::move(*pixels))));
 }
 
 std::unique_ptr<CGContext> CGContext::createBitmapWithData(std::span<std::byte> memory,
@@ -112,28 +80,101 @@ std::unique_ptr<CGContext> CGContext::createBitmapWithData(std::span<std::byte> 
       layout.height > memory.size() / layout.bytesPerRow) {
     return nullptr;
   }
-  return std::unique_ptr<CGContext>(new CGContext(layout, std::make_unique<Memory>(memory)));
+  return std::unique_ptr<CGContext>(new CGContext(layout, std::make_unique<BitmapMemory>(memory)));
 }
 
-void CGContext::concatCTM(const AffineTransform& t) {
-  const AffineTransform& m = ctm_;
-  ctm_ = {m.a * t.a + m.c * t.b, m.b * t.a + m.d * t.b,          m.a * t.c + m.c * t.d,
-          m.b * t.c + m.d * t.d, m.a * t.tx + m.c * t.ty + m.tx, m.b * t.tx + m.d * t.ty + m.ty};
+AffineTransform CGContext::ctm() const { return states_.back().ctm; }
+
+void CGContext::concatCTM(const AffineTransform& transform) {
+  states_.back().ctm = concatenated(states_.back().ctm, transform);
+}
+
+void CGContext::saveGState() { states_.push_back(State(states_.back())); }
+
+void CGContext::restoreGState() {
+  if (states_.size() > 1) states_.pop_back();
+}
+
+void CGContext::setFillColor(const CGColor& color) { states_.back().fillColor = color.components; }
+
+std::optional<Coverage> CGContext::insideOf(const std::vector<Point>& corners) const {
+  if (std::max(layout_.width, layout_.height) > detail::pixmanLongestSide) return std::nullopt;
+  const State& state = states_.back();
+  std::vector<Point> pixels;
+  for (const Point& corner : corners) pixels.push_back(mapped(corner, state.ctm));
+  std::optional<Coverage> inside = Coverage::ofPolygon(
+      pixels, {0, 0, static_cast<int>(layout_.width), static_cast<int>(layout_.height)});
+  return inside && state.clip ? inside->intersected(*state.clip) : std::move(inside);
+}
+
+void CGContext::clipToPolygon(const std::vector<Point>& corners) {
+  std::optional<Coverage> inside = insideOf(corners);
+  if (inside)
+    states_.back().clip = std::make_shared<const Coverage>(std::move(*inside));
+  else
+    isIncomplete_ = true;
+}
+
+/// `draw` is given the bitmap and what of it to draw on, and answers whether it could.
+template <class Draw>
+void CGContext::drawInside(const Coverage& where, const Draw& draw) {
+  if (where.box().isEmpty()) return;
+  std::uint8_t* const pixels = memory_->pixels(layout_, false);
+  const detail::DrawnBitmap bitmap{{pixels, layout_.width, layout_.height, layout_.bytesPerRow},
+                                   detail::carriesAlpha(layout_.alphaInfo)};
+  if (!pixels || !draw(bitmap, where)) isIncomplete_ = true;
+}
+
+template <class Draw>
+void CGContext::drawInside(const Rect& rect, const Draw& draw) {
+  const std::optional<Coverage> where = insideOf({{rect.minX(), rect.minY()},
+                                                  {rect.maxX(), rect.minY()},
+                                                  {rect.maxX(), rect.maxY()},
+                                                  {rect.minX(), rect.maxY()}});
+  if (where)
+    drawInside(*where, draw);
+  else
+    isIncomplete_ = true;
+}
+
+void CGContext::fillRect(const Rect& rect) {
+  drawInside(rect, [&](const detail::DrawnBitmap& bitmap, const Coverage& where) {
+    return detail::drawColor(bitmap, states_.back().fillColor, where);
+  });
+}
+
+void CGContext::drawImage(const CGImage& image, const Rect& rect) {
+  const double right = rect.width() / static_cast<double>(image.width());
+  const double down = -rect.height() / static_cast<double>(image.height());
+  const AffineTransform toPixels =
+      concatenated(ctm(), {right, 0, 0, down, rect.minX(), rect.maxY()});
+  drawInside(rect, [&](const detail::DrawnBitmap& bitmap, const Coverage& where) {
+    return detail::drawImage(bitmap, image, toPixels, where);
+  });
 }
 
 void CGContext::drawLinearGradient(const CGGradient& gradient, Point start, Point end) {
-  draw(detail::GradientFill::linear(gradient, start, end, ctm_), gradient.isOpaque());
+  draw(GradientFill::linear(gradient, start, end, ctm()), gradient.isOpaque());
 }
 
 void CGContext::drawRadialGradient(const CGGradient& gradient, Point center, double radius) {
-  draw(detail::GradientFill::radial(gradient, center, radius, ctm_), gradient.isOpaque());
+  draw(GradientFill::radial(gradient, center, radius, ctm()), gradient.isOpaque());
 }
 
-void CGContext::draw(const std::optional<detail::GradientFill>& fill, bool isOpaque) {
+void CGContext::draw(const std::optional<GradientFill>& fill, bool isOpaque) {
   if (!fill) return;
+  if (const auto clip = states_.back().clip) {
+    drawInside(*clip, [&](const detail::DrawnBitmap& bitmap, const Coverage& where) {
+      return detail::drawGradient(bitmap, *fill, where);
+    });
+    return;
+  }
   const bool overwritesAll = isOpaque || memory_->isClear();
   std::uint8_t* const pixels = memory_->pixels(layout_, overwritesAll);
-  if (!pixels) return;
+  if (!pixels) {
+    isIncomplete_ = true;
+    return;
+  }
   const detail::PixelRows rows{pixels, layout_.width, layout_.height, layout_.bytesPerRow};
   if (overwritesAll) {
     fill->fill(rows);
@@ -147,7 +188,7 @@ void CGContext::draw(const std::optional<detail::GradientFill>& fill, bool isOpa
 }
 
 std::optional<CGImage> CGContext::createImage() {
-  const std::optional<Data> pixels = memory_->share(layout_);
+  const std::optional<Data> pixels = isIncomplete_ ? std::nullopt : memory_->share(layout_);
   return pixels ? CGImage::create(layout_, CGColorSpace::createDeviceRGB(), *pixels) : std::nullopt;
 }
 

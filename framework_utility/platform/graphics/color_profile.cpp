@@ -1,5 +1,6 @@
 #include <framework_utility/platform/graphics/color_profile.h>
 
+#include <algorithm>
 #include <array>
 #include <cstdint>
 #include <cstdlib>
@@ -44,6 +45,7 @@ using Curve = Owned<cmsToneCurve, cmsFreeToneCurve>;
 using Texts = Owned<cmsMLU, cmsMLUfree>;
 // The library's handle is a plain pointer to void.
 using Profile = Owned<void, cmsCloseProfile>;
+using Transform = Owned<void, cmsDeleteTransform>;
 
 /// A context of our own, so that neither errors nor plug-ins are shared with the app.
 Context makeContext() {
@@ -185,6 +187,26 @@ std::optional<ColorProfile> readColorProfile(std::span<const std::byte> bytes) {
   const CGColorSpaceModel model = modelOf(signature);
   if (model == CGColorSpaceModel::unknown) return std::nullopt;
   return ColorProfile{model, cmsChannelsOf(signature), descriptionOf(profile.get())};
+}
+
+bool convertToSRGB(std::span<const std::byte> bytes, std::uint8_t* pixels, std::size_t count) {
+  const Context context = makeContext();
+  if (!context || bytes.size() > maximumProfileBytes) return false;
+  const Profile from(cmsOpenProfileFromMemTHR(context.get(), bytes.data(),
+                                              static_cast<cmsUInt32Number>(bytes.size())));
+  const Profile to(cmsCreate_sRGBProfileTHR(context.get()));
+  if (!from || !to || cmsGetColorSpace(from.get()) != cmsSigRgbData) return false;
+  const Transform transform(cmsCreateTransformTHR(context.get(), from.get(), TYPE_RGBA_8, to.get(),
+                                                  TYPE_RGBA_8, INTENT_PERCEPTUAL,
+                                                  cmsFLAGS_COPY_ALPHA));
+  if (!transform) return false;
+  constexpr std::size_t atOnce = std::size_t{1} << 24;  // the library counts in 32 bits
+  for (std::size_t done = 0; done < count; done += atOnce) {
+    std::uint8_t* const some = pixels + 4 * done;
+    cmsDoTransform(transform.get(), some, some,
+                   static_cast<cmsUInt32Number>(std::min(atOnce, count - done)));
+  }
+  return true;
 }
 
 Data makeSRGBProfile() {

@@ -4,6 +4,7 @@
 #include <framework_utility/platform/graphics/color_space.h>
 
 #include <cstddef>
+#include <cstdint>
 #include <optional>
 #include <span>
 #include <string>
@@ -23,6 +24,11 @@ struct ColorProfile {
 /// Absent when the bytes are no profile, or one that describes no pixels (such as a device link) or
 /// lacks what converting them takes.
 std::optional<ColorProfile> readColorProfile(std::span<const std::byte> bytes);
+
+/// Pixels of 8-bit red, green, blue and straight alpha, which stays, from the profile's space into
+/// sRGB: perceptual where the profile has a table for it. False, with the pixels as they were, when
+/// the profile cannot be used or is none of RGB.
+bool convertToSRGB(std::span<const std::byte> profile, std::uint8_t* pixels, std::size_t count);
 
 // Profiles of the spaces that have a name. The bytes are the same in every process.
 

@@ -1,0 +1,254 @@
+#include <framework_utility/platform/graphics/cg_context.h>
+
+#include <framework_utility/platform/graphics/image_transform.h>
+#include <framework_utility/platform/graphics/rgba_rows.h>
+#include <framework_utility/platform/graphics/ui_graphics_image_renderer.h>
+#include <framework_utility/platform/graphics/ui_image_drawing.h>
+#include <tests/platform/graphics/pictures.h>
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <cmath>
+#include <limits>
+#include <numbers>
+#include <random>
+
+namespace FrameworkUtility {
+namespace {
+
+using testing::dataOf;
+using testing::layoutOf;
+using testing::noise;
+using enum CGImageAlphaInfo;
+
+using Pixel = std::array<int, 4>;
+
+const CGColor white{{1, 1, 1, 1}};
+
+/// A context whose points begin at the top left.
+std::unique_ptr<CGContext> contextOf(std::size_t width, std::size_t height) {
+  auto context = CGContext::createBitmap(width, height);
+  context->concatCTM({1, 0, 0, -1, 0, static_cast<double>(height)});
+  return context;
+}
+
+std::vector<std::uint8_t> pixelsOf(CGContext& context) {
+  const auto image = context.createImage();
+  return image ? testing::bytesOf(image->pixels()) : std::vector<std::uint8_t>();
+}
+
+Pixel pixelAt(CGContext& context, std::size_t x, std::size_t y) {
+  const auto pixels = pixelsOf(context);
+  const std::uint8_t* p = pixels.data() + y * context.layout().bytesPerRow + 4 * x;
+  return {p[0], p[1], p[2], p[3]};
+}
+
+CGImage noiseImage(std::size_t width, std::size_t height, std::uint32_t seed = 1,
+                   const CGColorSpace& space = CGColorSpace::createDeviceRGB()) {
+  return *CGImage::create(layoutOf(width, height, 4, noneSkipLast), space,
+                          dataOf(noise(width * height * 4, seed)));
+}
+
+TEST(CGContextDrawingTest, RectsFillWhatTheyCover) {
+  const auto context = contextOf(8, 4);
+  context->setFillColor({{1, 0, 0.5, 1}});
+  context->fillRect({1, 1, 2.5, 2});
+  EXPECT_EQ(pixelAt(*context, 1, 1), (Pixel{255, 0, 128, 255}));
+  EXPECT_EQ(pixelAt(*context, 0, 1), (Pixel{0, 0, 0, 0}));
+  EXPECT_EQ(pixelAt(*context, 1, 3), (Pixel{0, 0, 0, 0}));
+  EXPECT_NEAR(pixelAt(*context, 3, 1)[3], 128, 8);  // half a pixel, on a grid of samples
+  // A negative side is read as the standardised rect; blending is over what is there.
+  context->setFillColor({{0, 2, -1, 0.5}});
+  context->fillRect({3, 3, -2, -2});
+  EXPECT_EQ(pixelAt(*context, 2, 2), (Pixel{127, 128, 64, 255}));
+}
+
+TEST(CGContextDrawingTest, CellsThatMeetLeaveNoPixelUncoveredAndNoneTwice) {
+  std::mt19937 random(3);
+  std::uniform_real_distribution<> place(-20, 80);
+  for (int round = 0; round < 50; ++round) {
+    const Point middle{place(random), place(random)};
+    const std::vector<Point> corners{{-30, -30}, {90, -30}, {90, 90}, {-30, 90}};
+    std::vector<int> sum(64 * 64);
+    for (std::size_t i = 0; i < corners.size(); ++i) {
+      const auto context = contextOf(64, 64);
+      context->clipToPolygon({corners[i], corners[(i + 1) % corners.size()], middle});
+      context->setFillColor(white);
+      context->fillRect({-100, -100, 300, 300});
+      const auto pixels = pixelsOf(*context);
+      for (std::size_t p = 0; p < sum.size(); ++p)
+        // Outside the fan a triangle that lies the wrong way round counts against the others.
+        sum[p] += pixels[4 * p + 3];
+    }
+    const bool isInside = middle.x > -30 && middle.x < 90 && middle.y > -30 && middle.y < 90;
+    ASSERT_TRUE(isInside);
+    for (const int covered : sum) ASSERT_EQ(covered, 255);
+  }
+}
+
+TEST(CGContextDrawingTest, WindingTellsInsideFromOutside) {
+  const auto context = contextOf(100, 100);
+  std::vector<Point> star;  // five points, drawn in one go: its middle is gone round twice
+  for (int i = 0; i < 5; ++i) {
+    const double angle = 4 * std::numbers::pi / 5 * i;
+    star.push_back({50 + 45 * std::sin(angle), 50 - 45 * std::cos(angle)});
+  }
+  context->clipToPolygon(star);
+  // Twice round one way and once the other: still inside.
+  context->clipToPolygon({{0, 0},
+                          {100, 0},
+                          {100, 100},
+                          {0, 100},
+                          {0, 0},
+                          {100, 0},
+                          {100, 100},
+                          {0, 100},
+                          {0, 0},
+                          {50, 100},
+                          {100, 0}});
+  context->setFillColor(white);
+  context->fillRect({0, 0, 100, 100});
+  for (const auto& [x, y, alpha] :
+       {std::array{50, 50, 255}, {50, 10, 255}, {50, 80, 0}, {10, 10, 0}, {15, 39, 255}}) {
+    EXPECT_EQ(pixelAt(*context, static_cast<std::size_t>(x), static_cast<std::size_t>(y))[3], alpha)
+        << x << ' ' << y;
+  }
+}
+
+TEST(CGContextDrawingTest, ImagesInPlaceKeepTheirBytes) {
+  const CGImage image = noiseImage(13, 7);
+  for (const UIImageOrientation orientation :
+       {UIImageOrientation::up, UIImageOrientation::down, UIImageOrientation::left,
+        UIImageOrientation::right, UIImageOrientation::upMirrored, UIImageOrientation::downMirrored,
+        UIImageOrientation::leftMirrored, UIImageOrientation::rightMirrored}) {
+    constexpr std::size_t exif[] = {1, 3, 8, 6, 2, 4, 5, 7};
+    const UIImage turned(image, 1, orientation);
+    const auto upright = detail::rgbaPixels(
+        *detail::uprightImage(image, exif[static_cast<std::size_t>(orientation)]),
+        detail::AlphaForm::premultiplied);
+    const auto drawn = UIGraphicsImageRenderer(turned.size(), {.scale = 1})
+                           .imageWithActions([&](CGContext& context) {
+                             drawInRect(turned, context, Rect::rect(turned.size()));
+                           });
+    ASSERT_EQ(testing::bytesOf(drawn->cgImage()->pixels()),
+              std::vector(upright->data(), upright->data() + upright->size()))
+        << static_cast<int>(orientation);
+  }
+}
+
+TEST(CGContextDrawingTest, ReducedImagesAreAveragesAndEnlargedOnesLines) {
+  const CGImage large = noiseImage(300, 200);
+  const auto context = contextOf(40, 30);
+  drawInRect(UIImage(large), *context, {3, 5, 30, 20});
+  const auto average = detail::reducedImage(large, 30);
+  const auto expected = testing::bytesOf(average->pixels());
+  for (std::size_t y = 0; y < 20; ++y)
+    for (std::size_t x = 0; x < 30; ++x)
+      for (std::size_t c = 0; c < 3; ++c)
+        ASSERT_NEAR(pixelsOf(*context)[4 * ((y + 5) * 40 + x + 3) + c],
+                    expected[4 * (y * 30 + x) + c], 1);
+
+  // Black and white, stretched: grey between their middles, no seam of the clear ground at the
+  // edge.
+  const CGImage pair =
+      *CGImage::create(layoutOf(2, 1, 1, none), CGColorSpace::createDeviceGray(), dataOf({0, 255}));
+  const auto wide = contextOf(8, 1);
+  drawInRect(UIImage(pair), *wide, {0, 0, 8, 1});
+  const int ramp[] = {0, 0, 32, 96, 159, 223, 255, 255};
+  for (std::size_t x = 0; x < 8; ++x) EXPECT_NEAR(pixelAt(*wide, x, 0)[0], ramp[x], 1) << x;
+  EXPECT_EQ(pixelAt(*wide, 0, 0)[3], 255);
+}
+
+TEST(CGContextDrawingTest, TurnedImagesShowTheSamePlaces) {
+  // Red grows to the right and green downwards, so that a colour tells where it is from.
+  constexpr std::size_t side = 100;
+  std::vector<std::uint8_t> bytes;
+  for (std::size_t y = 0; y < side; ++y)
+    for (std::size_t x = 0; x < side; ++x)
+      for (const std::size_t c : {2 * x, 2 * y, std::size_t{0}, std::size_t{255}})
+        bytes.push_back(static_cast<std::uint8_t>(c));
+  const CGImage image = *CGImage::create(layoutOf(side, side, 4, premultipliedLast),
+                                         CGColorSpace::createDeviceRGB(), dataOf(bytes));
+  const auto context = contextOf(200, 200);
+  const double c = std::cos(0.4), s = std::sin(0.4);
+  context->saveGState();
+  context->concatCTM({1.3 * c, 1.3 * s, -1.3 * s, 1.3 * c, 70, 20});
+  drawInRect(UIImage(image), *context, {0, 0, side, side});
+  context->restoreGState();
+  for (const Point p : {Point{50, 50}, {10, 80}, {90, 15}}) {
+    const Pixel pixel = pixelAt(*context, static_cast<std::size_t>(70 + 1.3 * (c * p.x - s * p.y)),
+                                static_cast<std::size_t>(20 + 1.3 * (s * p.x + c * p.y)));
+    EXPECT_NEAR(pixel[0], 2 * p.x, 3);
+    EXPECT_NEAR(pixel[1], 2 * p.y, 3);
+    EXPECT_EQ(pixel[3], 255);
+  }
+}
+
+TEST(CGContextDrawingTest, ColoursAreBroughtIntoTheContextsSpace) {
+  const CGColorSpace p3 = *CGColorSpace::createWithName(kCGColorSpaceDisplayP3);
+  for (const auto alphaInfo : {noneSkipLast, premultipliedLast}) {
+    const CGImage image =
+        *CGImage::create(layoutOf(1, 1, 4, alphaInfo), p3, dataOf({100, 50, 50, 128}));
+    const auto context = contextOf(1, 1);
+    drawInRect(UIImage(image), *context, {0, 0, 1, 1});
+    const Pixel pixel = pixelAt(*context, 0, 0);
+    EXPECT_GT(pixel[0], 104);  // Display P3's red is the stronger one
+    EXPECT_LT(pixel[1], 50);
+    EXPECT_EQ(pixel[3], alphaInfo == noneSkipLast ? 255 : 128);
+  }
+}
+
+TEST(CGContextDrawingTest, GradientsStayWithinTheClip) {
+  const CGGradient gradient =
+      *CGGradient::createWithColors({{{1, 0, 0, 1}}, {{0, 0, 1, 0.3}}}, {0, 1});
+  const auto whole = contextOf(50, 40), part = contextOf(50, 40);
+  whole->drawLinearGradient(gradient, {0, 0}, {50, 40});
+  part->saveGState();
+  part->clipToPolygon({{10, 10}, {30, 10}, {30, 25}, {10, 25}});
+  part->drawLinearGradient(gradient, {0, 0}, {50, 40});
+  EXPECT_EQ(pixelAt(*part, 20, 20), pixelAt(*whole, 20, 20));
+  EXPECT_EQ(pixelAt(*part, 9, 20), (Pixel{0, 0, 0, 0}));
+  EXPECT_EQ(pixelAt(*part, 20, 25), (Pixel{0, 0, 0, 0}));
+  part->restoreGState();
+  part->restoreGState();  // one too many changes nothing
+  part->drawLinearGradient(gradient, {0, 0}, {50, 40});
+  EXPECT_EQ(pixelAt(*part, 49, 39), pixelAt(*whole, 49, 39));
+}
+
+TEST(CGContextDrawingTest, RowsThatAreNotWordsAreDrawnIntoToo) {
+  std::vector<std::byte> memory(1 + 3 * 23);
+  CGImageLayout layout = layoutOf(5, 3, 4, noneSkipLast);
+  layout.bytesPerRow = 23;
+  const auto context = CGContext::createBitmapWithData(std::span(memory).subspan(1), layout);
+  context->setFillColor({{1, 0, 0, 1}});
+  context->fillRect({4, 0, 9, 1});
+  EXPECT_EQ(memory[1 + 2 * 23 + 16], std::byte{255});
+  EXPECT_EQ(memory[1 + 2 * 23 + 20], std::byte{0});
+  EXPECT_EQ(memory[1 + 1 * 23 + 16], std::byte{0});
+}
+
+TEST(CGContextDrawingTest, NumbersBeyondMeasureDrawWhatTheyCover) {
+  constexpr double infinite = std::numeric_limits<double>::infinity();
+  const CGImage image = noiseImage(3, 3);
+  for (const double v : {1e9, 1e29, 1e300, infinite, std::nan("")}) {
+    const auto context = contextOf(8, 8);
+    context->setFillColor(white);
+    context->fillRect({-v, -v, 2 * v, 2 * v});
+    EXPECT_EQ(pixelAt(*context, 4, 4)[3], v <= 1e29 ? 255 : 0) << v;
+    context->drawImage(image, {-v, 2, 2 * v, 3});
+    context->drawImage(image, {v, v, v, v});
+    context->clipToPolygon({{0, 0}, {v, 0}, {v, -v}});
+    context->fillRect({0, 0, 8, 8});
+    EXPECT_TRUE(context->createImage());
+  }
+  const auto context = contextOf(8, 8);
+  context->clipToPolygon({{1, 1}, {5, 5}});
+  context->fillRect({0, 0, 8, 8});
+  context->concatCTM({0, 0, 0, 0, 0, 0});
+  context->drawImage(image, {0, 0, 3, 3});
+  EXPECT_EQ(pixelsOf(*context), std::vector<std::uint8_t>(8 * 8 * 4));
+}
+
+}  // namespace
+}  // namespace FrameworkUtility
