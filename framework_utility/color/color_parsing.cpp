@@ -1,7 +1,7 @@
 // Colours from texts and lists, as settings and style files hold them.
 
 #include <framework_utility/color/color_utility.h>
-#include <framework_utility/platform/foundation/utf16.h>
+#include <framework_utility/platform/foundation/utf8.h>
 #include <framework_utility/platform/locale/character_set.h>
 
 #include <charconv>
@@ -73,7 +73,7 @@ Array piecesOf(std::u16string_view text) {
 
 std::optional<UIColor> colorWithText(std::string_view text) {
   if (std::optional<UIColor> color = colorFromHexString(text)) return color;
-  const std::optional<std::u16string> units = detail::utf16FromUtf8(text);
+  const std::optional<std::u16string> units = utf8::toUtf16(text);
   if (!units) return std::nullopt;
   return colorWithArray(piecesOf(*units));
 }
@@ -84,7 +84,7 @@ std::optional<UIColor> colorFromHexString(std::string_view text, double alpha) {
   // A unit of UTF-16 takes at most three bytes of UTF-8, and a text may be of any size.
   constexpr std::size_t mostBytes = 21;
   if (text.size() > mostBytes) return std::nullopt;
-  const std::optional<std::u16string> units = detail::utf16FromUtf8(text);
+  const std::optional<std::u16string> units = utf8::toUtf16(text);
   if (!units) return std::nullopt;
   std::u16string_view digits = *units;
   if (digits.starts_with(u'#')) digits.remove_prefix(1);

@@ -1,5 +1,7 @@
 #include <framework_utility/platform/graphics/color_profile.h>
 
+#include <framework_utility/platform/foundation/utf8.h>
+
 #include <algorithm>
 #include <array>
 #include <cstdint>
@@ -94,41 +96,22 @@ bool describesPixels(cmsHPROFILE profile) {
   return false;
 }
 
-void appendUtf8(std::string& text, std::uint32_t c) {
-  const auto append = [&](std::uint32_t byte) { text += static_cast<char>(byte); };
-  if (c < 0x80) {
-    append(c);
-  } else if (c < 0x800) {
-    append(0xC0 | c >> 6);
-    append(0x80 | (c & 0x3F));
-  } else if (c < 0x10000) {
-    append(0xE0 | c >> 12);
-    append(0x80 | (c >> 6 & 0x3F));
-    append(0x80 | (c & 0x3F));
-  } else {
-    append(0xF0 | c >> 18);
-    append(0x80 | (c >> 12 & 0x3F));
-    append(0x80 | (c >> 6 & 0x3F));
-    append(0x80 | (c & 0x3F));
-  }
-}
-
 /// A wide character is a UTF-16 unit in older releases of the library and a code point in newer
-/// ones. A surrogate without its other half becomes U+FFFD, as does what is no code point.
+/// ones. What is neither becomes U+FFFD.
 std::string utf8FromWide(std::wstring_view wide) {
-  std::string text;
-  for (std::size_t i = 0; i < wide.size() && wide[i] != 0; ++i) {
-    auto c = static_cast<std::uint32_t>(wide[i]);
-    const auto next = i + 1 < wide.size() ? static_cast<std::uint32_t>(wide[i + 1]) : 0;
-    if (c >= 0xD800 && c < 0xDC00 && next >= 0xDC00 && next < 0xE000) {
-      c = 0x10000 + ((c - 0xD800) << 10 | (next - 0xDC00));
-      ++i;
-    } else if ((c >= 0xD800 && c < 0xE000) || c > 0x10FFFF) {
-      c = 0xFFFD;
+  std::u16string units;
+  for (const wchar_t character : wide.substr(0, wide.find(L'\0'))) {
+    const auto c = static_cast<char32_t>(character);
+    if (c < 0x10000) {
+      units += static_cast<char16_t>(c);
+    } else if (c <= 0x10FFFF) {
+      units +=
+          {static_cast<char16_t>(0xD7C0 + (c >> 10)), static_cast<char16_t>(0xDC00 + (c & 0x3FF))};
+    } else {
+      units += static_cast<char16_t>(utf8::replacementCharacter);
     }
-    appendUtf8(text, c);
   }
-  return text;
+  return utf8::fromUtf16(units);
 }
 
 std::string descriptionOf(cmsHPROFILE profile) {

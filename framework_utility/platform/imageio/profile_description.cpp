@@ -1,6 +1,6 @@
 #include <framework_utility/platform/imageio/profile_description.h>
 
-#include <framework_utility/platform/foundation/utf16.h>
+#include <framework_utility/platform/foundation/utf8.h>
 #include <framework_utility/platform/imageio/property_keys.h>
 
 #include <algorithm>
@@ -69,9 +69,7 @@ std::string textOf(Bytes bytes, std::size_t size) {
     }
     units += unit;
   }
-  std::string text;
-  appendUtf8(text, units);
-  return text;
+  return utf8::fromUtf16(units);
 }
 
 /// Version 2: a type, four bytes, the number of ASCII characters and they.

@@ -12,17 +12,6 @@ namespace FrameworkUtility::detail {
 
 // The texts of metadata come in three encodings; inside the library they are UTF-8.
 
-/// The character that `text` begins with, which becomes shorter by it. Absent, and `text` as it
-/// was, where the bytes are not UTF-8: shortest forms, no surrogates, nothing past U+10FFFF. Not
-/// for an empty text.
-std::optional<char32_t> takeUtf8(std::string_view& text);
-void appendUtf8(std::string& out, char32_t character);
-
-bool isValidUtf8(std::string_view text);
-
-/// ISO 8859-1 bytes as UTF-8; cannot fail.
-std::string utf8FromLatin1(std::string_view text);
-
 /// Absent for half a unit at the end and for a surrogate without its other half.
 std::optional<std::string> utf8FromUtf16(std::span<const std::byte> text, std::endian order);
 /// Units of valid UTF-8; no byte-order mark is added.

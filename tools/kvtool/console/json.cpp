@@ -3,6 +3,7 @@
 #include <tools/kvtool/console/photo_date.h>
 
 #include <framework_utility/platform/foundation/object.h>
+#include <framework_utility/platform/foundation/utf8.h>
 
 #include <fmt/core.h>
 
@@ -11,6 +12,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <utility>
 
 namespace kvtool {
@@ -18,25 +20,6 @@ namespace kvtool {
 using namespace FrameworkUtility;
 
 namespace {
-
-/// The length of the UTF-8 character that `text` begins with, 0 when it begins with none.
-std::size_t characterLength(std::string_view text) {
-  const auto byte = [&](std::size_t i) { return static_cast<unsigned char>(text[i]); };
-  const unsigned char lead = byte(0);
-  if (lead < 0x80) return 1;
-  const std::size_t length = lead >= 0xC2 && lead <= 0xDF   ? 2
-                             : lead >= 0xE0 && lead <= 0xEF ? 3
-                             : lead >= 0xF0 && lead <= 0xF4 ? 4
-                                                            : 0;
-  if (length == 0 || text.size() < length) return 0;
-  // The second byte's range keeps out long forms, surrogates and what is above U+10FFFF.
-  const unsigned char low = lead == 0xE0 ? 0xA0 : lead == 0xF0 ? 0x90 : 0x80;
-  const unsigned char high = lead == 0xED ? 0x9F : lead == 0xF4 ? 0x8F : 0xBF;
-  if (byte(1) < low || byte(1) > high) return 0;
-  for (std::size_t i = 2; i < length; ++i)
-    if (byte(i) < 0x80 || byte(i) > 0xBF) return 0;
-  return length;
-}
 
 /// Writes JSON piece by piece, so that no more than a piece of it is in memory.
 class Writer {
@@ -61,17 +44,18 @@ class Writer {
   /// `text` with everything escaped that must not stand between quotation marks.
   void addEscaped(std::string_view text) {
     while (!text.empty()) {
-      const std::size_t length = characterLength(text);
-      const char first = text.front();
-      if (length == 0)
+      const std::string_view rest = text;
+      const std::optional<char32_t> character = utf8::takeCharacter(text);
+      if (!character) {
         put("\uFFFD");
-      else if (first == '"' || first == '\\')
-        put({std::array{'\\', first}.data(), 2});
-      else if (static_cast<unsigned char>(first) < 0x20 || first == 0x7F)
-        put(fmt::format("\\u{:04x}", static_cast<unsigned char>(first)));
-      else
-        put(text.substr(0, length));
-      text.remove_prefix(length == 0 ? 1 : length);
+        text.remove_prefix(1);
+      } else if (*character == '"' || *character == '\\') {
+        put(*character == '"' ? "\\\"" : "\\\\");
+      } else if (*character < 0x20 || *character == 0x7F) {
+        put(fmt::format("\\u{:04x}", static_cast<unsigned>(*character)));
+      } else {
+        put(rest.substr(0, rest.size() - text.size()));
+      }
     }
   }
 

@@ -3,7 +3,7 @@
 #include <framework_utility/platform/foundation/equal_keys.h>
 #include <framework_utility/platform/foundation/property_lists/property_list_format.h>
 #include <framework_utility/platform/foundation/reference_date.h>
-#include <framework_utility/platform/foundation/utf16.h>
+#include <framework_utility/platform/foundation/utf8.h>
 
 #include <algorithm>
 #include <bit>
@@ -178,9 +178,7 @@ class Reader {
     std::u16string units(bytes->size() / 2, u'\0');
     for (std::size_t i = 0; i < units.size(); ++i)
       units[i] = static_cast<char16_t>(bigEndian(bytes->subspan(2 * i, 2)));
-    std::string text;
-    appendUtf8(text, units);
-    return text;
+    return utf8::fromUtf16(units);
   }
 
   std::optional<Value> readUID(const Object& object) const {

@@ -3,7 +3,7 @@
 #include <framework_utility/platform/foundation/platform_error.h>
 #include <framework_utility/platform/foundation/property_lists/property_list_format.h>
 #include <framework_utility/platform/foundation/reference_date.h>
-#include <framework_utility/platform/foundation/utf16.h>
+#include <framework_utility/platform/foundation/utf8.h>
 
 #include <algorithm>
 #include <bit>
@@ -94,7 +94,7 @@ class Writer {
     const auto [known, isNew] = texts_.try_emplace(text, objects_.size());
     if (!isNew) return known->second;
     if (isASCII(text)) return add(text);
-    std::optional<std::u16string> units = utf16FromUtf8(text);
+    std::optional<std::u16string> units = utf8::toUtf16(text);
     return units ? std::optional(add(WideText{*std::move(units)})) : std::nullopt;
   }
 

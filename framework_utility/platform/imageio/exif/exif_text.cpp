@@ -1,6 +1,6 @@
 #include <framework_utility/platform/imageio/exif/exif_text.h>
 
-#include <framework_utility/platform/foundation/utf16.h>
+#include <framework_utility/platform/foundation/utf8.h>
 #include <framework_utility/platform/imageio/exif/tiff_structure.h>
 #include <framework_utility/platform/imageio/text_encoding.h>
 
@@ -55,9 +55,7 @@ std::string readUtf16(std::span<const std::byte> bytes, std::endian blockOrder) 
   if (text.starts_with(byteOrderMark)) text.remove_prefix(1);
   text = text.substr(0, text.find(u'\0'));
   text = text.substr(0, text.find_last_not_of(u' ') + 1);
-  std::string utf8;
-  appendUtf8(utf8, text);
-  return utf8;
+  return utf8::fromUtf16(text);
 }
 
 constexpr std::size_t prefixSize = 8;
@@ -72,7 +70,7 @@ std::string readExifText(std::span<const std::byte> bytes) {
   std::string_view text = characters(bytes);
   text = text.substr(0, text.find('\0'));
   text = text.substr(0, text.find_last_not_of(' ') + 1);
-  return isAscii(text) || isValidUtf8(text) ? std::string(text) : utf8FromLatin1(text);
+  return isAscii(text) || utf8::isValid(text) ? std::string(text) : utf8::fromLatin1(text);
 }
 
 std::vector<std::byte> exifText(std::string_view text) {

@@ -1,7 +1,7 @@
 #include <framework_utility/platform/imageio/iptc/iptc_record.h>
 
+#include <framework_utility/platform/foundation/utf8.h>
 #include <framework_utility/platform/imageio/property_keys.h>
-#include <framework_utility/platform/imageio/text_encoding.h>
 
 #include <algorithm>
 #include <array>
@@ -134,7 +134,7 @@ std::string_view asText(std::span<const std::byte> data) {
 
 std::string decoded(std::span<const std::byte> data) {
   const std::string_view text = asText(data);
-  return isValidUtf8(text) ? std::string(text) : utf8FromLatin1(text);
+  return utf8::isValid(text) ? std::string(text) : utf8::fromLatin1(text);
 }
 
 bool isAscii(std::string_view text) {
@@ -249,7 +249,7 @@ void convertToUtf8(std::vector<Planned>& plan) {
     if (each.kept.empty() || each.record != applicationRecord || !findMapping(each.number))
       continue;
     const std::span<const std::byte> data = firstDataset(each.kept)->data;
-    if (isValidUtf8(asText(data))) continue;
+    if (utf8::isValid(asText(data))) continue;
     each.text = decoded(data);
     each.kept = {};
   }

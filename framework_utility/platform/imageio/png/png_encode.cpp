@@ -1,6 +1,7 @@
 #include <framework_utility/platform/imageio/png/png_encode.h>
 
 #include <framework_utility/platform/foundation/uniform_type.h>
+#include <framework_utility/platform/foundation/utf8.h>
 #include <framework_utility/platform/graphics/pixel_buffer.h>
 #include <framework_utility/platform/graphics/rgba_rows.h>
 #include <framework_utility/platform/imageio/metadata_codec.h>
@@ -47,23 +48,6 @@ class ChunkData {
   std::vector<std::byte> bytes_;
 };
 
-/// Absent for text with a character beyond U+00FF.
-std::optional<std::string> latin1FromUtf8(std::string_view text) {
-  std::string latin1;
-  for (std::size_t i = 0; i < text.size(); ++i) {
-    const auto c = static_cast<unsigned char>(text[i]);
-    if (c < 0x80) {
-      latin1 += text[i];
-    } else if ((c == 0xC2 || c == 0xC3) && i + 1 < text.size() &&
-               (static_cast<unsigned char>(text[i + 1]) & 0xC0) == 0x80) {
-      latin1 += static_cast<char>((c & 3) << 6 | (static_cast<unsigned char>(text[++i]) & 0x3F));
-    } else {
-      return std::nullopt;
-    }
-  }
-  return latin1;
-}
-
 bool isOfPng(const EncodeRequest& request) {
   return request.blocks.format == UTTypePNG.identifier();
 }
@@ -74,7 +58,7 @@ std::span<const FormatPart> partsOf(const EncodeRequest& request) {
 
 bool writeText(PngWriter& writer, std::string_view keyword, std::string text) {
   std::erase(text, '\0');  // no text chunk can hold one
-  if (const std::optional<std::string> latin1 = latin1FromUtf8(text)) {
+  if (const std::optional<std::string> latin1 = utf8::toLatin1(text)) {
     return writer.writeChunk("tEXt", ChunkData().text(keyword).byte(0).text(*latin1));
   }
   // Neither compressed nor of a certain language.

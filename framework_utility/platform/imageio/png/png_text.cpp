@@ -1,6 +1,6 @@
 #include <framework_utility/platform/imageio/png/png_text.h>
 
-#include <framework_utility/platform/imageio/text_encoding.h>
+#include <framework_utility/platform/foundation/utf8.h>
 
 #include <algorithm>
 #include <array>
@@ -123,7 +123,7 @@ std::string_view pngKeyword(std::span<const std::byte> chunk) {
 }
 
 std::string PngText::utf8() const {
-  return isLatin1 ? utf8FromLatin1(textOf(bytes)) : std::string(textOf(bytes));
+  return isLatin1 ? utf8::fromLatin1(textOf(bytes)) : std::string(textOf(bytes));
 }
 
 std::optional<PngText> pngText(std::uint32_t type, const Data& chunk, InflationBudget& budget) {
