@@ -2,17 +2,21 @@
 #   HEADERS <public header>...       installed, each compiled alone by the lint
 #   SOURCES <source or private header>...
 #   USES <component>...              what stands below it: components that are defined already
-#   THIRD_PARTY <target>...)         allowed to components of platform/ only
+#   FRIENDS <component>...           those above that may include its private headers
+#   THIRD_PARTY <name>...)           of third_party.txt; for components of platform/ only
 #
 # Makes the static library FrameworkUtility::<name>. Two things keep every arrow pointing down. A
 # component can only use one that is defined before it. And each file's includes are read at
 # configure time: a header that belongs to no component below its own stops the configure, even
-# where an inline body would have linked.
+# where an inline body would have linked, and so does a private one of a component that does not
+# name the includer as its friend.
+
+include(FrameworkUtilityThirdParty)
 
 set_property(GLOBAL PROPERTY FRAMEWORK_UTILITY_COMPONENTS "")
 
 function(framework_utility_component name)
-  cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "HEADERS;SOURCES;USES;THIRD_PARTY")
+  cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "HEADERS;SOURCES;USES;FRIENDS;THIRD_PARTY")
   if(arg_UNPARSED_ARGUMENTS)
     message(FATAL_ERROR "${name}: what is ${arg_UNPARSED_ARGUMENTS}?")
   endif()
@@ -39,6 +43,10 @@ function(framework_utility_component name)
     set_property(GLOBAL PROPERTY
       FRAMEWORK_UTILITY_OWNER_${CMAKE_CURRENT_SOURCE_DIR}/${file} ${name})
   endforeach()
+  foreach(file IN LISTS arg_SOURCES)
+    set_property(GLOBAL PROPERTY
+      FRAMEWORK_UTILITY_READERS_${CMAKE_CURRENT_SOURCE_DIR}/${file} ${name} ${arg_FRIENDS})
+  endforeach()
   foreach(file IN LISTS arg_HEADERS arg_SOURCES)
     framework_utility_check_includes(${CMAKE_CURRENT_SOURCE_DIR}/${file} ${name})
   endforeach()
@@ -52,6 +60,10 @@ function(framework_utility_component name)
     PRIVATE ${arg_SOURCES})
   target_compile_features(${target} PUBLIC cxx_std_20)
   list(TRANSFORM arg_USES PREPEND framework_utility_)
+  foreach(library IN LISTS arg_THIRD_PARTY)
+    framework_utility_find_third_party(${library})
+  endforeach()
+  list(TRANSFORM arg_THIRD_PARTY PREPEND PkgConfig::)
   target_link_libraries(${target}
     PUBLIC ${arg_USES}
     PRIVATE ${arg_THIRD_PARTY} $<BUILD_INTERFACE:framework_utility_build_flags>)
@@ -68,6 +80,11 @@ function(framework_utility_check_includes file component)
     if(NOT owner IN_LIST reachable)
       message(FATAL_ERROR "${file}\nincludes ${header}, which belongs to no component that "
         "${component} may use (${reachable}).")
+    endif()
+    get_property(readers GLOBAL PROPERTY FRAMEWORK_UTILITY_READERS_${PROJECT_SOURCE_DIR}/${header})
+    if(readers AND NOT component IN_LIST readers)
+      message(FATAL_ERROR "${file}\nincludes ${header}, which is ${owner}'s own: "
+        "${component} is none of its friends.")
     endif()
   endforeach()
 endfunction()

@@ -26,6 +26,7 @@ if(BUILD_SHARED_LIBS)
     LINKER:--version-script=${version_script} LINKER:--no-undefined)
   foreach(component IN LISTS components)
     get_property(third_party GLOBAL PROPERTY FRAMEWORK_UTILITY_THIRD_PARTY_${component})
+    list(TRANSFORM third_party PREPEND PkgConfig::)
     target_sources(FrameworkUtility PRIVATE $<TARGET_OBJECTS:framework_utility_${component}>)
     target_link_libraries(FrameworkUtility PRIVATE $<BUILD_INTERFACE:${third_party}>)
   endforeach()
@@ -51,6 +52,7 @@ install(EXPORT FrameworkUtilityTargets NAMESPACE FrameworkUtility:: DESTINATION 
 
 # What a component of a static build needs found before it can be linked.
 set(FRAMEWORK_UTILITY_COMPONENT_NEEDS "")
+set(all_modules "")
 if(NOT BUILD_SHARED_LIBS)
   foreach(component IN LISTS components)
     get_property(reachable GLOBAL PROPERTY FRAMEWORK_UTILITY_REACHABLE_${component})
@@ -62,7 +64,13 @@ if(NOT BUILD_SHARED_LIBS)
     list(REMOVE_DUPLICATES needs)
     string(APPEND FRAMEWORK_UTILITY_COMPONENT_NEEDS
       "set(FrameworkUtility_${component}_NEEDS ${needs})\n")
+    foreach(need IN LISTS needs)
+      framework_utility_third_party_module(${need} module)
+      string(APPEND FRAMEWORK_UTILITY_COMPONENT_NEEDS "set(FrameworkUtility_${need}_MODULE ${module})\n")
+      list(APPEND all_modules ${module})
+    endforeach()
   endforeach()
+  list(REMOVE_DUPLICATES all_modules)
 endif()
 configure_package_config_file(
   ${PROJECT_SOURCE_DIR}/cmake/FrameworkUtilityConfig.cmake.in
@@ -86,7 +94,7 @@ else()
   list(JOIN PC_LIBS " " PC_LIBS)
   set(PC_LIBS_PRIVATE "-lstdc++ -lm")  # which a C++ compiler links by itself
   # Not `Requires.private`: archives cannot be linked without them, with --static or not.
-  set(PC_REQUIRES "libjpeg libpng zlib lcms2 icu-i18n expat")
+  list(JOIN all_modules " " PC_REQUIRES)
 endif()
 set(pkgconfig_folder ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
 if(IS_ABSOLUTE ${pkgconfig_folder})

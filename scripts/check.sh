@@ -40,6 +40,13 @@ lint() {
     grep -qw "$name" "$(dirname "$file")/CMakeLists.txt" || fail "$file has no target"
   done
 
+  echo '== dependencies: docs/dependencies.md says of each what cmake/third_party.txt says'
+  local package licence purpose
+  while IFS='|' read -r _ _ package licence purpose; do
+    grep -qF "$(echo "|$package|$licence|$purpose |" | tr -s ' ')" docs/dependencies.md ||
+      fail "docs/dependencies.md does not say the same of $package"
+  done < <(grep '^[A-Z]' cmake/third_party.txt)
+
   echo '== headers: each public one compiles alone'
   scripts/build.sh release all_verify_interface_header_sets
 }

@@ -5,8 +5,9 @@
 # root, or sudo.
 set -eu
 
-build='g++ cmake ninja-build pkg-config libjpeg-dev libpng-dev zlib1g-dev liblcms2-dev libicu-dev
-  libexpat1-dev libcli11-dev libfmt-dev libgtest-dev libgmock-dev python3'
+linked=$(grep '^[A-Z]' "$(dirname "$0")/../cmake/third_party.txt" | cut -d'|' -f3)
+build="g++ cmake ninja-build pkg-config libcli11-dev libfmt-dev libgtest-dev libgmock-dev python3
+  $linked"
 check='git clang-14 clang-format-14 clang-tidy-14 libclang-rt-14-dev
   libimage-exiftool-perl exiv2 libjpeg-turbo-progs pngcheck imagemagick'
 bench='libboost-dev libcairo2-dev libexif-dev libexiv2-dev libopencv-imgproc-dev libplist-dev

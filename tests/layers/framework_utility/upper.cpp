@@ -1,1 +1,3 @@
 #include <framework_utility/upper.h>
+
+#include <framework_utility/inside.h>
