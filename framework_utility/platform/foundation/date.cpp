@@ -1,7 +1,5 @@
 #include <framework_utility/platform/foundation/date.h>
 
-#include <atomic>
-
 namespace FrameworkUtility {
 namespace {
 
@@ -12,18 +10,12 @@ class SystemClock final : public Clock {
   }
 };
 
-std::atomic<const Clock*>& clockInUse() {
-  static const SystemClock systemClock;
-  static std::atomic<const Clock*> clock = &systemClock;
-  return clock;
-}
-
 }  // namespace
 
-const Clock& Clock::current() { return *clockInUse(); }
-
-ScopedClock::ScopedClock(const Clock& clock) : previous_(clockInUse().exchange(&clock)) {}
-
-ScopedClock::~ScopedClock() { clockInUse() = previous_; }
+const Clock& Clock::current() {
+  static const SystemClock systemClock;
+  const auto* clock = ScopedClock::inPlace();
+  return clock ? clock->get() : systemClock;
+}
 
 }  // namespace FrameworkUtility

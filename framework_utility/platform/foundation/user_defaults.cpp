@@ -92,7 +92,6 @@ std::string configurationFolder() {
 struct Shared {
   std::mutex mutex;
   std::map<std::string, std::shared_ptr<UserDefaults>, std::less<>> suites;  // by folder
-  std::shared_ptr<UserDefaults> replacement;  // for the standard ones
 
   static Shared& instance() {
     static Shared& shared = *new Shared;
@@ -103,11 +102,7 @@ struct Shared {
 }  // namespace
 
 std::shared_ptr<UserDefaults> UserDefaults::standardUserDefaults() {
-  Shared& shared = Shared::instance();
-  {
-    const std::lock_guard lock(shared.mutex);
-    if (shared.replacement) return shared.replacement;
-  }
+  if (const auto* scoped = ScopedUserDefaults::inPlace()) return *scoped;
   if (std::shared_ptr<UserDefaults> own = withSuiteName(application().bundleIdentifier)) return own;
   static const std::shared_ptr<UserDefaults>& nameless =
       *new std::shared_ptr<UserDefaults>(makeInMemoryUserDefaults());
@@ -154,18 +149,6 @@ std::shared_ptr<UserDefaults> makeInMemoryUserDefaults() {
 
 std::shared_ptr<UserDefaults> makeFailingUserDefaults() {
   return std::make_shared<FailingUserDefaults>();
-}
-
-ScopedUserDefaults::ScopedUserDefaults(std::shared_ptr<UserDefaults> defaults) {
-  Shared& shared = Shared::instance();
-  const std::lock_guard lock(shared.mutex);
-  previous_ = std::exchange(shared.replacement, std::move(defaults));
-}
-
-ScopedUserDefaults::~ScopedUserDefaults() {
-  Shared& shared = Shared::instance();
-  const std::lock_guard lock(shared.mutex);
-  shared.replacement = std::move(previous_);
 }
 
 }  // namespace FrameworkUtility

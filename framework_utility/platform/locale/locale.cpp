@@ -12,8 +12,6 @@ namespace {
 
 constexpr std::string_view posixIdentifier = "en_US_POSIX";
 
-const Locale* scopedLocale = nullptr;
-
 std::string_view environment(const char* variable) {
   const char* value = std::getenv(variable);
   return value ? value : "";
@@ -72,7 +70,7 @@ std::string canonical(std::string_view identifier) {
 Locale::Locale(std::string_view identifier) : identifier_(canonical(identifier)) {}
 
 Locale Locale::current(LocaleCategory category) {
-  if (scopedLocale) return *scopedLocale;
+  if (const Locale* locale = ScopedLocale::inPlace()) return *locale;
   const char* own = category == LocaleCategory::dates ? "LC_TIME" : "LC_NUMERIC";
   for (const char* variable : {"LC_ALL", own, "LANG"})
     if (const std::string_view value = environment(variable); !value.empty()) return Locale(value);
@@ -80,10 +78,5 @@ Locale Locale::current(LocaleCategory category) {
 }
 
 std::string_view Locale::languageCode() const& { return languageOf(identifier_); }
-
-ScopedLocale::ScopedLocale(Locale locale)
-    : locale_(std::move(locale)), previous_(std::exchange(scopedLocale, &locale_)) {}
-
-ScopedLocale::~ScopedLocale() { scopedLocale = previous_; }
 
 }  // namespace FrameworkUtility

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <framework_utility/platform/foundation/description.h>
+#include <framework_utility/platform/foundation/scoped.h>
 
 #include <string>
 #include <string_view>
@@ -40,18 +41,7 @@ class Locale {
   std::string identifier_;
 };
 
-/// Puts `locale` in the place of the user's, in every category, while it lives. Make it before
-/// other threads run.
-class ScopedLocale {
- public:
-  explicit ScopedLocale(Locale locale);
-  ScopedLocale(const ScopedLocale&) = delete;
-  ScopedLocale& operator=(const ScopedLocale&) = delete;
-  ~ScopedLocale();
-
- private:
-  Locale locale_;
-  const Locale* previous_;
-};
+/// In the place of the user's, in every category.
+using ScopedLocale = Scoped<Locale>;
 
 }  // namespace FrameworkUtility

@@ -15,8 +15,6 @@ namespace {
 constexpr std::string_view utcName = "UTC";
 constexpr char systemZoneLink[] = "/etc/localtime";
 
-const TimeZone* scopedTimeZone = nullptr;
-
 /// The part of a path behind "zoneinfo/", else all of it.
 std::string_view withoutZoneFolder(std::string_view path) {
   constexpr std::string_view folder = "/zoneinfo/";
@@ -97,7 +95,7 @@ std::optional<TimeZone> TimeZone::withName(std::string_view name) {
 }
 
 TimeZone TimeZone::current() {
-  if (scopedTimeZone) return *scopedTimeZone;
+  if (const TimeZone* zone = ScopedTimeZone::inPlace()) return *zone;
 
   // What the answer depends on, to make a zone only when it changes.
   std::string source;
@@ -126,10 +124,5 @@ std::chrono::seconds TimeZone::secondsFromGMTForDate(Date date) const {
   if (U_FAILURE(status)) return std::chrono::seconds{0};
   return std::chrono::seconds{(standard + daylight) / 1000};
 }
-
-ScopedTimeZone::ScopedTimeZone(TimeZone zone)
-    : zone_(std::move(zone)), previous_(std::exchange(scopedTimeZone, &zone_)) {}
-
-ScopedTimeZone::~ScopedTimeZone() { scopedTimeZone = previous_; }
 
 }  // namespace FrameworkUtility

@@ -2,6 +2,7 @@
 
 #include <framework_utility/platform/foundation/date.h>
 #include <framework_utility/platform/foundation/description.h>
+#include <framework_utility/platform/foundation/scoped.h>
 
 #include <chrono>
 #include <memory>
@@ -47,17 +48,7 @@ class TimeZone {
   std::shared_ptr<const detail::ZoneRules> rules_;  // null for UTC, which loads no data
 };
 
-/// Puts `zone` in the user's place while it lives. Make it before other threads run.
-class ScopedTimeZone {
- public:
-  explicit ScopedTimeZone(TimeZone zone);
-  ScopedTimeZone(const ScopedTimeZone&) = delete;
-  ScopedTimeZone& operator=(const ScopedTimeZone&) = delete;
-  ~ScopedTimeZone();
-
- private:
-  TimeZone zone_;
-  const TimeZone* previous_;
-};
+/// In the place of the user's.
+using ScopedTimeZone = Scoped<TimeZone>;
 
 }  // namespace FrameworkUtility
