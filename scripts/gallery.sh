@@ -1,10 +1,11 @@
 #!/bin/sh
-# gallery.sh: draws the pictures of docs/gallery.md, one of each kind of gradient, anew.
+# gallery.sh: draws the pictures of docs/gallery.md, one of each kind of gradient, and the collage of
+# docs/geometry.md anew.
 set -eu
 cd "$(dirname "$0")/.."
 
 scripts/setup.sh build
-scripts/build.sh release kvtool
+scripts/build.sh release collage kvtool
 draw() {
   name=$1
   shift
@@ -18,3 +19,7 @@ draw conical --kind conical --size 180x180 \
 draw hue --kind hue --size 480x40
 draw lightness --kind lightness --size 480x40
 draw selective --kind selective --colors '#00C040' --size 480x40
+
+build/release/bin/collage docs/images/collage.svg docs/images/scene.jpg
+build/release/bin/kvtool thumbnail docs/images/collage.png --size 720 --out docs/images/collage.jpg
+rm docs/images/collage.png
