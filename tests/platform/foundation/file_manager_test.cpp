@@ -72,12 +72,12 @@ TEST_P(FileManagerTest, WritesReadsReplacesAndRemovesAFile) {
   const ScopedFileManager scope(files());
   EXPECT_FALSE(files().fileExistsAtPath(at("a#b?.jpg")));
   Error missing;
-  EXPECT_FALSE(Data::withContentsOfFile(at("a#b?.jpg"), &missing));
+  EXPECT_FALSE(files().contentsAtPath(at("a#b?.jpg"), &missing));
   EXPECT_EQ(missing.code(), NSFileReadNoSuchFileError);
   for (const std::string& text : {"one"s, ""s, std::string(1 << 20, 'x') + '\0', "four"s}) {
     ASSERT_TRUE(write("a#b?.jpg", text));
     EXPECT_EQ(contents("a#b?.jpg"), text);
-    EXPECT_EQ(Data::withContentsOfFile(at("a#b?.jpg")), Data(bytesOf(text)));
+    EXPECT_EQ(files().contentsAtPath(at("a#b?.jpg")), Data(bytesOf(text)));
     const auto attributes = files().attributesOfItemAtPath(at("a#b?.jpg"), nullptr);
     ASSERT_TRUE(attributes);
     EXPECT_EQ(attributes->kind, FileKind::file);

@@ -119,7 +119,7 @@ TEST_F(RealFileManagerTest, PipesSocketsAndDevicesNeverBlock) {
     EXPECT_EQ(files.attributesOfItemAtPath(path, nullptr)->kind, FileKind::other);
   }
   // One that does not know its size is read whole.
-  EXPECT_GT(Data::withContentsOfFile("/proc/self/status").value_or(Data()).size(), 100u);
+  EXPECT_GT(FileManager::defaultManager().contentsAtPath("/proc/self/status").value_or(Data()).size(), 100u);
   // A folder that holds one is copied wholly or not at all.
   EXPECT_FALSE(files.copyItemAtPath(folder.path(), folder.path() + "-copy", nullptr));
   EXPECT_FALSE(files.fileExistsAtPath(folder.path() + "-copy"));
