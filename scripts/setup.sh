@@ -5,7 +5,10 @@
 # root, or sudo.
 set -eu
 
-linked=$(grep '^[A-Z]' "$(dirname "$0")/../cmake/third_party.txt" | cut -d'|' -f3)
+linked=''
+while IFS='|' read -r name _ package _; do
+  case $name in [A-Z]*) linked="$linked $package" ;; esac
+done <"${0%/*}/../cmake/third_party.txt"
 build="g++ cmake ninja-build pkg-config libcli11-dev libfmt-dev libgtest-dev libgmock-dev python3
   $linked"
 check='git clang-14 clang-format-14 clang-tidy-14 libclang-rt-14-dev

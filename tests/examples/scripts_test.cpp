@@ -18,7 +18,10 @@ using ::testing::StartsWith;
 /// Scripts in a folder of their own, where there is nothing to install with and nothing to build.
 class ScriptsTest : public ::testing::Test {
  protected:
-  ScriptsTest() { std::filesystem::copy(SCRIPTS, folder_.path("scripts")); }
+  ScriptsTest() {
+    std::filesystem::copy(SCRIPTS, folder_.path("scripts"));
+    std::filesystem::copy(SCRIPTS "/../cmake", folder_.path("cmake"));
+  }
 
   testing::ProgramResult run(const std::string& command) const {
     return testing::runProgram("PATH=$PWD/bin:$PATH scripts/" + command, folder_.path());
