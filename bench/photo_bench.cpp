@@ -4,7 +4,7 @@
 #include <examples/demo/phone_photo.h>
 #include <framework_utility/imageio/image_metadata.h>
 #include <framework_utility/imageio/image_writer.h>
-#include <framework_utility/platform/foundation/files.h>
+#include <framework_utility/platform/foundation/files/files.h>
 #include <framework_utility/platform/imageio/image_destination.h>
 #include <framework_utility/platform/imageio/image_source.h>
 #include <framework_utility/platform/imageio/property_keys.h>

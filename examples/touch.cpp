@@ -1,6 +1,6 @@
 // touch: binds the widgets of a toolkit as views, moves its mouse over them and maps what answers.
 
-#include <framework_utility/geometry/touch.h>
+#include <framework_utility/touch/touch.h>
 
 #include <iostream>
 #include <memory>

@@ -1,4 +1,4 @@
-#include <framework_utility/platform/foundation/property_list.h>
+#include <framework_utility/platform/foundation/property_lists/property_list.h>
 
 #include <cstddef>
 #include <cstdint>

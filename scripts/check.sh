@@ -94,7 +94,7 @@ digest() {
       # shellcheck disable=SC2086  # lists of words
       $variant -std=c++20 -I. $flags -o "$folder/$variant.program" tests/geometry/digest.cpp \
         framework_utility/geometry/{collage_segment,collage_shape_side,math,rectangle}.cpp \
-        framework_utility/platform/foundation/{number_text,random,stop}.cpp &&
+        framework_utility/platform/foundation/values/{number_text,random,stop}.cpp &&
         "$folder/$variant.program" >"$folder/$variant"
     ) &
   done

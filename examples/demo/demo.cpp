@@ -2,13 +2,13 @@
 // and refuses, and leaves before, after and thumbnail in FOLDER.
 
 #include <examples/demo/phone_photo.h>
+#include <framework_utility/files/file_utility.h>
 #include <framework_utility/imageio/data_writer.h>
-#include <framework_utility/imageio/files/file_utility.h>
 #include <framework_utility/imageio/image_metadata.h>
 #include <framework_utility/imageio/image_writer.h>
 #include <framework_utility/imageio/session_manager.h>
-#include <framework_utility/platform/foundation/files.h>
-#include <framework_utility/platform/foundation/path.h>
+#include <framework_utility/platform/foundation/files/files.h>
+#include <framework_utility/platform/foundation/values/path.h>
 #include <framework_utility/platform/imageio/metadata_blocks.h>
 #include <framework_utility/platform/imageio/property_keys.h>
 

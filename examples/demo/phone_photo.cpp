@@ -2,7 +2,7 @@
 
 #include <examples/demo/exif_builder.h>
 #include <examples/demo/scene.h>
-#include <framework_utility/platform/foundation/uniform_type.h>
+#include <framework_utility/platform/foundation/app/uniform_type.h>
 #include <framework_utility/platform/graphics/cg_image.h>
 #include <framework_utility/platform/imageio/image_destination.h>
 #include <framework_utility/platform/imageio/image_source.h>

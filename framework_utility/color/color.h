@@ -1,10 +1,10 @@
 #pragma once
 
 #include <framework_utility/color/hsl.h>
-#include <framework_utility/platform/foundation/coding.h>
-#include <framework_utility/platform/foundation/data.h>
-#include <framework_utility/platform/foundation/description.h>
-#include <framework_utility/platform/foundation/error.h>
+#include <framework_utility/platform/foundation/archives/coding.h>
+#include <framework_utility/platform/foundation/values/data.h>
+#include <framework_utility/platform/foundation/values/description.h>
+#include <framework_utility/platform/foundation/values/error.h>
 #include <framework_utility/platform/graphics/ui_color.h>
 
 #include <cstddef>

@@ -2,10 +2,10 @@
 
 #include <framework_utility/color/color.h>
 #include <framework_utility/color/hsl.h>
-#include <framework_utility/platform/foundation/keyed_archiver.h>
-#include <framework_utility/platform/foundation/keyed_unarchiver.h>
-#include <framework_utility/services/errors/archive_error.h>
-#include <framework_utility/services/errors/error_factory.h>
+#include <framework_utility/errors/archive_error.h>
+#include <framework_utility/errors/error_factory.h>
+#include <framework_utility/platform/foundation/archives/keyed_archiver.h>
+#include <framework_utility/platform/foundation/archives/keyed_unarchiver.h>
 
 #include <atomic>
 

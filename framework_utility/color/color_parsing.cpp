@@ -1,7 +1,7 @@
 // Colours from texts and lists, as settings and style files hold them.
 
 #include <framework_utility/color/color_utility.h>
-#include <framework_utility/platform/foundation/utf8.h>
+#include <framework_utility/platform/foundation/values/utf8.h>
 #include <framework_utility/platform/locale/character_set.h>
 
 #include <charconv>

@@ -1,8 +1,8 @@
 #pragma once
 
 #include <framework_utility/color/color.h>
-#include <framework_utility/platform/foundation/value.h>
-#include <framework_utility/platform/foundation/value_transformer.h>
+#include <framework_utility/platform/foundation/archives/value_transformer.h>
+#include <framework_utility/platform/foundation/values/value.h>
 
 #include <optional>
 #include <vector>

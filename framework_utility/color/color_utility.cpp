@@ -1,7 +1,7 @@
 #include <framework_utility/color/color_utility.h>
 
-#include <framework_utility/platform/foundation/number.h>
-#include <framework_utility/platform/foundation/random.h>
+#include <framework_utility/platform/foundation/values/number.h>
+#include <framework_utility/platform/foundation/values/random.h>
 #include <framework_utility/platform/graphics/unit_range.h>
 
 #include <cmath>

@@ -2,7 +2,7 @@
 
 #include <framework_utility/color/color.h>
 #include <framework_utility/color/hsl.h>
-#include <framework_utility/platform/foundation/value.h>
+#include <framework_utility/platform/foundation/values/value.h>
 #include <framework_utility/platform/graphics/ui_color.h>
 
 #include <optional>

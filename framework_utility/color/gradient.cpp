@@ -1,8 +1,8 @@
 #include <framework_utility/color/gradient.h>
 
 #include <framework_utility/color/even_locations.h>
-#include <framework_utility/platform/foundation/random.h>
-#include <framework_utility/platform/foundation/stop.h>
+#include <framework_utility/platform/foundation/values/random.h>
+#include <framework_utility/platform/foundation/values/stop.h>
 
 #include <cmath>
 #include <limits>

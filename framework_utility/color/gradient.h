@@ -1,9 +1,9 @@
 #pragma once
 
 #include <framework_utility/color/color.h>
-#include <framework_utility/geometry/plane/point.h>
-#include <framework_utility/geometry/plane/size.h>
-#include <framework_utility/platform/foundation/raw_value.h>
+#include <framework_utility/plane/point.h>
+#include <framework_utility/plane/size.h>
+#include <framework_utility/platform/foundation/values/raw_value.h>
 #include <framework_utility/platform/graphics/ca_gradient_layer.h>
 #include <framework_utility/platform/graphics/cg_context.h>
 #include <framework_utility/platform/graphics/cg_gradient.h>

@@ -2,7 +2,7 @@
 
 #include <framework_utility/geometry/line.h>
 #include <framework_utility/geometry/math.h>
-#include <framework_utility/platform/foundation/number_text.h>
+#include <framework_utility/platform/foundation/values/number_text.h>
 
 #include <cmath>
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include <framework_utility/geometry/plane/point.h>
-#include <framework_utility/platform/foundation/description.h>
+#include <framework_utility/plane/point.h>
+#include <framework_utility/platform/foundation/values/description.h>
 
 #include <optional>
 #include <string>

@@ -1,7 +1,7 @@
 #pragma once
 
 #include <framework_utility/geometry/collage_segment.h>
-#include <framework_utility/geometry/plane/point.h>
+#include <framework_utility/plane/point.h>
 
 #include <optional>
 

@@ -1,7 +1,7 @@
 #include <framework_utility/geometry/math.h>
 
-#include <framework_utility/platform/foundation/random.h>
-#include <framework_utility/platform/foundation/stop.h>
+#include <framework_utility/platform/foundation/values/random.h>
+#include <framework_utility/platform/foundation/values/stop.h>
 
 #include <algorithm>
 #include <cmath>

@@ -1,10 +1,10 @@
 #pragma once
 
 #include <framework_utility/geometry/collage_segment.h>
-#include <framework_utility/geometry/plane/point.h>
-#include <framework_utility/geometry/plane/rect.h>
-#include <framework_utility/geometry/plane/size.h>
-#include <framework_utility/platform/foundation/description.h>
+#include <framework_utility/plane/point.h>
+#include <framework_utility/plane/rect.h>
+#include <framework_utility/plane/size.h>
+#include <framework_utility/platform/foundation/values/description.h>
 
 #include <array>
 #include <string>

@@ -2,8 +2,8 @@
 
 #include <framework_utility/imageio/fail.h>
 #include <framework_utility/imageio/made_folders.h>
-#include <framework_utility/platform/foundation/files.h>
-#include <framework_utility/platform/foundation/random.h>
+#include <framework_utility/platform/foundation/files/files.h>
+#include <framework_utility/platform/foundation/values/random.h>
 
 #include <string>
 

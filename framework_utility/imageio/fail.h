@@ -1,6 +1,6 @@
 #pragma once
 
-#include <framework_utility/services/errors/error_factory.h>
+#include <framework_utility/errors/error_factory.h>
 
 #include <optional>
 #include <string_view>

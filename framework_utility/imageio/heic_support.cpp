@@ -1,9 +1,9 @@
 #include <framework_utility/imageio/image_writer.h>
 #include <framework_utility/imageio/session_manager.h>
-#include <framework_utility/platform/foundation/application.h>
-#include <framework_utility/platform/foundation/files.h>
-#include <framework_utility/platform/foundation/random.h>
-#include <framework_utility/platform/foundation/user_defaults.h>
+#include <framework_utility/platform/foundation/app/application.h>
+#include <framework_utility/platform/foundation/app/user_defaults.h>
+#include <framework_utility/platform/foundation/files/files.h>
+#include <framework_utility/platform/foundation/values/random.h>
 #include <framework_utility/platform/imageio/codec_module.h>
 #include <framework_utility/platform/imageio/image_destination.h>
 

@@ -1,7 +1,7 @@
 #include <framework_utility/imageio/image_metadata.h>
 
 #include <framework_utility/imageio/fail.h>
-#include <framework_utility/platform/foundation/files.h>
+#include <framework_utility/platform/foundation/files/files.h>
 #include <framework_utility/platform/imageio/image_destination.h>
 #include <framework_utility/platform/imageio/property_keys.h>
 

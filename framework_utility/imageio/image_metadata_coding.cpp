@@ -1,8 +1,8 @@
 // Archives of metadata.
 
 #include <framework_utility/imageio/image_metadata.h>
-#include <framework_utility/platform/foundation/keyed_archiver.h>
-#include <framework_utility/platform/foundation/keyed_unarchiver.h>
+#include <framework_utility/platform/foundation/archives/keyed_archiver.h>
+#include <framework_utility/platform/foundation/archives/keyed_unarchiver.h>
 
 #include <atomic>
 #include <utility>

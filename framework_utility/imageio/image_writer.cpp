@@ -4,8 +4,8 @@
 #include <framework_utility/imageio/fail.h>
 #include <framework_utility/imageio/image_metadata.h>
 #include <framework_utility/imageio/made_folders.h>
-#include <framework_utility/platform/foundation/files.h>
-#include <framework_utility/platform/foundation/random.h>
+#include <framework_utility/platform/foundation/files/files.h>
+#include <framework_utility/platform/foundation/values/random.h>
 #include <framework_utility/platform/imageio/image_destination.h>
 
 #include <memory>

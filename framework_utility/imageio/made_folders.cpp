@@ -1,10 +1,10 @@
 #include <framework_utility/imageio/made_folders.h>
 
 #include <framework_utility/imageio/contained_path.h>
-#include <framework_utility/platform/foundation/file_error.h>
-#include <framework_utility/platform/foundation/files.h>
-#include <framework_utility/platform/foundation/path.h>
-#include <framework_utility/platform/foundation/random.h>
+#include <framework_utility/platform/foundation/files/file_error.h>
+#include <framework_utility/platform/foundation/files/files.h>
+#include <framework_utility/platform/foundation/values/path.h>
+#include <framework_utility/platform/foundation/values/random.h>
 
 #include <algorithm>
 

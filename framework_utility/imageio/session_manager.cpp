@@ -1,10 +1,10 @@
 #include <framework_utility/imageio/session_manager.h>
 
 #include <framework_utility/imageio/made_folders.h>
-#include <framework_utility/platform/foundation/application.h>
-#include <framework_utility/platform/foundation/files.h>
-#include <framework_utility/platform/foundation/random.h>
-#include <framework_utility/platform/foundation/user_defaults.h>
+#include <framework_utility/platform/foundation/app/application.h>
+#include <framework_utility/platform/foundation/app/user_defaults.h>
+#include <framework_utility/platform/foundation/files/files.h>
+#include <framework_utility/platform/foundation/values/random.h>
 
 #include <vector>
 

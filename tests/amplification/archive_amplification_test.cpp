@@ -1,8 +1,8 @@
 // Property lists and archives whose parts refer to each other.
 
-#include <framework_utility/platform/foundation/keyed_unarchiver.h>
-#include <framework_utility/platform/foundation/property_list.h>
-#include <tests/platform/foundation/binary_list.h>
+#include <framework_utility/platform/foundation/archives/keyed_unarchiver.h>
+#include <framework_utility/platform/foundation/property_lists/property_list.h>
+#include <tests/platform/foundation/property_lists/binary_list.h>
 #include <tests/support/archives.h>
 #include <tests/support/expense.h>
 

@@ -1,11 +1,11 @@
 // Files whose metadata shares bytes, or is packed, so that little stands for much.
 
-#include <framework_utility/platform/foundation/uniform_type.h>
+#include <framework_utility/platform/foundation/app/uniform_type.h>
 #include <framework_utility/platform/imageio/image_destination.h>
 #include <framework_utility/platform/imageio/image_source.h>
 #include <framework_utility/platform/imageio/metadata_blocks.h>
 #include <framework_utility/platform/imageio/property_keys.h>
-#include <tests/platform/foundation/binary_list.h>
+#include <tests/platform/foundation/property_lists/binary_list.h>
 #include <tests/platform/imageio/jpeg_file.h>
 #include <tests/platform/imageio/png_file.h>
 #include <tests/support/expense.h>

@@ -1,7 +1,7 @@
 #include <framework_utility/color/color.h>
-#include <framework_utility/platform/foundation/coder_error.h>
-#include <framework_utility/platform/foundation/keyed_archiver.h>
-#include <framework_utility/services/errors/archive_error.h>
+#include <framework_utility/errors/archive_error.h>
+#include <framework_utility/platform/foundation/archives/coder_error.h>
+#include <framework_utility/platform/foundation/archives/keyed_archiver.h>
 
 #include <tests/support/archives.h>
 #include <tests/support/files.h>

@@ -1,5 +1,5 @@
 #include <framework_utility/color/color_transformer.h>
-#include <framework_utility/platform/foundation/keyed_archiver.h>
+#include <framework_utility/platform/foundation/archives/keyed_archiver.h>
 
 #include <tests/support/archives.h>
 

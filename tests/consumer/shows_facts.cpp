@@ -3,8 +3,8 @@
 
 #include <framework_utility/imageio/image_metadata.h>
 #include <framework_utility/imageio/image_writer.h>
-#include <framework_utility/platform/foundation/keyed_archiver.h>
-#include <framework_utility/platform/foundation/keyed_unarchiver.h>
+#include <framework_utility/platform/foundation/archives/keyed_archiver.h>
+#include <framework_utility/platform/foundation/archives/keyed_unarchiver.h>
 
 #include <cstdlib>
 #include <iostream>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include <framework_utility/geometry/plane/point.h>
-#include <framework_utility/geometry/plane/size.h>
+#include <framework_utility/plane/point.h>
+#include <framework_utility/plane/size.h>
 
 #include <random>
 

@@ -1,8 +1,8 @@
 #include <framework_utility/imageio/image_metadata.h>
-#include <framework_utility/platform/foundation/keyed_archiver.h>
-#include <framework_utility/platform/foundation/keyed_unarchiver.h>
-#include <framework_utility/platform/foundation/property_list.h>
-#include <framework_utility/platform/foundation/uuid.h>
+#include <framework_utility/platform/foundation/archives/keyed_archiver.h>
+#include <framework_utility/platform/foundation/archives/keyed_unarchiver.h>
+#include <framework_utility/platform/foundation/archives/uuid.h>
+#include <framework_utility/platform/foundation/property_lists/property_list.h>
 #include <tests/imageio/pictures.h>
 #include <tests/support/archives.h>
 #include <tests/support/is_error.h>

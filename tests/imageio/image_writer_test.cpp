@@ -1,10 +1,10 @@
 #include <framework_utility/imageio/image_writer.h>
 
 #include <framework_utility/imageio/image_metadata.h>
-#include <framework_utility/platform/foundation/application.h>
-#include <framework_utility/platform/foundation/file_error.h>
-#include <framework_utility/platform/foundation/files.h>
-#include <framework_utility/platform/foundation/user_defaults.h>
+#include <framework_utility/platform/foundation/app/application.h>
+#include <framework_utility/platform/foundation/app/user_defaults.h>
+#include <framework_utility/platform/foundation/files/file_error.h>
+#include <framework_utility/platform/foundation/files/files.h>
 #include <framework_utility/platform/imageio/property_keys.h>
 #include <tests/imageio/pictures.h>
 #include <tests/support/is_error.h>

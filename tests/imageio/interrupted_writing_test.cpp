@@ -4,8 +4,8 @@
 #include <framework_utility/imageio/data_writer.h>
 #include <framework_utility/imageio/image_metadata.h>
 #include <framework_utility/imageio/image_writer.h>
-#include <framework_utility/platform/foundation/file_error.h>
-#include <framework_utility/platform/foundation/files.h>
+#include <framework_utility/platform/foundation/files/file_error.h>
+#include <framework_utility/platform/foundation/files/files.h>
 #include <framework_utility/platform/locale/locale.h>
 #include <tests/imageio/pictures.h>
 #include <tests/support/is_error.h>

@@ -1,8 +1,8 @@
 #include <framework_utility/imageio/session_manager.h>
 
-#include <framework_utility/platform/foundation/application.h>
-#include <framework_utility/platform/foundation/files.h>
-#include <framework_utility/platform/foundation/user_defaults.h>
+#include <framework_utility/platform/foundation/app/application.h>
+#include <framework_utility/platform/foundation/app/user_defaults.h>
+#include <framework_utility/platform/foundation/files/files.h>
 #include <tests/imageio/pictures.h>
 #include <tests/support/temporary_folder.h>
 

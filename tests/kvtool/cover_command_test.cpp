@@ -1,5 +1,5 @@
 #include <framework_utility/geometry/rectangle.h>
-#include <framework_utility/platform/foundation/files.h>
+#include <framework_utility/platform/foundation/files/files.h>
 #include <tests/support/files.h>
 #include <tests/support/run_program.h>
 #include <tests/support/temporary_folder.h>

@@ -1,4 +1,4 @@
-#include <framework_utility/platform/foundation/files.h>
+#include <framework_utility/platform/foundation/files/files.h>
 #include <framework_utility/platform/imageio/image_source.h>
 #include <tests/imageio/pictures.h>
 #include <tests/support/files.h>

@@ -1,8 +1,8 @@
 #pragma once
 
-#include <framework_utility/platform/foundation/data.h>
-#include <framework_utility/platform/foundation/property_list.h>
-#include <framework_utility/platform/foundation/value.h>
+#include <framework_utility/platform/foundation/property_lists/property_list.h>
+#include <framework_utility/platform/foundation/values/data.h>
+#include <framework_utility/platform/foundation/values/value.h>
 
 #include <cstdint>
 #include <memory>

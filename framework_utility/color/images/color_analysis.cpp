@@ -1,9 +1,9 @@
 #include <framework_utility/color/images/color_analysis.h>
 
 #include <framework_utility/color/images/color_buckets.h>
-#include <framework_utility/platform/foundation/application.h>
-#include <framework_utility/platform/foundation/number.h>
-#include <framework_utility/platform/foundation/platform_error.h>
+#include <framework_utility/platform/foundation/app/application.h>
+#include <framework_utility/platform/foundation/values/number.h>
+#include <framework_utility/platform/foundation/values/platform_error.h>
 #include <framework_utility/platform/graphics/drawn_rows.h>
 #include <framework_utility/platform/imageio/image_source.h>
 #include <framework_utility/platform/imageio/property_keys.h>

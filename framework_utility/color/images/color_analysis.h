@@ -1,10 +1,10 @@
 #pragma once
 
 #include <framework_utility/color/color.h>
-#include <framework_utility/platform/foundation/error.h>
-#include <framework_utility/platform/foundation/file_error.h>
-#include <framework_utility/platform/foundation/raw_value.h>
-#include <framework_utility/platform/foundation/url.h>
+#include <framework_utility/platform/foundation/files/file_error.h>
+#include <framework_utility/platform/foundation/values/error.h>
+#include <framework_utility/platform/foundation/values/raw_value.h>
+#include <framework_utility/platform/foundation/values/url.h>
 #include <framework_utility/platform/graphics/ui_image.h>
 #include <framework_utility/platform/imageio/image_source.h>
 

@@ -2,9 +2,9 @@
 
 #include <framework_utility/color/images/conical_rows.h>
 #include <framework_utility/color/images/gradient_image.h>
-#include <framework_utility/platform/foundation/application.h>
-#include <framework_utility/platform/foundation/number.h>
-#include <framework_utility/platform/foundation/stop.h>
+#include <framework_utility/platform/foundation/app/application.h>
+#include <framework_utility/platform/foundation/values/number.h>
+#include <framework_utility/platform/foundation/values/stop.h>
 #include <framework_utility/platform/graphics/pixel_buffer.h>
 
 #include <cmath>

@@ -1,7 +1,7 @@
 #include <framework_utility/color/images/conical_rows.h>
 
 #include <framework_utility/color/images/gradient_image.h>
-#include <framework_utility/platform/foundation/stop.h>
+#include <framework_utility/platform/foundation/values/stop.h>
 #include <framework_utility/platform/graphics/gradient_kernels.h>
 #include <framework_utility/platform/graphics/pixel_word.h>
 

@@ -2,7 +2,7 @@
 
 #include <framework_utility/color/images/gradient_image.h>
 
-#include <framework_utility/platform/foundation/stop.h>
+#include <framework_utility/platform/foundation/values/stop.h>
 #include <framework_utility/platform/graphics/ui_graphics_image_renderer.h>
 
 #include <algorithm>

@@ -2,10 +2,10 @@
 
 #include <framework_utility/color/color.h>
 #include <framework_utility/color/gradient.h>
-#include <framework_utility/geometry/plane/point.h>
-#include <framework_utility/geometry/plane/size.h>
-#include <framework_utility/platform/foundation/data.h>
-#include <framework_utility/platform/foundation/raw_value.h>
+#include <framework_utility/plane/point.h>
+#include <framework_utility/plane/size.h>
+#include <framework_utility/platform/foundation/values/data.h>
+#include <framework_utility/platform/foundation/values/raw_value.h>
 #include <framework_utility/platform/graphics/ui_image.h>
 
 #include <cstdint>

@@ -2,7 +2,7 @@
 
 #include <framework_utility/color/even_locations.h>
 #include <framework_utility/color/images/gradient_image.h>
-#include <framework_utility/platform/foundation/stop.h>
+#include <framework_utility/platform/foundation/values/stop.h>
 
 #include <array>
 #include <cmath>

@@ -1,8 +1,8 @@
 #pragma once
 
-#include <framework_utility/geometry/plane/affine_transform.h>
-#include <framework_utility/geometry/plane/point.h>
-#include <framework_utility/geometry/plane/rect.h>
+#include <framework_utility/plane/affine_transform.h>
+#include <framework_utility/plane/point.h>
+#include <framework_utility/plane/rect.h>
 #include <framework_utility/platform/graphics/cg_gradient.h>
 #include <framework_utility/platform/graphics/cg_image.h>
 #include <framework_utility/platform/graphics/ui_color.h>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <framework_utility/geometry/plane/point.h>
+#include <framework_utility/plane/point.h>
 #include <framework_utility/platform/graphics/pixman_image.h>
 
 #include <optional>

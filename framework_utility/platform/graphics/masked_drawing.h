@@ -1,6 +1,6 @@
 #pragma once
 
-#include <framework_utility/geometry/plane/affine_transform.h>
+#include <framework_utility/plane/affine_transform.h>
 #include <framework_utility/platform/graphics/cg_image.h>
 #include <framework_utility/platform/graphics/coverage.h>
 #include <framework_utility/platform/graphics/gradient_fill.h>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <framework_utility/platform/foundation/data.h>
+#include <framework_utility/platform/foundation/values/data.h>
 
 #include <cstddef>
 #include <cstdint>

@@ -1,6 +1,6 @@
 #include <framework_utility/platform/graphics/ui_color.h>
 
-#include <framework_utility/platform/foundation/stop.h>
+#include <framework_utility/platform/foundation/values/stop.h>
 #include <framework_utility/platform/graphics/unit_range.h>
 
 #include <cmath>

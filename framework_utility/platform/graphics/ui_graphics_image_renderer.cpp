@@ -1,6 +1,6 @@
 #include <framework_utility/platform/graphics/ui_graphics_image_renderer.h>
 
-#include <framework_utility/platform/foundation/application.h>
+#include <framework_utility/platform/foundation/app/application.h>
 #include <framework_utility/platform/graphics/pixel_buffer.h>
 
 #include <cmath>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <framework_utility/geometry/plane/size.h>
+#include <framework_utility/plane/size.h>
 #include <framework_utility/platform/graphics/cg_context.h>
 #include <framework_utility/platform/graphics/ui_image.h>
 

@@ -1,6 +1,6 @@
 #include <framework_utility/platform/imageio/byte_source.h>
 
-#include <framework_utility/platform/foundation/posix_error.h>
+#include <framework_utility/platform/foundation/files/posix_error.h>
 
 #include <algorithm>
 #include <cerrno>

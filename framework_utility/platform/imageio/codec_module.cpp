@@ -1,7 +1,7 @@
 #include <framework_utility/platform/imageio/codec_module.h>
 
-#include <framework_utility/platform/foundation/application.h>
-#include <framework_utility/platform/foundation/files.h>
+#include <framework_utility/platform/foundation/app/application.h>
+#include <framework_utility/platform/foundation/files/files.h>
 
 namespace FrameworkUtility::detail {
 

@@ -1,7 +1,7 @@
 #include <framework_utility/platform/imageio/decode_request.h>
 
-#include <framework_utility/platform/foundation/posix_error.h>
-#include <framework_utility/platform/foundation/value.h>
+#include <framework_utility/platform/foundation/files/posix_error.h>
+#include <framework_utility/platform/foundation/values/value.h>
 #include <framework_utility/platform/imageio/image_source_error.h>
 
 #include <algorithm>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <framework_utility/platform/foundation/error.h>
+#include <framework_utility/platform/foundation/values/error.h>
 #include <framework_utility/platform/graphics/area_scaler.h>
 #include <framework_utility/platform/imageio/image_source.h>
 

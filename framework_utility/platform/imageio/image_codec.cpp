@@ -1,6 +1,6 @@
 #include <framework_utility/platform/imageio/image_codec.h>
 
-#include <framework_utility/platform/foundation/file_error.h>
+#include <framework_utility/platform/foundation/files/file_error.h>
 #include <framework_utility/platform/imageio/jpeg/jpeg_codec.h>
 #include <framework_utility/platform/imageio/png/png_codec.h>
 

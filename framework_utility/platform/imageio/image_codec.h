@@ -1,8 +1,8 @@
 #pragma once
 
-#include <framework_utility/platform/foundation/data.h>
-#include <framework_utility/platform/foundation/error.h>
-#include <framework_utility/platform/foundation/value.h>
+#include <framework_utility/platform/foundation/values/data.h>
+#include <framework_utility/platform/foundation/values/error.h>
+#include <framework_utility/platform/foundation/values/value.h>
 #include <framework_utility/platform/graphics/cg_image.h>
 #include <framework_utility/platform/imageio/byte_source.h>
 #include <framework_utility/platform/imageio/decode_request.h>

@@ -1,6 +1,6 @@
 #include <framework_utility/platform/imageio/image_destination.h>
 
-#include <framework_utility/platform/foundation/files.h>
+#include <framework_utility/platform/foundation/files/files.h>
 #include <framework_utility/platform/imageio/image_codec.h>
 #include <framework_utility/platform/imageio/metadata_codec.h>
 #include <framework_utility/platform/imageio/property_keys.h>

@@ -1,6 +1,6 @@
 #include <framework_utility/platform/imageio/image_source.h>
 
-#include <framework_utility/platform/foundation/files.h>
+#include <framework_utility/platform/foundation/files/files.h>
 #include <framework_utility/platform/graphics/image_transform.h>
 #include <framework_utility/platform/imageio/byte_source.h>
 #include <framework_utility/platform/imageio/decode_request.h>

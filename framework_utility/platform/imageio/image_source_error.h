@@ -1,7 +1,7 @@
 #pragma once
 
-#include <framework_utility/platform/foundation/error.h>
-#include <framework_utility/platform/foundation/file_error.h>
+#include <framework_utility/platform/foundation/files/file_error.h>
+#include <framework_utility/platform/foundation/values/error.h>
 
 #include <string_view>
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include <framework_utility/platform/foundation/expansion_budget.h>
-#include <framework_utility/platform/foundation/value.h>
+#include <framework_utility/platform/foundation/values/expansion_budget.h>
+#include <framework_utility/platform/foundation/values/value.h>
 
 #include <cstddef>
 #include <string_view>

@@ -1,6 +1,6 @@
 #include <framework_utility/platform/imageio/text_encoding.h>
 
-#include <framework_utility/platform/foundation/utf8.h>
+#include <framework_utility/platform/foundation/values/utf8.h>
 
 #include <cstdint>
 #include <utility>

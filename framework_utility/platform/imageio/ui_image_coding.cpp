@@ -2,7 +2,7 @@
 
 #include <framework_utility/platform/imageio/ui_image_coding.h>
 
-#include <framework_utility/platform/foundation/uniform_type.h>
+#include <framework_utility/platform/foundation/app/uniform_type.h>
 #include <framework_utility/platform/graphics/ui_image.h>
 #include <framework_utility/platform/imageio/image_codec.h>
 #include <framework_utility/platform/imageio/image_destination.h>

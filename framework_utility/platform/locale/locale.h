@@ -1,7 +1,7 @@
 #pragma once
 
-#include <framework_utility/platform/foundation/description.h>
-#include <framework_utility/platform/foundation/scoped.h>
+#include <framework_utility/platform/foundation/values/description.h>
+#include <framework_utility/platform/foundation/values/scoped.h>
 
 #include <string>
 #include <string_view>

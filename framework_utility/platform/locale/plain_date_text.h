@@ -1,6 +1,6 @@
 #pragma once
 
-#include <framework_utility/platform/foundation/date.h>
+#include <framework_utility/platform/foundation/values/date.h>
 #include <framework_utility/platform/locale/locale.h>
 
 #include <chrono>

@@ -1,8 +1,8 @@
 #pragma once
 
-#include <framework_utility/platform/foundation/date.h>
-#include <framework_utility/platform/foundation/description.h>
-#include <framework_utility/platform/foundation/scoped.h>
+#include <framework_utility/platform/foundation/values/date.h>
+#include <framework_utility/platform/foundation/values/description.h>
+#include <framework_utility/platform/foundation/values/scoped.h>
 
 #include <chrono>
 #include <memory>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <framework_utility/geometry/plane/rect.h>
+#include <framework_utility/plane/rect.h>
 #include <framework_utility/platform/graphics/ui_image.h>
 #include <framework_utility/platform/ui/view.h>
 

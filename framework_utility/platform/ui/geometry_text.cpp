@@ -1,6 +1,6 @@
 #include <framework_utility/platform/ui/geometry_text.h>
 
-#include <framework_utility/geometry/plane/number_list.h>
+#include <framework_utility/plane/number_list.h>
 
 #include <algorithm>
 #include <array>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include <framework_utility/geometry/plane/point.h>
-#include <framework_utility/geometry/plane/rect.h>
+#include <framework_utility/plane/point.h>
+#include <framework_utility/plane/rect.h>
 
 #include <string>
 #include <string_view>

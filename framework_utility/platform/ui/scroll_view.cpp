@@ -1,6 +1,6 @@
 #include <framework_utility/platform/ui/scroll_view.h>
 
-#include <framework_utility/platform/foundation/stop.h>
+#include <framework_utility/platform/foundation/values/stop.h>
 
 #include <utility>
 

@@ -1,8 +1,8 @@
 #pragma once
 
-#include <framework_utility/geometry/plane/point.h>
-#include <framework_utility/geometry/plane/rect.h>
-#include <framework_utility/platform/foundation/object.h>
+#include <framework_utility/plane/point.h>
+#include <framework_utility/plane/rect.h>
+#include <framework_utility/platform/foundation/values/object.h>
 #include <framework_utility/platform/ui/view.h>
 
 #include <memory>

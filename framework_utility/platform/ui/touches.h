@@ -1,7 +1,7 @@
 #pragma once
 
-#include <framework_utility/geometry/plane/point.h>
-#include <framework_utility/platform/foundation/object.h>
+#include <framework_utility/plane/point.h>
+#include <framework_utility/platform/foundation/values/object.h>
 #include <framework_utility/platform/ui/view.h>
 
 // What happens somewhere on the screen. An app derives from these classes for its own toolkit's

@@ -1,6 +1,6 @@
 #include <framework_utility/platform/ui/view.h>
 
-#include <framework_utility/platform/foundation/stop.h>
+#include <framework_utility/platform/foundation/values/stop.h>
 #include <framework_utility/platform/ui/scene.h>
 
 #include <algorithm>

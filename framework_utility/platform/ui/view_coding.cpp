@@ -3,8 +3,8 @@
 #include <framework_utility/platform/ui/view_coding.h>
 
 #include <framework_utility/platform/foundation/archives/coder_failure.h>
-#include <framework_utility/platform/foundation/keyed_archiver.h>
-#include <framework_utility/platform/foundation/keyed_unarchiver.h>
+#include <framework_utility/platform/foundation/archives/keyed_archiver.h>
+#include <framework_utility/platform/foundation/archives/keyed_unarchiver.h>
 #include <framework_utility/platform/ui/controls.h>
 #include <framework_utility/platform/ui/geometry_text.h>
 #include <framework_utility/platform/ui/scene.h>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <framework_utility/platform/foundation/coding.h>
+#include <framework_utility/platform/foundation/archives/coding.h>
 #include <framework_utility/platform/ui/view.h>
 
 #include <concepts>

@@ -1,5 +1,5 @@
 #include <framework_utility/color/images/color_analysis.h>
-#include <framework_utility/platform/foundation/files.h>
+#include <framework_utility/platform/foundation/files/files.h>
 #include <framework_utility/platform/imageio/image_destination.h>
 #include <framework_utility/platform/imageio/property_keys.h>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <framework_utility/geometry/plane/point.h>
+#include <framework_utility/plane/point.h>
 #include <framework_utility/platform/graphics/cg_image.h>
 #include <framework_utility/platform/graphics/ui_color.h>
 

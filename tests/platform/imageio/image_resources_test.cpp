@@ -1,4 +1,4 @@
-#include <framework_utility/platform/foundation/value.h>
+#include <framework_utility/platform/foundation/values/value.h>
 #include <framework_utility/platform/imageio/metadata_codec.h>
 
 #include <gtest/gtest.h>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include <framework_utility/platform/foundation/data.h>
-#include <framework_utility/platform/foundation/value.h>
+#include <framework_utility/platform/foundation/values/data.h>
+#include <framework_utility/platform/foundation/values/value.h>
 #include <framework_utility/platform/graphics/cg_image.h>
 
 #include <cstddef>

@@ -1,4 +1,4 @@
-#include <framework_utility/platform/foundation/uniform_type.h>
+#include <framework_utility/platform/foundation/app/uniform_type.h>
 #include <framework_utility/platform/imageio/jpeg/jpeg_decode.h>
 #include <framework_utility/platform/imageio/jpeg/jpeg_encode.h>
 #include <framework_utility/platform/imageio/jpeg/jpeg_header.h>

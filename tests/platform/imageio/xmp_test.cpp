@@ -1,4 +1,4 @@
-#include <framework_utility/platform/foundation/value.h>
+#include <framework_utility/platform/foundation/values/value.h>
 #include <framework_utility/platform/imageio/metadata_codec.h>
 #include <framework_utility/platform/imageio/text_encoding.h>
 #include <framework_utility/platform/imageio/xmp/xmp_values.h>

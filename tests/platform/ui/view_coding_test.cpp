@@ -1,5 +1,5 @@
-#include <framework_utility/platform/foundation/keyed_archiver.h>
-#include <framework_utility/platform/foundation/keyed_unarchiver.h>
+#include <framework_utility/platform/foundation/archives/keyed_archiver.h>
+#include <framework_utility/platform/foundation/archives/keyed_unarchiver.h>
 #include <framework_utility/platform/ui/controls.h>
 #include <framework_utility/platform/ui/scene.h>
 #include <framework_utility/platform/ui/scroll_view.h>

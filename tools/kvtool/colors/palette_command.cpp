@@ -7,7 +7,7 @@
 
 #include <framework_utility/color/images/color_analysis.h>
 #include <framework_utility/imageio/image_writer.h>
-#include <framework_utility/platform/foundation/uniform_type.h>
+#include <framework_utility/platform/foundation/app/uniform_type.h>
 #include <framework_utility/platform/graphics/rgba_rows.h>
 
 #include <fmt/core.h>

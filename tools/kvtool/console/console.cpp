@@ -2,7 +2,7 @@
 
 #include <tools/kvtool/console/error_words.h>
 
-#include <framework_utility/platform/foundation/file_error.h>
+#include <framework_utility/platform/foundation/files/file_error.h>
 
 #include <fmt/core.h>
 

@@ -1,7 +1,7 @@
 #include <tools/kvtool/console/error_words.h>
 
-#include <framework_utility/platform/foundation/file_error.h>
-#include <framework_utility/platform/foundation/value.h>
+#include <framework_utility/platform/foundation/files/file_error.h>
+#include <framework_utility/platform/foundation/values/value.h>
 
 #include <algorithm>
 #include <cctype>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <framework_utility/platform/foundation/error.h>
+#include <framework_utility/platform/foundation/values/error.h>
 
 #include <string>
 

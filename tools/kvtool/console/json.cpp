@@ -2,8 +2,8 @@
 
 #include <tools/kvtool/console/photo_date.h>
 
-#include <framework_utility/platform/foundation/object.h>
-#include <framework_utility/platform/foundation/utf8.h>
+#include <framework_utility/platform/foundation/values/object.h>
+#include <framework_utility/platform/foundation/values/utf8.h>
 
 #include <fmt/core.h>
 

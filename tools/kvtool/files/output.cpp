@@ -2,9 +2,9 @@
 
 #include <tools/kvtool/console/console.h>
 
-#include <framework_utility/platform/foundation/file_error.h>
-#include <framework_utility/platform/foundation/files.h>
-#include <framework_utility/platform/foundation/path.h>
+#include <framework_utility/platform/foundation/files/file_error.h>
+#include <framework_utility/platform/foundation/files/files.h>
+#include <framework_utility/platform/foundation/values/path.h>
 
 #include <fcntl.h>
 #include <fmt/core.h>

@@ -3,7 +3,7 @@
 #include <tools/kvtool/console/console.h>
 
 #include <framework_utility/imageio/image_metadata.h>
-#include <framework_utility/platform/foundation/file_error.h>
+#include <framework_utility/platform/foundation/files/file_error.h>
 
 #include <fmt/core.h>
 

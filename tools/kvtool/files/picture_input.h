@@ -2,7 +2,7 @@
 
 #include <tools/kvtool/console/command.h>
 
-#include <framework_utility/platform/foundation/url.h>
+#include <framework_utility/platform/foundation/values/url.h>
 #include <framework_utility/platform/imageio/image_source.h>
 
 #include <memory>

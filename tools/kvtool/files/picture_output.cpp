@@ -4,7 +4,7 @@
 #include <tools/kvtool/files/output.h>
 
 #include <framework_utility/imageio/type_utility.h>
-#include <framework_utility/platform/foundation/path.h>
+#include <framework_utility/platform/foundation/values/path.h>
 #include <framework_utility/platform/imageio/image_destination.h>
 
 #include <fmt/core.h>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include <framework_utility/platform/foundation/uniform_type.h>
-#include <framework_utility/platform/foundation/value.h>
+#include <framework_utility/platform/foundation/app/uniform_type.h>
+#include <framework_utility/platform/foundation/values/value.h>
 #include <framework_utility/platform/graphics/cg_image.h>
 #include <framework_utility/platform/imageio/metadata_blocks.h>
 

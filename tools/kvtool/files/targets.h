@@ -4,7 +4,7 @@
 #include <tools/kvtool/files/output.h>
 #include <tools/kvtool/files/picture_input.h>
 
-#include <framework_utility/platform/foundation/uniform_type.h>
+#include <framework_utility/platform/foundation/app/uniform_type.h>
 
 #include <cstddef>
 #include <optional>

@@ -5,7 +5,7 @@
 
 #include <framework_utility/geometry/math.h>
 #include <framework_utility/geometry/rectangle.h>
-#include <framework_utility/platform/foundation/path.h>
+#include <framework_utility/platform/foundation/values/path.h>
 
 #include <fmt/core.h>
 

@@ -8,8 +8,8 @@
 
 #include <framework_utility/imageio/contained_path.h>
 #include <framework_utility/imageio/session_manager.h>
-#include <framework_utility/platform/foundation/files.h>
-#include <framework_utility/platform/foundation/path.h>
+#include <framework_utility/platform/foundation/files/files.h>
+#include <framework_utility/platform/foundation/values/path.h>
 #include <framework_utility/platform/imageio/property_keys.h>
 
 namespace kvtool {

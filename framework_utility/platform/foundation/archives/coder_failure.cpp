@@ -1,6 +1,6 @@
 #include <framework_utility/platform/foundation/archives/coder_failure.h>
 
-#include <framework_utility/platform/foundation/value.h>
+#include <framework_utility/platform/foundation/values/value.h>
 
 namespace FrameworkUtility::detail {
 

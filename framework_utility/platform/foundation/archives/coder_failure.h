@@ -1,6 +1,6 @@
 #pragma once
 
-#include <framework_utility/platform/foundation/coder_error.h>
+#include <framework_utility/platform/foundation/archives/coder_error.h>
 
 #include <string_view>
 

@@ -1,12 +1,12 @@
 #include <framework_utility/platform/foundation/archives/coding_registry.h>
 
 #include <framework_utility/platform/foundation/archives/coder_failure.h>
-#include <framework_utility/platform/foundation/equal_keys.h>
-#include <framework_utility/platform/foundation/keyed_archiver.h>
-#include <framework_utility/platform/foundation/keyed_unarchiver.h>
-#include <framework_utility/platform/foundation/reference_date.h>
-#include <framework_utility/platform/foundation/set.h>
-#include <framework_utility/platform/foundation/uuid.h>
+#include <framework_utility/platform/foundation/archives/keyed_archiver.h>
+#include <framework_utility/platform/foundation/archives/keyed_unarchiver.h>
+#include <framework_utility/platform/foundation/archives/set.h>
+#include <framework_utility/platform/foundation/archives/uuid.h>
+#include <framework_utility/platform/foundation/values/equal_keys.h>
+#include <framework_utility/platform/foundation/values/reference_date.h>
 
 #include <algorithm>
 #include <array>

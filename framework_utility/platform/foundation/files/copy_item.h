@@ -1,6 +1,6 @@
 #pragma once
 
-#include <framework_utility/platform/foundation/posix_error.h>
+#include <framework_utility/platform/foundation/files/posix_error.h>
 
 #include <optional>
 #include <string>

@@ -1,5 +1,5 @@
-#include <framework_utility/platform/foundation/files.h>
-#include <framework_utility/platform/foundation/stop.h>
+#include <framework_utility/platform/foundation/files/files.h>
+#include <framework_utility/platform/foundation/values/stop.h>
 
 #include <memory>
 #include <utility>

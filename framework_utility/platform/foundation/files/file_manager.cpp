@@ -1,7 +1,7 @@
-#include <framework_utility/platform/foundation/files.h>
+#include <framework_utility/platform/foundation/files/files.h>
 
+#include <framework_utility/platform/foundation/files/posix_error.h>
 #include <framework_utility/platform/foundation/files/real_file_manager.h>
-#include <framework_utility/platform/foundation/posix_error.h>
 
 #include <cerrno>
 #include <new>

@@ -1,7 +1,7 @@
-#include <framework_utility/platform/foundation/data.h>
-#include <framework_utility/platform/foundation/date.h>
-#include <framework_utility/platform/foundation/files.h>
-#include <framework_utility/platform/foundation/posix_error.h>
+#include <framework_utility/platform/foundation/files/files.h>
+#include <framework_utility/platform/foundation/files/posix_error.h>
+#include <framework_utility/platform/foundation/values/data.h>
+#include <framework_utility/platform/foundation/values/date.h>
 
 #include <algorithm>
 #include <cerrno>

@@ -1,7 +1,7 @@
 #include <framework_utility/platform/foundation/files/new_item.h>
 
 #include <framework_utility/platform/foundation/files/remove_item.h>
-#include <framework_utility/platform/foundation/random.h>
+#include <framework_utility/platform/foundation/values/random.h>
 
 #include <fcntl.h>
 #include <sys/stat.h>

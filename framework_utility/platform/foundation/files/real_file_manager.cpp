@@ -4,8 +4,8 @@
 #include <framework_utility/platform/foundation/files/descriptor.h>
 #include <framework_utility/platform/foundation/files/directory_cursor.h>
 #include <framework_utility/platform/foundation/files/new_item.h>
+#include <framework_utility/platform/foundation/files/posix_error.h>
 #include <framework_utility/platform/foundation/files/remove_item.h>
-#include <framework_utility/platform/foundation/posix_error.h>
 
 #include <fcntl.h>
 #include <sys/stat.h>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <framework_utility/platform/foundation/files.h>
+#include <framework_utility/platform/foundation/files/files.h>
 
 namespace FrameworkUtility::detail {
 

@@ -1,7 +1,7 @@
-#include <framework_utility/platform/foundation/files.h>
+#include <framework_utility/platform/foundation/files/files.h>
 
-#include <framework_utility/platform/foundation/application.h>
-#include <framework_utility/platform/foundation/random.h>
+#include <framework_utility/platform/foundation/app/application.h>
+#include <framework_utility/platform/foundation/values/random.h>
 
 #include <sys/stat.h>
 #include <unistd.h>

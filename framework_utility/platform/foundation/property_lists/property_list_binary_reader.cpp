@@ -1,9 +1,9 @@
 #include <framework_utility/platform/foundation/property_lists/property_list_readers.h>
 
-#include <framework_utility/platform/foundation/equal_keys.h>
 #include <framework_utility/platform/foundation/property_lists/property_list_format.h>
-#include <framework_utility/platform/foundation/reference_date.h>
-#include <framework_utility/platform/foundation/utf8.h>
+#include <framework_utility/platform/foundation/values/equal_keys.h>
+#include <framework_utility/platform/foundation/values/reference_date.h>
+#include <framework_utility/platform/foundation/values/utf8.h>
 
 #include <algorithm>
 #include <bit>

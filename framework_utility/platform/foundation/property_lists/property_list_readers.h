@@ -1,7 +1,7 @@
 #pragma once
 
-#include <framework_utility/platform/foundation/expansion_budget.h>
-#include <framework_utility/platform/foundation/property_list.h>
+#include <framework_utility/platform/foundation/property_lists/property_list.h>
+#include <framework_utility/platform/foundation/values/expansion_budget.h>
 
 #include <cstddef>
 #include <optional>

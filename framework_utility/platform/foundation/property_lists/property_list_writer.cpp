@@ -1,9 +1,9 @@
-#include <framework_utility/platform/foundation/property_list.h>
+#include <framework_utility/platform/foundation/property_lists/property_list.h>
 
-#include <framework_utility/platform/foundation/platform_error.h>
 #include <framework_utility/platform/foundation/property_lists/property_list_format.h>
-#include <framework_utility/platform/foundation/reference_date.h>
-#include <framework_utility/platform/foundation/utf8.h>
+#include <framework_utility/platform/foundation/values/platform_error.h>
+#include <framework_utility/platform/foundation/values/reference_date.h>
+#include <framework_utility/platform/foundation/values/utf8.h>
 
 #include <algorithm>
 #include <bit>

@@ -1,7 +1,7 @@
 #include <framework_utility/platform/foundation/property_lists/property_list_readers.h>
 
-#include <framework_utility/platform/foundation/equal_keys.h>
 #include <framework_utility/platform/foundation/property_lists/base64.h>
+#include <framework_utility/platform/foundation/values/equal_keys.h>
 
 #include <expat.h>
 

@@ -1,6 +1,6 @@
 #include <framework_utility/platform/imageio/exif/maker_note.h>
 
-#include <framework_utility/platform/foundation/property_list.h>
+#include <framework_utility/platform/foundation/property_lists/property_list.h>
 #include <framework_utility/platform/foundation/property_lists/property_list_readers.h>
 #include <framework_utility/platform/imageio/exif/exif_text.h>
 #include <framework_utility/platform/imageio/exif/exif_values.h>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <framework_utility/platform/foundation/value.h>
+#include <framework_utility/platform/foundation/values/value.h>
 #include <framework_utility/platform/imageio/metadata_budget.h>
 
 #include <cstddef>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <framework_utility/platform/foundation/data.h>
+#include <framework_utility/platform/foundation/values/data.h>
 #include <framework_utility/platform/imageio/exif/tiff_structure.h>
 
 #include <bit>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <framework_utility/platform/foundation/number.h>
+#include <framework_utility/platform/foundation/values/number.h>
 
 #include <bit>
 #include <cstddef>

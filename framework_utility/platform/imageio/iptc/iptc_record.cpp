@@ -1,6 +1,6 @@
 #include <framework_utility/platform/imageio/iptc/iptc_record.h>
 
-#include <framework_utility/platform/foundation/utf8.h>
+#include <framework_utility/platform/foundation/values/utf8.h>
 #include <framework_utility/platform/imageio/property_keys.h>
 
 #include <algorithm>

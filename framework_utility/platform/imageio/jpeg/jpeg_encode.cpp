@@ -1,6 +1,6 @@
 #include <framework_utility/platform/imageio/jpeg/jpeg_encode.h>
 
-#include <framework_utility/platform/foundation/uniform_type.h>
+#include <framework_utility/platform/foundation/app/uniform_type.h>
 #include <framework_utility/platform/graphics/rgba_rows.h>
 #include <framework_utility/platform/imageio/jpeg/jpeg_extended_xmp.h>
 #include <framework_utility/platform/imageio/jpeg/jpeg_header.h>

@@ -1,6 +1,6 @@
 #include <framework_utility/platform/imageio/png/png_codec.h>
 
-#include <framework_utility/platform/foundation/uniform_type.h>
+#include <framework_utility/platform/foundation/app/uniform_type.h>
 #include <framework_utility/platform/imageio/png/png_chunks.h>
 #include <framework_utility/platform/imageio/png/png_decode.h>
 #include <framework_utility/platform/imageio/png/png_encode.h>

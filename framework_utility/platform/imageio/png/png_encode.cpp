@@ -1,7 +1,7 @@
 #include <framework_utility/platform/imageio/png/png_encode.h>
 
-#include <framework_utility/platform/foundation/uniform_type.h>
-#include <framework_utility/platform/foundation/utf8.h>
+#include <framework_utility/platform/foundation/app/uniform_type.h>
+#include <framework_utility/platform/foundation/values/utf8.h>
 #include <framework_utility/platform/graphics/pixel_buffer.h>
 #include <framework_utility/platform/graphics/rgba_rows.h>
 #include <framework_utility/platform/imageio/metadata_codec.h>

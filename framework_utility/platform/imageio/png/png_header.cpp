@@ -1,6 +1,6 @@
 #include <framework_utility/platform/imageio/png/png_header.h>
 
-#include <framework_utility/platform/foundation/uniform_type.h>
+#include <framework_utility/platform/foundation/app/uniform_type.h>
 #include <framework_utility/platform/imageio/metadata_budget.h>
 #include <framework_utility/platform/imageio/png/png_chunks.h>
 #include <framework_utility/platform/imageio/png/png_text.h>

@@ -1,6 +1,6 @@
 #include <framework_utility/platform/imageio/png/png_text.h>
 
-#include <framework_utility/platform/foundation/utf8.h>
+#include <framework_utility/platform/foundation/values/utf8.h>
 
 #include <algorithm>
 #include <array>

@@ -1,7 +1,0 @@
-#include <framework_utility/platform/foundation/object.h>
-
-namespace FrameworkUtility {
-
-NSObject::~NSObject() = default;
-
-}  // namespace FrameworkUtility

@@ -1,0 +1,274 @@
+#include <framework_utility/files/file_utility.h>
+
+#include <framework_utility/errors/error_factory.h>
+#include <framework_utility/platform/foundation/files/file_error.h>
+#include <tests/support/files.h>
+#include <tests/support/is_error.h>
+#include <tests/support/temporary_folder.h>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <initializer_list>
+#include <memory>
+#include <set>
+
+namespace FrameworkUtility {
+namespace {
+
+using testing::bytesOf;
+using testing::contentsOf;
+using testing::IsError;
+using ::testing::Optional;
+using ::testing::UnorderedElementsAre;
+
+const URL noPath = *URL::withString("mailto:somebody");
+
+class FileUtilityTest : public ::testing::Test {
+ protected:
+  // Files in folders that are made as well; a name that ends in a slash is a folder.
+  void make(std::initializer_list<std::string_view> names) {
+    for (const std::string_view name : names) {
+      const bool isFolder = name.ends_with('/');
+      const std::string path = folder.path(name);
+      std::filesystem::create_directories(isFolder ? path : path.substr(0, path.rfind('/')));
+      EXPECT_TRUE(isFolder || files.writeAtomically(bytesOf(name), path, nullptr));
+    }
+  }
+  // All that there is, as relative paths.
+  std::set<std::string> tree() {
+    std::set<std::string> all;
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(folder.path()))
+      all.insert(std::filesystem::relative(entry.path(), folder.path()).string());
+    return all;
+  }
+  std::string at(std::string_view name) const { return folder.path(name); }
+  URL url(std::string_view name) const { return URL::fileURLWithPath(at(name)); }
+  URL folderUrl() const { return URL::fileURLWithPath(folder.path()); }
+
+  testing::TemporaryFolder folder;
+  FileManager& files = FileManager::defaultManager();
+};
+
+TEST_F(FileUtilityTest, ExistenceAndCountsByPathAndByURL) {
+  make({"a/1", "a/.2", "a/b/3", "empty/", "a#b?%20.jpg"});
+  EXPECT_TRUE(fileExistsAtUrl(files, url("a#b?%20.jpg")));
+  EXPECT_TRUE(fileExistsAtUrl(files, url("a")));
+  EXPECT_FALSE(fileExistsAtUrl(files, url("none")));
+  EXPECT_FALSE(fileExistsAtUrl(files, noPath));
+  struct Case {
+    const char* name;
+    std::size_t count;
+  };
+  // What cannot be listed counts as empty.
+  for (const Case& c : {Case{"a", 3}, {"empty", 0}, {"none", 0}, {"a/1", 0}}) {
+    SCOPED_TRACE(c.name);
+    EXPECT_EQ(numberOfItemsInFolderAtPath(files, at(c.name)), c.count);
+    EXPECT_EQ(numberOfItemsInFolderAtURL(files, url(c.name)), c.count);
+    EXPECT_EQ(isFolderEmptyAtPath(files, at(c.name)), c.count == 0);
+    EXPECT_EQ(isFolderEmptyAtURL(files, url(c.name)), c.count == 0);
+  }
+  EXPECT_EQ(numberOfItemsInFolderAtPath(files, ""), 0u);
+  EXPECT_EQ(numberOfItemsInFolderAtURL(files, noPath), 0u);
+  EXPECT_TRUE(isFolderEmptyAtURL(files, noPath));
+}
+
+TEST_F(FileUtilityTest, RemovesAFolderOnlyWhenItIsEmpty) {
+  struct Case {
+    const char *removed, *left;
+  };
+  for (const Case& c : {Case{"empty", ""},
+                        {"empty/gone.jpg", ""},    // the path of a vanished file
+                        {"empty/gone", "empty"},   // not one
+                        {"empty/.gone", "empty"},  // nor one: a hidden name has no extension
+                        {"none/gone.jpg", "empty"},
+                        {"", "empty"}}) {
+    SCOPED_TRACE(c.removed);
+    make({"full/f.jpg", "empty/"});
+    const std::set<std::string> full{"full", "full/f.jpg"};
+    std::set<std::string> expected = full;
+    if (*c.left) expected.insert(c.left);
+
+    removeFolderIfEmptyAtPath(files, *c.removed ? at(c.removed) : "");
+    EXPECT_EQ(tree(), expected);
+    make({"empty/"});
+    removeFolderIfEmptyAtURL(files, *c.removed ? url(c.removed) : noPath);
+    EXPECT_EQ(tree(), expected);
+    for (const char* name : {"full", "full/f.jpg", "full/gone.jpg"})
+      removeFolderIfEmptyAtPath(files, at(name));
+    EXPECT_EQ(tree(), expected);
+  }
+}
+
+TEST_F(FileUtilityTest, RemovesTheParentFolderWhenItIsEmpty) {
+  make({"full/f.jpg", "one/", "two/"});
+  removeParentFolderIfEmptyAtPath(files, at("one/anything"));
+  removeParentFolderIfEmptyAtURL(files, url("two/x.jpg"));
+  removeParentFolderIfEmptyAtPath(files, at("full/f.jpg"));
+  removeParentFolderIfEmptyAtPath(files, "");
+  removeParentFolderIfEmptyAtURL(files, noPath);
+  EXPECT_EQ(tree(), (std::set<std::string>{"full", "full/f.jpg"}));
+}
+
+TEST_F(FileUtilityTest, AnUnlistableFolderIsNotTakenForAnEmptyOne) {
+  const auto memory = makeInMemoryFileManager();
+  memory->createDirectoryAtPath("/full", IntermediateDirectories::create, nullptr);
+  memory->writeAtomically(bytesOf("x"), "/full/f", nullptr);
+  const auto unlistable =
+      makeFailingFileManager(*memory, [](std::string_view operation, auto) -> std::optional<Error> {
+        if (operation != "contentsOfDirectoryAtPath") return std::nullopt;
+        return Error(NSCocoaErrorDomain, NSFileReadNoPermissionError);
+      });
+  EXPECT_TRUE(isFolderEmptyAtPath(*unlistable, "/full"));
+  removeFolderIfEmptyAtPath(*unlistable, "/full");
+  EXPECT_TRUE(memory->fileExistsAtPath("/full/f"));
+}
+
+TEST_F(FileUtilityTest, EmptiesAFolderAndFollowsNoLink) {
+  make({"kept/f", "full/a/b/c", "full/.hidden", "full/d"});
+  std::filesystem::create_symlink(at("kept"), at("full/link"));
+  deleteContentOfFolderAtPath(files, at("full"));
+  EXPECT_EQ(tree(), (std::set<std::string>{"kept", "kept/f", "full"}));
+  make({"full/e/f"});
+  deleteContentOfFolderAtURL(files, url("full"));
+  deleteContentOfFolderAtPath(files, at("kept/f"));
+  deleteContentOfFolderAtPath(files, at("none"));
+  deleteContentOfFolderAtPath(files, "");
+  deleteContentOfFolderAtURL(files, noPath);
+  EXPECT_EQ(tree(), (std::set<std::string>{"kept", "kept/f", "full"}));
+}
+
+TEST_F(FileUtilityTest, OneRefusalDoesNotEndTheWalk) {
+  make({"full/a", "full/b", "full/c", "to/"});
+  const auto refusing = makeFailingFileManager(
+      files, [](std::string_view operation, std::string_view path) -> std::optional<Error> {
+        const bool changes = operation == "removeItemAtPath" || operation == "moveItemAtPath";
+        if (!changes || !path.ends_with("/b")) return std::nullopt;
+        return Error(NSCocoaErrorDomain, NSFileWriteNoPermissionError);
+      });
+  moveContentOfFolderPath(*refusing, at("full"), at("to"));
+  EXPECT_EQ(tree(), (std::set<std::string>{"full", "full/b", "to", "to/a", "to/c"}));
+  make({"to/b"});
+  deleteContentOfFolderAtPath(*refusing, at("to"));
+  EXPECT_EQ(tree(), (std::set<std::string>{"full", "full/b", "to", "to/b"}));
+}
+
+TEST_F(FileUtilityTest, DeletesTheFolderOfAFileAndNothingForABareName) {
+  make({"one/f", "one/g/h", "two/f", "kept/f"});
+  deleteFolderThatContainsFileAtPath(files, at("one/f"));
+  deleteFolderThatContainsFileAtUrl(files, url("two/gone"));
+  EXPECT_EQ(tree(), (std::set<std::string>{"kept", "kept/f"}));
+
+  const std::filesystem::path before = std::filesystem::current_path();
+  std::filesystem::current_path(at("kept"));
+  for (const char* path : {"f", "./f", "../f", ""}) deleteFolderThatContainsFileAtPath(files, path);
+  std::filesystem::current_path(before);
+  deleteFolderThatContainsFileAtUrl(files, noPath);
+  EXPECT_EQ(tree(), (std::set<std::string>{"kept", "kept/f"}));
+
+  // Not with the real root.
+  const auto memory = makeInMemoryFileManager();
+  ASSERT_TRUE(memory->writeAtomically(bytesOf("x"), "/f", nullptr));
+  deleteFolderThatContainsFileAtPath(*memory, "/f");
+  EXPECT_TRUE(memory->fileExistsAtPath("/f"));
+}
+
+TEST_F(FileUtilityTest, MovesWhatIsInAFolderAndLeavesWhatIsTakenOnBothSides) {
+  make({"from/a", "from/b/c", "from/taken", "to/taken", "to/d"});
+  moveContentOfFolderPath(files, at("from"), at("to"));
+  EXPECT_EQ(tree(), (std::set<std::string>{"from", "from/taken", "to", "to/a", "to/b", "to/b/c",
+                                           "to/d", "to/taken"}));
+  EXPECT_EQ(contentsOf(files, at("from/taken")), "from/taken");
+  EXPECT_EQ(contentsOf(files, at("to/taken")), "to/taken");
+  const std::set<std::string> all = tree();
+  moveContentOfFolderPath(files, at("to"), at("to/b"));  // "b" cannot go into itself
+  EXPECT_TRUE(files.fileExistsAtPath(at("to/b/d")));
+  moveContentOfFolderPath(files, at("to/b"), "");
+  moveContentOfFolderPath(files, "", at("to"));
+  EXPECT_EQ(tree().size(), all.size());
+}
+
+TEST_F(FileUtilityTest, AFreeNameCountsOnFromTheOneGiven) {
+  struct Case {
+    const char* name;
+    std::initializer_list<std::string_view> taken;
+    const char* expected;
+  };
+  for (const Case& c :
+       {Case{"photo.jpg", {}, "photo.jpg"},
+        {"photo.jpg", {"photo.jpg"}, "photo copy.jpg"},
+        {"photo.jpg", {"photo.jpg", "photo copy.jpg"}, "photo copy 2.jpg"},
+        {"photo.jpg", {"photo.jpg", "photo copy.jpg", "photo copy 2.jpg"}, "photo copy 3.jpg"},
+        {"photo copy.jpg", {"photo copy.jpg"}, "photo copy 2.jpg"},
+        {"photo copy 2.jpg", {"photo copy 2.jpg"}, "photo copy 3.jpg"},
+        {"photo copy 9.jpg", {"photo copy 9.jpg", "photo copy 10.jpg"}, "photo copy 11.jpg"},
+        {"photo copy 0.jpg", {"photo copy 0.jpg"}, "photo copy 2.jpg"},
+        {"photo copy 007.jpg", {"photo copy 007.jpg"}, "photo copy 8.jpg"},
+        {"photo copy 2 copy.jpg", {"photo copy 2 copy.jpg"}, "photo copy 2 copy 2.jpg"},
+        {"photo copy 2 copy 5", {"photo copy 2 copy 5"}, "photo copy 2 copy 6"},
+        {"photo copy -3.jpg", {"photo copy -3.jpg"}, "photo copy -3 copy.jpg"},
+        {"photo copy  3.jpg", {"photo copy  3.jpg"}, "photo copy  3 copy.jpg"},
+        {"photo copy 3x.jpg", {"photo copy 3x.jpg"}, "photo copy 3x copy.jpg"},
+        {"photo copy 1,234", {"photo copy 1,234"}, "photo copy 1,234 copy"},
+        {"photo copy \u0663", {"photo copy \u0663"}, "photo copy \u0663 copy"},
+        {"photocopy 3.jpg", {"photocopy 3.jpg"}, "photocopy 3 copy.jpg"},
+        {"photo Copy.jpg", {"photo Copy.jpg"}, "photo Copy copy.jpg"},
+        {"n copy 18446744073709551616",
+         {"n copy 18446744073709551616"},
+         "n copy 18446744073709551616 copy"},
+        {"n copy 18446744073709551615", {"n copy 18446744073709551615"}, "n copy 2"},
+        {"notes", {"notes"}, "notes copy"},
+        {" copy", {" copy"}, " copy 2"},
+        {".hidden", {".hidden"}, ".hidden copy"},
+        {"archive.tar.gz", {"archive.tar.gz"}, "archive.tar copy.gz"},
+        {"v1.2 final", {"v1.2 final"}, "v1.2 final copy"},
+        {"a#b?.jpg", {"a#b?.jpg"}, "a#b? copy.jpg"}}) {
+    SCOPED_TRACE(c.name);
+    deleteContentOfFolderAtPath(files, folder.path());
+    make(c.taken);
+    EXPECT_EQ(fileNameToCopyFileWithName(files, c.name, folderUrl()), c.expected);
+  }
+}
+
+TEST_F(FileUtilityTest, DuplicatesBesideTheFileByPathAndByURL) {
+  make({"photo.jpg", "100% #?.jpg"});
+  for (const auto& [name, copy] : {std::pair{"photo.jpg", "photo copy.jpg"},
+                                   {"photo.jpg", "photo copy 2.jpg"},
+                                   {"photo copy 2.jpg", "photo copy 3.jpg"},
+                                   {"100% #?.jpg", "100% #? copy.jpg"}}) {
+    EXPECT_EQ(duplicateFileAtPath(files, at(name)), at(copy));
+    EXPECT_EQ(contentsOf(files, at(copy)), contentsOf(files, at(name)));
+    ASSERT_TRUE(files.removeItemAtPath(at(copy), nullptr));
+    EXPECT_EQ(duplicateFileAtUrl(files, url(name)), url(copy));
+    EXPECT_EQ(contentsOf(files, at(copy)), contentsOf(files, at(name)));
+  }
+}
+
+TEST_F(FileUtilityTest, DuplicationReportsWhatFailed) {
+  Error error;
+  EXPECT_FALSE(duplicateFileAtPath(files, "", &error));
+  EXPECT_THAT(error, IsError(FileManagerDuplicateError::pathIsNil));
+  error = {};
+  EXPECT_FALSE(duplicateFileAtUrl(files, noPath, &error));
+  EXPECT_THAT(error, IsError(FileManagerDuplicateError::pathIsNil));
+  EXPECT_FALSE(duplicateFileAtPath(files, ""));
+
+  EXPECT_FALSE(duplicateFileAtPath(files, at("none.jpg"), &error));
+  EXPECT_THAT(error, IsError(FileManagerDuplicateError::copyFailed));
+  ASSERT_TRUE(error.underlyingError());
+  EXPECT_EQ(error.underlyingError()->code(), NSFileReadNoSuchFileError);
+
+  // A dangling link counts as free, but it is in the way.
+  make({"photo.jpg"});
+  std::filesystem::create_symlink("nowhere", at("photo copy.jpg"));
+  EXPECT_FALSE(duplicateFileAtUrl(files, url("photo.jpg"), &error));
+  EXPECT_THAT(error, IsError(FileManagerDuplicateError::copyFailed));
+  EXPECT_EQ(error.underlyingError()->code(), NSFileWriteFileExistsError);
+  EXPECT_FALSE(duplicateFileAtUrl(files, url("photo.jpg")));
+  EXPECT_THAT(files.contentsOfDirectoryAtPath(folder.path(), nullptr),
+              Optional(UnorderedElementsAre("photo.jpg", "photo copy.jpg")));
+}
+
+}  // namespace
+}  // namespace FrameworkUtility

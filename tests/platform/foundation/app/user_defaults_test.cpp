@@ -1,0 +1,298 @@
+#include <framework_utility/platform/foundation/app/user_defaults.h>
+
+#include <framework_utility/platform/foundation/app/application.h>
+#include <framework_utility/platform/foundation/files/files.h>
+#include <framework_utility/platform/foundation/property_lists/property_list.h>
+#include <framework_utility/platform/foundation/values/random.h>
+#include <tests/support/files.h>
+#include <tests/support/scoped_environment.h>
+#include <tests/support/temporary_folder.h>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sys/mman.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <atomic>
+#include <csignal>
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <thread>
+
+namespace FrameworkUtility {
+namespace {
+
+constexpr std::string_view suite = "group.app.tervix.Pelvar";
+
+/// A configuration folder of its own.
+class UserDefaultsTest : public ::testing::Test {
+ protected:
+  std::shared_ptr<UserDefaults> defaults() const { return UserDefaults::withSuiteName(suite); }
+  std::string suiteFolder() const { return folder_.path(suite); }
+  std::string file() const { return suiteFolder() + "/defaults.plist"; }
+
+  /// The settings as another process would read them; absent when the file is not whole.
+  std::optional<Dictionary> stored() const {
+    std::ifstream in(file(), std::ios::binary);
+    const std::string bytes{std::istreambuf_iterator<char>(in), {}};
+    const std::optional<Value> value = propertyListWithData(std::as_bytes(std::span(bytes)));
+    const Dictionary* dictionary = value ? value->as<Dictionary>() : nullptr;
+    return dictionary ? std::optional(*dictionary) : std::nullopt;
+  }
+
+  void writeFile(std::string_view bytes) const {
+    std::filesystem::create_directories(suiteFolder());
+    std::ofstream(file(), std::ios::binary | std::ios::trunc) << bytes;
+  }
+
+  testing::TemporaryFolder folder_;
+  testing::ScopedEnvironment configuration_{"XDG_CONFIG_HOME", folder_.path().c_str()};
+};
+
+/// Runs `work` in a process of its own.
+pid_t inChild(const std::function<void()>& work) {
+  const pid_t child = fork();
+  if (child == 0) {
+    work();
+    _exit(0);
+  }
+  return child;
+}
+
+bool succeeded(pid_t child) {
+  int status = 0;
+  return waitpid(child, &status, 0) == child && WIFEXITED(status) && WEXITSTATUS(status) == 0;
+}
+
+TEST_F(UserDefaultsTest, SettingsOutliveTheProcess) {
+  const Dictionary values{{"flag", false},
+                          {"text", "Grüße"},
+                          {"number", -5},
+                          {"data", Data(std::as_bytes(std::span("x")))},
+                          {"list", Value(Array{1, "two"})}};
+  EXPECT_FALSE(defaults()->objectForKey("flag"));
+  EXPECT_TRUE(succeeded(inChild([&] {
+    for (const auto& [key, value] : values) defaults()->setObject(value, *key.text());
+    defaults()->setObject(1, "removed");
+    defaults()->removeObjectForKey("removed");
+  })));
+  for (const auto& [key, value] : values)
+    EXPECT_EQ(defaults()->objectForKey(*key.text()), value) << *key.text();
+  EXPECT_FALSE(defaults()->objectForKey("removed"));
+  EXPECT_EQ(stored(), values);
+  EXPECT_EQ(std::filesystem::status(suiteFolder()).permissions(),
+            std::filesystem::perms::owner_all);
+}
+
+TEST_F(UserDefaultsTest, SuitesAreSeparateAndNamedByFileNames) {
+  defaults()->setObject(1, "key");
+  EXPECT_FALSE(UserDefaults::withSuiteName("another")->objectForKey("key"));
+  EXPECT_EQ(defaults(), UserDefaults::withSuiteName(suite));
+  EXPECT_TRUE(UserDefaults::withSuiteName(std::string(255, 'x')));
+  using namespace std::string_view_literals;
+  for (const std::string_view name : {""sv, "."sv, ".."sv, "a/b"sv, "../x"sv, "a\0b"sv})
+    EXPECT_FALSE(UserDefaults::withSuiteName(name)) << name;
+  EXPECT_FALSE(UserDefaults::withSuiteName(std::string(256, 'x')));
+}
+
+TEST_F(UserDefaultsTest, WithoutAnAbsoluteVariableTheyStandInTheHomeFolder) {
+  const testing::ScopedEnvironment relative("XDG_CONFIG_HOME", "relative");
+  defaults()->setObject(1, "key");
+  EXPECT_TRUE(std::filesystem::exists(application().homeDirectory + "/.config/" +
+                                      std::string(suite) + "/defaults.plist"));
+}
+
+TEST_F(UserDefaultsTest, StandardOnesAreTheAppsSuiteOrWhatStandsInTheirPlace) {
+  EXPECT_EQ(UserDefaults::standardUserDefaults(),
+            UserDefaults::withSuiteName(application().bundleIdentifier));
+  const auto memory = makeInMemoryUserDefaults();
+  {
+    const ScopedUserDefaults outer(memory);
+    const ScopedUserDefaults inner(makeFailingUserDefaults());
+    UserDefaults::standardUserDefaults()->setObject(1, "key");
+    EXPECT_FALSE(UserDefaults::standardUserDefaults()->objectForKey("key"));
+  }
+  {
+    const ScopedUserDefaults scope(memory);
+    UserDefaults::standardUserDefaults()->setObject(URL::fileURLWithPath("/a"), "key");
+    EXPECT_TRUE(memory->objectForKey("key"));
+    memory->removeObjectForKey("key");
+    EXPECT_FALSE(memory->objectForKey("key"));
+  }
+  EXPECT_NE(UserDefaults::standardUserDefaults(), memory);
+}
+
+TEST_F(UserDefaultsTest, TextsAndTruthValues) {
+  const auto memory = makeInMemoryUserDefaults();
+  struct Case {
+    Value value;
+    std::optional<std::string> text;
+    bool truth;
+  };
+  const Case cases[] = {
+      {"YES", "YES", true}, {"true", "true", true}, {" -007", " -007", true},
+      {"no", "no", false},  {"0", "0", false},      {"", "", false},
+      {"-", "-", false},    {6, "6", true},         {true, "1", true},
+      {0.0, "0.0", false},  {0.5, "0.5", true},     {Dictionary(), std::nullopt, false},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.value);
+    memory->setObject(c.value, "key");
+    EXPECT_EQ(memory->stringForKey("key"), c.text);
+    EXPECT_EQ(memory->boolForKey("key"), c.truth);
+  }
+  EXPECT_FALSE(memory->boolForKey("missing"));
+  EXPECT_FALSE(memory->stringForKey("missing"));
+}
+
+TEST_F(UserDefaultsTest, WhatNoListHoldsIsKeptForThisProcess) {
+  defaults()->setObject("old", "key");
+  defaults()->setObject(URL::fileURLWithPath("/a"), "key");
+  EXPECT_EQ(defaults()->objectForKey("key"), Value(URL::fileURLWithPath("/a")));
+  EXPECT_EQ(stored(), (Dictionary{{"key", "old"}}));
+  defaults()->setObject("new", "key");
+  EXPECT_EQ(defaults()->objectForKey("key"), Value("new"));
+  EXPECT_EQ(stored(), (Dictionary{{"key", "new"}}));
+}
+
+TEST_F(UserDefaultsTest, WhatTheDiskRefusesIsKeptForThisProcess) {
+  std::ofstream(suiteFolder()) << "a file where the folder should be";
+  defaults()->setObject(1, "set");
+  defaults()->setObject(2, "removed");
+  defaults()->removeObjectForKey("removed");
+  EXPECT_EQ(defaults()->objectForKey("set"), Value(1));
+  EXPECT_FALSE(defaults()->objectForKey("removed"));
+}
+
+TEST_F(UserDefaultsTest, ADamagedFileCountsAsEmptyAndIsKeptAside) {
+  std::vector<std::string> aside;
+  for (const std::string bytes : {"", "bplist00", "{\"json\": true}"}) {
+    SCOPED_TRACE(bytes);
+    writeFile(bytes);
+    if (!bytes.empty()) aside.push_back(bytes);
+    EXPECT_FALSE(defaults()->objectForKey("key"));
+    defaults()->removeObjectForKey("key");
+    defaults()->setObject(2, "key");
+    defaults()->setObject(1, "key");
+    EXPECT_EQ(stored(), (Dictionary{{"key", 1}}));
+  }
+  std::vector<std::string> kept;
+  for (const auto& entry : std::filesystem::directory_iterator(suiteFolder()))
+    if (entry.path().filename().string().starts_with("defaults-damaged-"))
+      kept.push_back(*testing::contentsOf(FileManager::defaultManager(), entry.path().string()));
+  EXPECT_THAT(kept, ::testing::UnorderedElementsAreArray(aside));
+}
+
+TEST_F(UserDefaultsTest, AFileThatCannotBeReadIsNotReplaced) {
+  std::filesystem::create_directories(file());
+  defaults()->setObject(1, "key");
+  EXPECT_TRUE(std::filesystem::is_directory(file()));
+  EXPECT_EQ(defaults()->objectForKey("key"), Value(1));
+}
+
+TEST_F(UserDefaultsTest, AnEqualSettingIsNotWrittenAgain) {
+  defaults()->setObject("value", "key");
+  const auto time = std::filesystem::last_write_time(file());
+  std::filesystem::last_write_time(file(), time - std::chrono::hours(1));
+  defaults()->setObject("value", "key");
+  EXPECT_EQ(std::filesystem::last_write_time(file()), time - std::chrono::hours(1));
+  defaults()->setObject("other", "key");
+  EXPECT_GE(std::filesystem::last_write_time(file()), time);
+}
+
+TEST_F(UserDefaultsTest, TheFolderMayVanish) {
+  defaults()->setObject(1, "key");
+  std::filesystem::remove_all(suiteFolder());
+  EXPECT_FALSE(defaults()->objectForKey("key"));
+  defaults()->setObject(2, "key");
+  EXPECT_EQ(stored(), (Dictionary{{"key", 2}}));
+}
+
+TEST_F(UserDefaultsTest, OtherProcessesWritesAreSeenAtOnce) {
+  for (int i = 0; i < 20; ++i) {
+    ASSERT_TRUE(succeeded(inChild([&] { defaults()->setObject(i, "key"); })));
+    ASSERT_EQ(defaults()->objectForKey("key"), Value(i));
+  }
+}
+
+TEST_F(UserDefaultsTest, ProcessesAndThreadsLoseNothing) {
+  constexpr int processes = 4, threads = 2, settings = 25;
+  std::vector<pid_t> children;
+  for (int process = 0; process < processes; ++process)
+    children.push_back(inChild([&] {
+      std::vector<std::thread> running;
+      for (int thread = 0; thread < threads; ++thread)
+        running.emplace_back([&, thread] {
+          for (int i = 0; i < settings; ++i)
+            defaults()->setObject(i, std::to_string(process) + "." + std::to_string(thread) + "." +
+                                         std::to_string(i));
+        });
+      for (std::thread& thread : running) thread.join();
+    }));
+  for (const pid_t child : children) EXPECT_TRUE(succeeded(child));
+  ASSERT_TRUE(stored());
+  EXPECT_EQ(stored()->size(), static_cast<std::size_t>(processes * threads * settings));
+}
+
+TEST_F(UserDefaultsTest, AKillLeavesTheOldSettingsOrTheNew) {
+  constexpr int kills = 40, writers = 2;
+  // How many writes each writer has begun and ended, for the parent to see after the kill.
+  struct Progress {
+    std::atomic<int> begun[writers], ended[writers];
+  };
+  void* const memory =
+      mmap(nullptr, sizeof(Progress), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0);
+  ASSERT_NE(memory, MAP_FAILED);
+  auto* const progress = new (memory) Progress{};
+
+  const auto write = [&](int writer) {
+    const std::string key = std::to_string(writer);
+    for (;;) {
+      const int number = ++progress->begun[writer];
+      // Enough bytes for several pages, so that a file that is cut shows.
+      defaults()->setObject(Value(Array(static_cast<std::size_t>(number % 7 * 2000), number)),
+                            "pages " + key);
+      defaults()->setObject(number, key);
+      progress->ended[writer] = number;
+    }
+  };
+
+  unsigned longest = 8000;  // Microseconds; more where the disk is too slow to end a write in it.
+  for (int kill = 0; kill < kills; ++kill) {
+    if (progress->ended[0] + progress->ended[1] == 0) longest += longest / 4;
+    pid_t children[writers];
+    for (int writer = 0; writer < writers; ++writer)
+      children[writer] = inChild([&] { write(writer); });
+    usleep(500 + randomUnsignedInteger() % longest);
+    for (const pid_t child : children) ::kill(child, SIGKILL);
+    for (const pid_t child : children) waitpid(child, nullptr, 0);
+
+    if (!std::filesystem::exists(file())) continue;  // killed before the first write
+    const std::optional<Dictionary> settings = stored();
+    ASSERT_TRUE(settings) << "half a file";
+    for (int writer = 0; writer < writers; ++writer) {
+      const std::string key = std::to_string(writer);
+      const Number* number = settings->get<Number>(key);
+      const std::int64_t last = number ? number->integerValue() : 0;
+      EXPECT_GE(last, progress->ended[writer]);
+      EXPECT_LE(last, progress->begun[writer]);
+      progress->begun[writer] = static_cast<int>(last);
+      if (const Array* pages = settings->get<Array>("pages " + key)) {
+        if (pages->empty()) continue;
+        EXPECT_EQ(pages->size(),
+                  static_cast<std::size_t>(pages->front().as<Number>()->integerValue() % 7 * 2000));
+      }
+    }
+  }
+  EXPECT_GT(progress->ended[0] + progress->ended[1], 0);
+  munmap(memory, sizeof(Progress));
+
+  // The next writer takes away what the killed ones left.
+  ASSERT_TRUE(succeeded(inChild([&] { defaults()->setObject("clean", "key"); })));
+  EXPECT_EQ(std::distance(std::filesystem::directory_iterator(suiteFolder()), {}), 2);
+}
+
+}  // namespace
+}  // namespace FrameworkUtility

@@ -1,0 +1,398 @@
+#include <framework_utility/platform/foundation/archives/keyed_archiver.h>
+#include <framework_utility/platform/foundation/archives/keyed_unarchiver.h>
+#include <framework_utility/platform/foundation/archives/set.h>
+#include <framework_utility/platform/foundation/archives/uuid.h>
+#include <framework_utility/platform/foundation/property_lists/property_list.h>
+#include <tests/platform/foundation/archives/sketch_classes.h>
+#include <tests/support/archives.h>
+#include <tests/support/is_error.h>
+#include <tests/support/temporary_folder.h>
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <cmath>
+#include <cstdlib>
+#include <fstream>
+#include <limits>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace FrameworkUtility {
+namespace {
+
+using namespace std::chrono_literals;
+using namespace testing;
+
+/// A list's values with its references as texts, "#2", so that lists can be compared.
+Value withReferences(const Value& value) {
+  if (const auto number = PropertyListUID::numberIn(value))
+    return Value("#" + std::to_string(*number));
+  if (const auto* array = value.as<Array>()) {
+    Array all;
+    for (const Value& element : *array) all.push_back(withReferences(element));
+    return Value(all);
+  }
+  if (const auto* dictionary = value.as<Dictionary>()) {
+    Dictionary all;
+    for (const auto& entry : *dictionary) all.set(entry.key, withReferences(entry.value));
+    return all;
+  }
+  return value;
+}
+
+TEST(KeyedArchiveTest, HasThePlatformsLayout) {
+  const NSUUID::Bytes bytes{std::byte{1}, std::byte{2}};
+  const auto data = archived(
+      list({boxed(Stroke{0.5, -3}), "text", boxed(Stroke{2, 7}), Value(),
+            Date(std::chrono::sys_days{2001y / 1 / 1} + 1500ms), URL::fileURLWithPath("/a b"),
+            Dictionary{{"key", true}, {17, Data()}}, Value(std::make_shared<NSUUID>(bytes)),
+            Value(std::make_shared<NSSet>(Array{-1}))}));
+  ASSERT_TRUE(data);
+  const auto read = propertyListWithData(*data);
+  ASSERT_TRUE(read);
+  const Dictionary expected{
+      {"$version", 100000},
+      {"$archiver", "NSKeyedArchiver"},
+      {"$top", Dictionary{{"root", "#1"}}},
+      {"$objects", list({
+                       "$null",
+                       Dictionary{{"NS.objects", list({"#2", "#4", "#5", "#6", "#8", "#10", "#13",
+                                                       "#19", "#21"})},
+                                  {"$class", "#24"}},
+                       Dictionary{{"width", 0.5F}, {"$$count", -3}, {"$class", "#3"}},
+                       classRecord("Sketch.Stroke"),
+                       "text",
+                       Dictionary{{"width", 2.0F}, {"$$count", 7}, {"$class", "#3"}},
+                       Dictionary{{"$class", "#7"}},
+                       classRecord("NSNull"),
+                       Dictionary{{"NS.time", 1.5}, {"$class", "#9"}},
+                       classRecord("NSDate"),
+                       Dictionary{{"NS.base", "#0"}, {"NS.relative", "#11"}, {"$class", "#12"}},
+                       "file:///a%20b",
+                       classRecord("NSURL"),
+                       Dictionary{{"NS.keys", list({"#14", "#15"})},
+                                  {"NS.objects", list({"#16", "#17"})},
+                                  {"$class", "#18"}},
+                       "key",
+                       17,
+                       true,
+                       Data(),
+                       classRecord("NSDictionary"),
+                       Dictionary{{"NS.uuidbytes", Data(bytes)}, {"$class", "#20"}},
+                       classRecord("NSUUID"),
+                       Dictionary{{"NS.objects", list({"#22"})}, {"$class", "#23"}},
+                       -1,
+                       classRecord("NSSet"),
+                       classRecord("NSArray"),
+                   })}};
+  EXPECT_EQ(withReferences(*read), Value(expected)) << withReferences(*read);
+
+  Error error;
+  const auto root = unarchived({"NSArray", "NSNull", "NSDate", "NSURL", "NSDictionary", "NSData",
+                                "NSUUID", "NSSet", "Sketch.Stroke"},
+                               *data, &error);
+  ASSERT_TRUE(root) << error << reasonOf(error);
+  const Array& elements = *root->as<Array>();
+  ASSERT_EQ(elements.size(), 9U);
+  EXPECT_EQ(unboxed<Stroke>(elements[0])->width, 0.5F);
+  EXPECT_EQ(unboxed<Stroke>(elements[0])->count, -3);
+  EXPECT_FALSE(unboxed<Stroke>(elements[1]));
+  EXPECT_EQ(elements[1], Value("text"));
+  EXPECT_TRUE(elements[3].isNull());
+  EXPECT_EQ(elements[4], Value(Date(std::chrono::sys_days{2001y / 1 / 1} + 1500ms)));
+  EXPECT_EQ(elements[5], Value(URL::fileURLWithPath("/a b")));
+  EXPECT_EQ(elements[6], Value(Dictionary{{"key", true}, {17, Data()}}));
+  const auto object = [&](std::size_t i) {
+    return elements[i].as<std::shared_ptr<NSObject>>()->get();
+  };
+  EXPECT_EQ(dynamic_cast<NSUUID&>(*object(7)).uuidBytes(), bytes);
+  EXPECT_EQ(dynamic_cast<NSSet&>(*object(8)).allObjects(), Array{-1});
+}
+
+TEST(KeyedArchiveTest, AnObjectThatIsMetAgainIsWrittenOnce) {
+  const auto top = std::make_shared<Node>();
+  const auto shared = std::make_shared<Leaf>();
+  top->next = {shared, shared, std::make_shared<Leaf>()};
+  const auto data = archived(Value(top));
+  ASSERT_TRUE(data);
+  const auto again = nodeIn(unarchived({"Sketch.Node"}, *data));
+  ASSERT_TRUE(again);
+  ASSERT_EQ(again->next.size(), 3U);
+  EXPECT_EQ(again->next[0], again->next[1]);
+  EXPECT_NE(again->next[0], again->next[2]);
+  EXPECT_EQ(again->next[2]->className(), "Sketch.Leaf");
+
+  shared->next = {top};
+  Error error;
+  EXPECT_FALSE(archived(Value(top), &error));
+  EXPECT_THAT(error, IsError(CoderError::invalidValue));
+  EXPECT_EQ(reasonOf(error),
+            "Caught exception during archival: the graph of objects reaches itself");
+  shared->next.clear();
+}
+
+TEST(KeyedArchiveTest, ReadsWhatOtherWritersWrite) {
+  const struct {
+    const char* what;
+    Array objects;
+    Value expected;
+  } cases[] = {
+      {"a mutable list",
+       {Dictionary{{"NS.objects", references({3})}, {"$class", reference(2)}},
+        classRecord("NSMutableArray", {"NSArray"}), 1.5},
+       list({1.5})},
+      {"a mutable dictionary",
+       {Dictionary{{"NS.keys", references({3, 4})},
+                   {"NS.objects", references({4, 3})},
+                   {"$class", reference(2)}},
+        classRecord("NSMutableDictionary", {"NSDictionary"}), "a", 17},
+       Dictionary{{"a", 17}, {17, "a"}}},
+      {"a mutable text, inline",
+       {Dictionary{{"NS.string", "inline"}, {"$class", reference(2)}},
+        classRecord("NSMutableString", {"NSString"})},
+       "inline"},
+      {"a mutable text, referred to",
+       {Dictionary{{"NS.string", reference(3)}, {"$class", reference(2)}},
+        classRecord("NSMutableString", {"NSString"}), "elsewhere"},
+       "elsewhere"},
+      {"mutable data",
+       {Dictionary{{"NS.data", Data(std::as_bytes(std::span("x", 1)))}, {"$class", reference(2)}},
+        classRecord("NSMutableData", {"NSData"})},
+       Data(std::as_bytes(std::span("x", 1)))},
+      {"a plain date", {Date()}, Date()},
+      {"a URL that is relative to another",
+       {Dictionary{
+            {"NS.base", reference(3)}, {"NS.relative", reference(4)}, {"$class", reference(2)}},
+        classRecord("NSURL"),
+        Dictionary{
+            {"NS.base", reference(0)}, {"NS.relative", reference(5)}, {"$class", reference(2)}},
+        "../c?q", "https://host/a/b/d"},
+       *URL::withString("https://host/a/c?q")},
+      {"a class of which only a hint is known",
+       {Dictionary{{"NS.objects", references({})}, {"$class", reference(2)}},
+        Dictionary{{"$classname", "Unknown"},
+                   {"$classhints", list({"NSArray"})},
+                   {"$classes", list({"Unknown", "NSDictionary"})}}},
+       list({})},
+      {"a class of which only a superclass is known",
+       {Dictionary{{"NS.objects", references({})}, {"$class", reference(2)}},
+        classRecord("Unknown", {"AlsoUnknown", "NSMutableArray", "NSArray"})},
+       list({})},
+      {"a list that stands in two places",
+       {Dictionary{{"NS.objects", references({3, 3})}, {"$class", reference(2)}},
+        classRecord("NSArray"),
+        Dictionary{{"NS.objects", references({4})}, {"$class", reference(2)}}, true},
+       list({list({true}), list({true})})},
+  };
+  for (const auto& c : cases) {
+    Error error;
+    EXPECT_EQ(unarchived(archiveOf(c.objects), &error), c.expected) << c.what << reasonOf(error);
+  }
+
+  for (const char* name : {"Sketch.Stroke", "_TtC6Sketch6Stroke", "Stroke"}) {
+    const Data data = archiveOf(
+        {Dictionary{{"width", 2.0F}, {"$$count", 7}, {"$class", reference(2)}}, classRecord(name)});
+    for (const char* allowed : {"Sketch.Stroke", "_TtC6Sketch6Stroke", "Stroke", "NSObject"}) {
+      const auto value = unarchived({allowed}, data);
+      const Stroke* stroke = value ? unboxed<Stroke>(*value) : nullptr;
+      ASSERT_TRUE(stroke) << name << ' ' << allowed;
+      EXPECT_EQ(stroke->count, 7);
+    }
+  }
+  for (const char* name : {"Other.Stroke", "_TtC5Other6Stroke", "_TtC6Sketch7Stroke", "_TtC6Sketch",
+                           "_TtC9999999999999999999999Sketch", "Sketch."})
+    EXPECT_FALSE(unarchived(
+        archiveOf({Dictionary{{"width", 2.0F}, {"$class", reference(2)}}, classRecord(name)})))
+        << name;
+}
+
+TEST(KeyedArchiveTest, NumbersAreReadAsWhatTheyAre) {
+  constexpr double none = -77;  // a failure
+  constexpr std::uint64_t large = std::numeric_limits<std::uint64_t>::max();
+  const struct {
+    Value stored;
+    double asBool, asInt32, asInt64, asFloat, asDouble;
+  } cases[] = {
+      {true, 1, 1, 1, none, none},
+      {0, 0, 0, 0, none, none},
+      {-3, 1, -3, -3, none, none},
+      {std::int64_t{1} << 31, 1, none, 0x1p31, none, none},
+      {std::int64_t{-1} << 31, 1, -0x1p31, -0x1p31, none, none},
+      {large, 1, none, none, none, none},
+      {0.1F, none, none, none, 0.1F, 0.1F},
+      {0.1, none, none, none, 0.1F, 0.1},
+      {1e300, none, none, none, none, 1e300},
+      {std::numeric_limits<double>::infinity(), none, none, none,
+       std::numeric_limits<double>::infinity(), std::numeric_limits<double>::infinity()},
+      {"1", none, none, none, none, none},
+      {reference(1), none, none, none, none, none},
+  };
+  for (const auto& c : cases) {
+    const Data data = archiveOf({1}, {{"key", c.stored}});
+    const auto read = [&](auto call) {
+      NSKeyedUnarchiver coder(data);
+      EXPECT_TRUE(coder.containsValueForKey("key"));
+      const auto value = static_cast<double>((coder.*call)("key"));
+      if (!coder.error()) return value;
+      EXPECT_THAT(*coder.error(), IsError(CoderError::readCorrupt));
+      EXPECT_EQ(value, 0);
+      EXPECT_FALSE(coder.containsValueForKey("key"));  // nor anything else from then on
+      return none;
+    };
+    EXPECT_EQ(read(&NSKeyedUnarchiver::decodeBoolForKey), c.asBool) << c.stored;
+    EXPECT_EQ(read(&NSKeyedUnarchiver::decodeInt32ForKey), c.asInt32) << c.stored;
+    EXPECT_EQ(read(&NSKeyedUnarchiver::decodeInt64ForKey), c.asInt64) << c.stored;
+    EXPECT_EQ(read(&NSKeyedUnarchiver::decodeFloatForKey), c.asFloat) << c.stored;
+    EXPECT_EQ(read(&NSKeyedUnarchiver::decodeDoubleForKey), c.asDouble) << c.stored;
+  }
+
+  NSKeyedUnarchiver coder(archiveOf({1}, {{"nil", reference(0)}}));
+  EXPECT_TRUE(coder.containsValueForKey("nil"));
+  EXPECT_FALSE(coder.decodeObjectForKey("nil"));
+  EXPECT_FALSE(coder.containsValueForKey("missing"));
+  EXPECT_FALSE(coder.decodeObjectForKey("missing"));
+  EXPECT_FALSE(coder.decodeBytesForKey("missing"));
+  EXPECT_FALSE(coder.decodeObjectsForKey("missing"));
+  EXPECT_EQ(coder.decodeDoubleForKey("missing"), 0);
+  EXPECT_FALSE(coder.error());
+}
+
+TEST(KeyedArchiveTest, KeysOfTheTopAreTheAppsOwn) {
+  NSKeyedArchiver archiver(SecureCoding::notRequired);
+  archiver.encodeBool(true, "yes");
+  archiver.encodeInt32(-5, "yes");  // replaces
+  archiver.encodeBytes(std::as_bytes(std::span("ab", 2)), "$class");
+  archiver.encodeObject(std::nullopt, "nil");
+  const std::optional<Data> data = archiver.encodedData();
+  ASSERT_TRUE(data);
+  archiver.encodeDouble(1, "late");
+  EXPECT_EQ(archiver.encodedData(), data);
+
+  NSKeyedUnarchiver coder(*data);
+  EXPECT_EQ(coder.decodeInt32ForKey("yes"), -5);
+  EXPECT_EQ(coder.decodeBytesForKey("$class"), Data(std::as_bytes(std::span("ab", 2))));
+  EXPECT_TRUE(coder.containsValueForKey("nil"));
+  EXPECT_FALSE(coder.containsValueForKey("late"));
+}
+
+TEST(KeyedArchiveTest, SecureDecodingMakesAllowedClassesOnly) {
+  const Data strokes = *archived(list({boxed(Stroke{}), "text", 5}));
+  const Data leaf = *archived(Value(std::make_shared<Leaf>()));
+  const Data bytes = *archived(list({Data()}));
+  const Data text = *archived("text");
+  const struct {
+    const Data* data;
+    ClassNames allowed;
+    const char* reason;  // null where it succeeds
+  } cases[] = {
+      {&strokes, {"NSArray", "Sketch.Stroke"}, nullptr},  // texts and numbers need no mention
+      {&strokes,
+       {"Sketch.Stroke"},
+       "value for key 'root' was of unexpected class 'NSArray'. Allowed classes are "
+       "'{(Sketch.Stroke)}'."},
+      {&strokes,
+       {"NSArray", "NSString"},
+       "value for key 'NS.objects' was of unexpected class 'Sketch.Stroke'. Allowed classes are "
+       "'{(NSArray, NSString)}'."},
+      {&leaf, {"Sketch.Node"}, nullptr},
+      {&leaf, {"Sketch.Leaf"}, nullptr},
+      {&bytes,
+       {"NSArray"},
+       "value for key 'NS.objects' was of unexpected class 'NSData'. Allowed classes are "
+       "'{(NSArray)}'."},
+      {&text, {"NSString"}, nullptr},
+      {&text,
+       {},
+       "value for key 'root' was of unexpected class 'NSString'. Allowed classes are '{()}'."},
+  };
+  for (const auto& c : cases) {
+    Error error;
+    EXPECT_EQ(unarchived(c.allowed, *c.data, &error).has_value(), !c.reason) << reasonOf(error);
+    if (!c.reason) continue;
+    EXPECT_THAT(error, IsError(CoderError::readCorrupt));
+    EXPECT_EQ(reasonOf(error), c.reason);
+  }
+  // Each object is judged where it is asked for, also one that was made already.
+  NSKeyedUnarchiver coder({"Sketch.Node"}, leaf);
+  EXPECT_TRUE(coder.decodeObjectForKey("root"));
+  EXPECT_FALSE(coder.decodeObjectOfClasses({"NSArray"}, "root"));
+  EXPECT_TRUE(coder.error());
+}
+
+TEST(KeyedArchiveTest, AClassThatIsNotSecureIsRefusedBothWays) {
+  const Data data = *archived(boxed(Stroke{}));
+  Stroke::isSecure = false;
+  Error error;
+  EXPECT_FALSE(archived(boxed(Stroke{}), &error));
+  EXPECT_THAT(error, IsError(CoderError::invalidValue));
+  EXPECT_FALSE(unarchived({"Sketch.Stroke"}, data, &error));
+  EXPECT_THAT(error, IsError(CoderError::readCorrupt));
+  EXPECT_TRUE(unarchived(data));
+  EXPECT_TRUE(
+      NSKeyedArchiver::archivedDataWithRootObject(boxed(Stroke{}), SecureCoding::notRequired));
+  Stroke::isSecure = true;
+  EXPECT_TRUE(unarchived({"Sketch.Stroke"}, data));
+}
+
+TEST(KeyedArchiveTest, ARootThatCannotBeMadeIsMissing) {
+  const Data data = archiveOf({Dictionary{{"$class", reference(2)}}, classRecord("Sketch.Stroke")});
+  NSKeyedUnarchiver coder({"Sketch.Stroke"}, data);
+  EXPECT_FALSE(coder.decodeTopLevelObjectForKey("root"));
+  EXPECT_FALSE(coder.error());
+  Error error;
+  EXPECT_FALSE(unarchived({"Sketch.Stroke"}, data, &error));
+  EXPECT_THAT(error, IsError(CoderError::valueNotFound));
+}
+
+// ---- an independent reader
+
+TEST(KeyedArchiveTest, PythonReadsWhatIsWrittenAndWritesWhatIsRead) {
+  if (std::system("python3 -c 'import plistlib' 2>/dev/null") != 0)
+    GTEST_SKIP() << "the package python3 is not installed";
+  const TemporaryFolder folder;
+  const Data written = *archived(list({boxed(Stroke{0.1F, -3}), "Grüße", Data()}));
+  std::ofstream(folder.path("ours"), std::ios::binary)
+      .write(reinterpret_cast<const char*>(written.data()),
+             static_cast<std::streamsize>(written.size()));
+  std::ofstream(folder.path("check.py")) << R"(import plistlib, struct, sys
+from plistlib import UID
+bytes = open(sys.argv[1], 'rb').read()
+d = plistlib.loads(bytes, fmt=plistlib.FMT_BINARY)
+assert d['$version'] == 100000 and d['$archiver'] == 'NSKeyedArchiver', d
+objects = d['$objects']
+assert objects[0] == '$null'
+array = objects[d['$top']['root']]
+assert objects[array['$class']] == {'$classname': 'NSArray', '$classes': ['NSArray', 'NSObject']}
+stroke, text, data = (objects[uid] for uid in array['NS.objects'])
+assert stroke['width'] == struct.unpack('f', struct.pack('f', 0.1))[0] and stroke['$$count'] == -3
+assert b'\x22' + struct.pack('>f', 0.1) in bytes
+assert objects[stroke['$class']]['$classname'] == 'Sketch.Stroke'
+assert text == 'Grüße' and data == b''
+theirs = {'$version': 100000, '$archiver': 'NSKeyedArchiver', '$top': {'root': UID(1)},
+  '$objects': ['$null', {'NS.objects': [UID(3), UID(5), UID(6)], '$class': UID(2)},
+    {'$classname': 'NSArray', '$classes': ['NSArray', 'NSObject']},
+    {'width': 0.25, '$$count': -2**40, '$class': UID(4)},
+    {'$classname': 'Sketch.Stroke', '$classes': ['Sketch.Stroke', 'NSObject']},
+    'text', 2**64 - 1]}
+plistlib.dump(theirs, open(sys.argv[2], 'wb'), fmt=plistlib.FMT_BINARY)
+)";
+  const std::string command = "python3 " + folder.path("check.py") + " " + folder.path("ours") +
+                              " " + folder.path("theirs");
+  ASSERT_EQ(std::system(command.c_str()), 0);
+
+  std::ifstream in(folder.path("theirs"), std::ios::binary);
+  const std::string bytes{std::istreambuf_iterator<char>(in), {}};
+  const auto theirs =
+      unarchived({"NSArray", "Sketch.Stroke"}, Data(std::as_bytes(std::span(bytes))));
+  ASSERT_TRUE(theirs);
+  const Array& elements = *theirs->as<Array>();
+  EXPECT_EQ(unboxed<Stroke>(elements[0])->width, 0.25F);
+  EXPECT_EQ(unboxed<Stroke>(elements[0])->count, -(std::int64_t{1} << 40));
+  EXPECT_EQ(elements[1], Value("text"));
+  EXPECT_EQ(elements[2], Value(std::numeric_limits<std::uint64_t>::max()));
+}
+
+}  // namespace
+}  // namespace FrameworkUtility

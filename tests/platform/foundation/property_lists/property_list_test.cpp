@@ -1,0 +1,282 @@
+#include <framework_utility/platform/foundation/property_lists/property_list.h>
+#include <tests/platform/foundation/property_lists/binary_list.h>
+#include <tests/support/is_error.h>
+#include <tests/support/temporary_folder.h>
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstdlib>
+#include <fstream>
+#include <limits>
+#include <string>
+#include <vector>
+
+namespace FrameworkUtility {
+namespace {
+
+using namespace std::chrono_literals;
+using namespace std::string_literals;
+using testing::bigEndian;
+using testing::BinaryList;
+
+template <class T>
+constexpr T largest = std::numeric_limits<T>::max();
+template <class T>
+constexpr T smallest = std::numeric_limits<T>::min();
+
+std::string text(const Data& data) {
+  return {reinterpret_cast<const char*>(data.data()), data.size()};
+}
+
+std::optional<Value> read(const std::string& bytes, const PropertyListLimits& limits = {},
+                          Error* error = nullptr) {
+  return propertyListWithData(std::as_bytes(std::span(bytes)), limits, error);
+}
+
+/// The one object with these bytes.
+std::optional<Value> readOne(const std::string& object) {
+  return read(BinaryList{{object}}.bytes());
+}
+
+void expectRefused(const std::string& bytes, const PropertyListLimits& limits = {}) {
+  Error error;
+  EXPECT_FALSE(read(bytes, limits, &error));
+  EXPECT_THAT(error, testing::IsError(PropertyListError::readCorrupt));
+}
+
+Value nested(int depth) {
+  Value value = "innermost";
+  for (int i = 1; i < depth; ++i) value = Value(Array{value});
+  return value;
+}
+
+const Dictionary sample{
+    {"yes", true},
+    {"no", false},
+    {"text", "text"},
+    {"wide", "Grüße \U0001F600"},
+    {"empty", ""},
+    {"a text of more than fifteen characters", "text"},
+    {"date", std::chrono::sys_days{2024y / 5 / 17} + 9h + 123456us},
+    {"data", Data(std::as_bytes(std::span("bytes")))},
+    {"list", Value(Array{1, 2.5, 0.1f, Value(Array{}), Dictionary()})},
+    {"more", Value(Array(300, Value("one")))},
+    {"negative", -1},
+    {"largest", largest<std::uint64_t>},
+};
+
+TEST(PropertyListTest, WhatIsWrittenReadsBackWithKinds) {
+  const std::optional<Data> data = dataWithPropertyList(sample);
+  ASSERT_TRUE(data);
+  const std::optional<Value> value = propertyListWithData(*data);
+  ASSERT_TRUE(value);
+  EXPECT_EQ(*value, Value(sample)) << *value;
+  EXPECT_EQ(dataWithPropertyList(*value), data);
+
+  const Dictionary& dictionary = *value->as<Dictionary>();
+  EXPECT_EQ(dictionary.get<Number>("yes")->kind(), Number::Kind::boolean);
+  const Array& list = *dictionary.get<Array>("list");
+  EXPECT_EQ(list[0].as<Number>()->kind(), Number::Kind::integer);
+  EXPECT_FALSE(list[1].as<Number>()->isSinglePrecision());
+  EXPECT_TRUE(list[2].as<Number>()->isSinglePrecision());
+}
+
+TEST(PropertyListTest, NumbersTakeThePlatformsBytes) {
+  const std::pair<Number, std::string> cases[] = {
+      {0, "\x10\0"s},
+      {255, "\x10\xFF"},
+      {256, "\x11\1\0"s},
+      {65536, "\x12\0\1\0\0"s},
+      {0x100000000, "\x13\0\0\0\1\0\0\0\0"s},
+      {-1, "\x13\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFF"},
+      {largest<std::int64_t>, "\x13\x7F\xFF\xFF\xFF\xFF\xFF\xFF\xFF"},
+      {largest<std::uint64_t>, "\x14"s + std::string(8, '\0') + std::string(8, '\xFF')},
+      {1ULL, "\x10\1"},
+      {0.5f, "\x22\x3F\0\0\0"s},
+      {0.5, "\x23\x3F\xE0\0\0\0\0\0\0"s},
+      {true, "\x09"},
+      {false, "\x08"},
+  };
+  for (const auto& [number, bytes] : cases) {
+    SCOPED_TRACE(number);
+    EXPECT_EQ(text(*dataWithPropertyList(number)).substr(8, bytes.size()), bytes);
+    EXPECT_EQ(readOne(bytes), Value(number));
+  }
+  EXPECT_EQ(readOne("\x14"s + std::string(16, '\xFF')), Value(-1));
+  EXPECT_EQ(readOne("\x14"s + std::string(8, '\xFF') + "\x80"s + std::string(7, '\0')),
+            Value(smallest<std::int64_t>));
+  expectRefused(
+      BinaryList{{"\x14"s + std::string(8, '\xFF') + "\x7F"s + std::string(7, '\0')}}.bytes());
+  expectRefused(
+      BinaryList{{"\x14"s + std::string(7, '\0') + "\1"s + std::string(8, '\0')}}.bytes());
+}
+
+TEST(PropertyListTest, ArchivesReferToObjectsByNumber) {
+  for (const std::uint64_t number : {0ULL, 1ULL, 255ULL, 256ULL, 1ULL << 40}) {
+    const Value uid(std::make_shared<PropertyListUID>(number));
+    const std::optional<Value> value =
+        propertyListWithData(*dataWithPropertyList(Dictionary{{"root", uid}}));
+    EXPECT_EQ(PropertyListUID::numberIn(*value->as<Dictionary>()->find("root")), number);
+  }
+  EXPECT_EQ(PropertyListUID::numberIn(*readOne("\x82\1\2\3"s)), 0x010203u);
+  EXPECT_FALSE(PropertyListUID::numberIn(1));
+}
+
+TEST(PropertyListTest, TextsAreASCIIOrUTF16) {
+  EXPECT_EQ(readOne("\x62\xD8\x3D\xDE\0"s), Value("\U0001F600"));
+  EXPECT_EQ(readOne("\x62\xDE\0\xD8\x3D"s), Value("\uFFFD\uFFFD"));
+  EXPECT_EQ(readOne("\x5F\x10\x10"s + std::string(16, 'x')), Value(std::string(16, 'x')));
+  expectRefused(BinaryList{{"\x51\xFC"}}.bytes());
+  for (const char* invalid : {"\xFF", "a\xC3", "\xC0\x80", "\xED\xA0\x80", "\xF4\x90\x80\x80",
+                              "\xE2\x82"
+                              "a"}) {
+    Error error;
+    EXPECT_FALSE(dataWithPropertyList(invalid, &error));
+    EXPECT_THAT(error, testing::IsError(PropertyListError::writeInvalid));
+  }
+}
+
+TEST(PropertyListTest, EqualTextsAreWrittenOnce) {
+  const std::string bytes =
+      text(*dataWithPropertyList(Value(Array{"again", "again", Dictionary{{"again", "again"}}})));
+  EXPECT_EQ(bytes.find("again"), bytes.rfind("again"));
+}
+
+TEST(PropertyListTest, WhatNoListHoldsIsRefused) {
+  const Value values[] = {Value(),       URL::fileURLWithPath("/a"),
+                          Error("D", 1), Dictionary{{1, 2}},
+                          Date::min(),   Date::max(),
+                          nested(65)};
+  for (const Value& value : values) {
+    Error error;
+    EXPECT_FALSE(dataWithPropertyList(Dictionary{{"key", value}}, &error)) << value;
+    EXPECT_THAT(error, testing::IsError(PropertyListError::writeInvalid));
+  }
+}
+
+TEST(PropertyListTest, DepthIsLimited) {
+  const std::optional<Data> data = dataWithPropertyList(nested(64));
+  ASSERT_TRUE(data);
+  EXPECT_TRUE(propertyListWithData(*data));
+  expectRefused(text(*data), {.depth = 63});
+  EXPECT_FALSE(dataWithPropertyList(nested(65)));
+
+  BinaryList deep;
+  deep.referenceSize = 3;
+  for (std::uint64_t i = 1; i < 200'000; ++i) deep.objects.push_back("\xA1"s + bigEndian(i, 3));
+  deep.objects.push_back("\x09");
+  expectRefused(deep.bytes());
+  expectRefused(deep.bytes(), {.depth = 1'000'000});
+}
+
+TEST(PropertyListTest, CyclesAreRefused) {
+  expectRefused(BinaryList{{"\xA1\0"s}}.bytes());
+  expectRefused(BinaryList{{"\xA1\1"s, "\xA1\0"s}}.bytes());
+  expectRefused(BinaryList{{"\xD1\1\0"s, "\x51k"}}.bytes());
+  EXPECT_TRUE(read(BinaryList{{"\xA2\1\1"s, "\xA0"}}.bytes()));  // sharing is no cycle
+}
+
+TEST(PropertyListTest, ExpansionIsLimited) {
+  BinaryList doubling;  // 24 levels of two references: 16 million values in 138 bytes
+  for (char i = 1; i <= 24; ++i) doubling.objects.push_back({'\xA2', i, i});
+  doubling.objects.push_back("\x09");
+  expectRefused(doubling.bytes());
+
+  const std::string many = "\xAF\x12"s + bigEndian(100'000, 4) + std::string(100'000, '\1');
+  EXPECT_TRUE(read(BinaryList{{many, "\x09"}}.bytes()));
+  for (const char* marker :
+       {"\x4F\x12", "\x5F\x12"}) {  // one large object a hundred thousand times
+    const std::string large = marker + bigEndian(100'000, 4) + std::string(100'000, 'x');
+    expectRefused(BinaryList{{many, large}}.bytes());
+  }
+}
+
+TEST(PropertyListTest, DamageIsRefused) {
+  const std::string good = BinaryList{{"\xD1\1\2"s, "\x51k", "\x09"}}.bytes();
+  ASSERT_TRUE(read(good));
+  const auto with = [&](std::size_t fromEnd, const std::string& bytes) {
+    return std::string(good).replace(good.size() - fromEnd, bytes.size(), bytes);
+  };
+  const std::string lists[] = {
+      "",
+      "bplist00",
+      std::string(good).replace(0, 8, "bplist15"),
+      with(26, "\0"s),  // size of an offset
+      with(26, "\x09"),
+      with(25, "\0"s),  // size of a reference
+      with(25, "\x09"),
+      with(24, bigEndian(0, 8)),  // number of objects
+      with(24, bigEndian(1ULL << 61, 8)),
+      with(24, bigEndian(2, 8)),  // a reference past them
+      with(16, bigEndian(3, 8)),  // top object
+      with(8, bigEndian(7, 8)),   // offset of the table
+      with(8, bigEndian(~0ULL, 8)),
+      with(44, bigEndian(7, 4)),  // offset of an object
+      with(44, bigEndian(~0U, 4)),
+      BinaryList{{"\xAF\x13\x7F\xFF\xFF\xFF\xFF\xFF\xFF\xFF"}}.bytes(),
+      BinaryList{{"\x4F\x13\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFF"}}.bytes(),
+      BinaryList{{"\xDF\x13\x20\0\0\0\0\0\0\0"s}}.bytes(),
+      BinaryList{{"\x4F\x51x"}}.bytes(),  // a length that is a text
+      BinaryList{{"\x52x"}}.bytes(),
+      BinaryList{{"\x13\0"s}}.bytes(),
+      BinaryList{{"\x15"}}.bytes(),
+      BinaryList{{"\x24"}}.bytes(),
+      BinaryList{{"\x33\x7F\xF0\0\0\0\0\0\0"s}}.bytes(),  // an infinite date
+      BinaryList{{"\x32\0\0\0\0"s}}.bytes(),
+      BinaryList{{"\x0F"}}.bytes(),
+      BinaryList{{"\x70"}}.bytes(),
+      BinaryList{{"\xD1\1\2"s, "\x10\1", "\x09"}}.bytes(),              // a number as key
+      BinaryList{{"\xD2\1\2\3\3"s, "\x51k", "\x51k", "\x09"}}.bytes(),  // a key twice
+  };
+  for (std::size_t i = 0; i < std::size(lists); ++i) {
+    SCOPED_TRACE(i);
+    expectRefused(lists[i]);
+  }
+
+  BinaryList large{{"\xDF\x10\x20"s}};  // a key twice among many
+  for (char i = 0; i < 32; ++i) large.objects[0] += static_cast<char>(1 + i % 31);
+  large.objects[0] += std::string(32, '\1');
+  for (char i = 0; i < 31; ++i) large.objects.push_back({'\x51', static_cast<char>('A' + i)});
+  expectRefused(large.bytes());
+}
+
+TEST(PropertyListTest, PythonReadsWhatIsWrittenAndWritesWhatIsRead) {
+  if (std::system("python3 -c 'import plistlib' 2>/dev/null") != 0)
+    GTEST_SKIP() << "the package python3 is not installed";
+  const testing::TemporaryFolder folder;
+  Dictionary value = sample;
+  value.set("uid", Value(std::make_shared<PropertyListUID>(300)));
+  const Data written = *dataWithPropertyList(value);
+  std::ofstream(folder.path("ours"), std::ios::binary) << text(written);
+  // Python knows no microseconds in these dates.
+  std::ofstream(folder.path("check.py")) << R"(import plistlib, datetime, sys
+d = plistlib.load(open(sys.argv[1], 'rb'), fmt=plistlib.FMT_BINARY)
+expected = {'yes': True, 'no': False, 'text': 'text', 'wide': 'Grüße \U0001F600', 'empty': '',
+  'a text of more than fifteen characters': 'text', 'data': b'bytes\0', 'more': ['one'] * 300,
+  'negative': -1, 'largest': 2**64 - 1, 'uid': plistlib.UID(300)}
+for key, item in expected.items():
+  assert d[key] == item and type(d[key]) is type(item), (key, d[key])
+assert d['list'][:2] == [1, 2.5] and abs(d['list'][2] - 0.1) < 1e-8 and d['list'][3:] == [[], {}]
+assert abs(d['date'] - datetime.datetime(2024, 5, 17, 9, 0, 0, 123456)) < datetime.timedelta(0, 1)
+assert len(d) == len(expected) + 2
+plistlib.dump(d, open(sys.argv[2], 'wb'), fmt=plistlib.FMT_BINARY)
+)";
+  const std::string command = "python3 " + folder.path("check.py") + " " + folder.path("ours") +
+                              " " + folder.path("theirs");
+  ASSERT_EQ(std::system(command.c_str()), 0);
+
+  std::ifstream in(folder.path("theirs"), std::ios::binary);
+  std::optional<Value> read = FrameworkUtility::read({std::istreambuf_iterator<char>(in), {}});
+  ASSERT_TRUE(read);
+  Dictionary& theirs = *read->as<Dictionary>();
+  EXPECT_EQ(PropertyListUID::numberIn(*theirs.find("uid")), 300u);
+  for (const char* key : {"uid", "date"}) {
+    value.remove(key);
+    theirs.remove(key);
+  }
+  EXPECT_EQ(theirs, value);
+}
+
+}  // namespace
+}  // namespace FrameworkUtility
