@@ -29,17 +29,25 @@ struct Parts {
   std::string_view scheme, before, path, after;
 };
 
+/// Where the first of the characters stands from `begin` on, else the end. As a plain loop, for
+/// addresses are short and the standard one calls a function a character.
+template <std::size_t size>
+std::size_t firstOf(const char (&set)[size], std::string_view text, std::size_t begin) {
+  const auto isIn = [&](char c) { return std::find(set, set + size - 1, c) != set + size - 1; };
+  while (begin < text.size() && !isIn(text[begin])) ++begin;
+  return begin;
+}
+
 Parts split(std::string_view text) {
   Parts parts;
-  const std::size_t colon = text.find_first_of(":/?#");
-  if (colon != text.npos && colon > 0 && text[colon] == ':' && isLetter(text[0]) &&
+  const std::size_t colon = firstOf(":/?#", text, 0);
+  if (colon < text.size() && colon > 0 && text[colon] == ':' && isLetter(text[0]) &&
       std::all_of(text.begin(), text.begin() + static_cast<std::ptrdiff_t>(colon),
                   [](char c) { return isLetter(c) || isDigit(c) || isOneOf(c, "+-."); }))
     parts.scheme = text.substr(0, colon);
   std::size_t path = parts.scheme.empty() ? 0 : colon + 1;
-  if (text.substr(path, 2) == "//")
-    path = std::min(text.find_first_of("/?#", path + 2), text.size());
-  const std::size_t end = std::min(text.find_first_of("?#", path), text.size());
+  if (text.substr(path, 2) == "//") path = firstOf("/?#", text, path + 2);
+  const std::size_t end = firstOf("?#", text, path);
   parts.before = text.substr(0, path);
   parts.path = text.substr(path, end - path);
   parts.after = text.substr(end);
@@ -66,6 +74,7 @@ std::string percentEncoded(std::string_view path) {
 
 /// `text` holds only well-formed escapes.
 std::string percentDecoded(std::string_view text) {
+  if (text.find('%') == text.npos) return std::string(text);
   std::string decoded;
   decoded.reserve(text.size());
   for (std::size_t i = 0; i < text.size(); ++i) {
