@@ -16,13 +16,13 @@ class ExpansionBudget {
                   ExpansionBudget* whole = nullptr)
       : values_(values), whole_(whole) {
     const std::size_t each = std::max<std::size_t>(perByte, 1);
-    cost_ = freeCost + (dataSize > (all - freeCost) / each ? all - freeCost : dataSize * each);
+    cost_ = freeCost + (dataSize > (most - freeCost) / each ? most - freeCost : dataSize * each);
   }
   /// About as much as so many bytes of memory hold. A value counts 96, a byte of text or data 1.
   static ExpansionBudget ofMemory(std::size_t bytes) {
     ExpansionBudget budget(0, 0, all);
-    budget.cost_ = bytes;
-    budget.valueCost_ = 96;
+    budget.cost_ = std::min(bytes, most);
+    budget.valueCost_ = memoryOfValue;
     return budget;
   }
 
@@ -30,7 +30,8 @@ class ExpansionBudget {
   // giving memory.
 
   bool spendValues(std::size_t count) {
-    if (count > values_ || count > cost_ / valueCost_) return false;
+    // Their product cannot overflow; a quotient would be what takes longest here.
+    if (count > values_ || count > cost_ || count * valueCost_ > cost_) return false;
     if (whole_ && !whole_->spendValues(count)) return !(isWholeSpent_ = true);
     values_ -= count;
     cost_ -= count * valueCost_;
@@ -46,7 +47,9 @@ class ExpansionBudget {
   bool isWholeSpent() const { return isWholeSpent_; }
 
  private:
+  static constexpr std::size_t memoryOfValue = 96;
   static constexpr std::size_t all = std::numeric_limits<std::size_t>::max();
+  static constexpr std::size_t most = all / memoryOfValue;
   static constexpr std::size_t freeCost = std::size_t{64} * 1024;
 
   std::size_t values_;
