@@ -71,10 +71,13 @@ package() {
 compilers() {
   # Own programs of the library's users may be of a later language level than the library.
   echo '== headers as C++23, with both compilers'
-  local compiler
+  local compiler flags
+  flags=$(grep '^[A-Z]' cmake/third_party.txt | cut -d'|' -f2 | xargs pkg-config --cflags |
+    sed 's/-I/-isystem /g')
+  # shellcheck disable=SC2086  # a list of words
   for compiler in g++ clang++-14; do
     sources 'framework_utility/*.h' | sed 's/.*/#include <&>/' |
-      $compiler -std=c++2b -I. -Wall -Wextra -Wpedantic -Werror -fsyntax-only -x c++ -
+      $compiler -std=c++2b -I. $flags -Wall -Wextra -Wpedantic -Werror -fsyntax-only -x c++ -
   done
 }
 
