@@ -35,7 +35,7 @@ configure() {
   cmake -S "$app/source" -B "$app/$1" -G Ninja -DCMAKE_PREFIX_PATH="$prefix" "-DASKED=$2" 2>&1
 }
 ! answer=$(configure unknown 'geometry;imagoio') || fail 'an unknown component is found'
-case $answer in
+case $(echo "$answer" | tr -s '\n ' ' ') in  # CMake breaks lines
   *'no component "imagoio" but plane,'*', imageio.'*) ;;
   *) fail "an unknown component is answered with $answer" ;;
 esac
