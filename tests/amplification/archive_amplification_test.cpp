@@ -42,8 +42,10 @@ TEST(ArchiveAmplificationTest, ListsTakeMemoryInProportionToTheirSize) {
        "<plist><array>" + repeated(mebibyte / 18, "<string>a</string>") + "</array></plist>"},
   };
   for (const auto& [name, list] : lists) {
-    const Expense expense = expenseOf(
-        [] {}, [&] { static_cast<void>(propertyListWithData(std::as_bytes(std::span(list)))); });
+    const Expense expense = expenseOf([] {},
+                                      [bytes = std::as_bytes(std::span(list))] {
+                                        static_cast<void>(propertyListWithData(bytes));
+                                      });
     EXPECT_TRUE(expense.isDone) << name;
     EXPECT_LE(expense.memory, mebibyte + 200 * list.size()) << name;
   }

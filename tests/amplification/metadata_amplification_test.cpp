@@ -60,7 +60,8 @@ std::string exifWithNote(std::uint64_t type, std::string_view value) {
 /// One whose known texts are all `value`.
 std::string exifWithTexts(std::string_view value) {
   std::vector<Record> records;
-  for (const std::uint64_t tag : {0x10D, 0x10E, 0x10F, 0x110, 0x131, 0x132, 0x13B, 0x13C, 0x8298})
+  for (const std::uint64_t tag :
+       {0x10Du, 0x10Eu, 0x10Fu, 0x110u, 0x131u, 0x132u, 0x13Bu, 0x13Cu, 0x8298u})
     records.push_back({tag, 2, value.size(), 8 + 2 + 9 * 12 + 4});
   return ("MM\0*\0\0\0\x8"s + directory(records)).append(value);
 }

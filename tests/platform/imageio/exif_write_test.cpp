@@ -7,6 +7,7 @@
 #include <limits>
 #include <optional>
 #include <random>
+#include <span>
 #include <string>
 
 namespace FrameworkUtility::testing {
@@ -107,7 +108,7 @@ TEST(ExifWriteTest, OnlyWhatTheThumbnailOwnsIsZeroed) {
     const Bytes merged = mergeExif(block, properties, {});
     ASSERT_EQ(merged.size(), block.size());
     EXPECT_EQ(contains(merged, "old picture"), !isThumbnailFound);
-    EXPECT_TRUE(std::equal(block.begin() + end, block.end(), merged.begin() + end));
+    EXPECT_TRUE(std::ranges::equal(std::span(block).subspan(end), std::span(merged).subspan(end)));
     // But for the orientation and the way to the thumbnail nothing before it is touched.
     std::size_t changed = 0;
     for (std::size_t i = 0; i < second; ++i) changed += merged[i] != block[i];
