@@ -95,7 +95,7 @@ class CGContext {
 
   /// The bitmap as it is now; later drawing leaves the image as it is. Absent when memory is short,
   /// or was for something that should have been drawn, or when a side of a bitmap that was clipped,
-  /// filled or drawn into exceeds 32,766 pixels.
+  /// filled or drawn into exceeds 32,766 pixels, or an image had to be taken from further away.
   /// Platform: CGBitmapContextCreateImage
   std::optional<CGImage> createImage();
 

@@ -151,6 +151,12 @@ bool drawImage(const DrawnBitmap& bitmap, const CGImage& image, const AffineTran
                const Coverage& where) {
   const std::optional<CGColorSpace>& space = image.colorSpace();
   if (!space || space->model() == CGColorSpaceModel::lab) return true;
+  const double across = std::hypot(toPixels.a, toPixels.b) * static_cast<double>(image.width());
+  const double down = std::hypot(toPixels.c, toPixels.d) * static_cast<double>(image.height());
+  const double area = std::abs(toPixels.a * toPixels.d - toPixels.b * toPixels.c) *
+                      static_cast<double>(image.width()) * static_cast<double>(image.height());
+  constexpr double thinnest = 0.001;  // of a pixel: covers less than half a level of it
+  if (!(area > thinnest * std::max(across, down))) return true;
   const PixelSize size{reducedSide(image.width(), std::hypot(toPixels.a, toPixels.b)),
                        reducedSide(image.height(), std::hypot(toPixels.c, toPixels.d))};
   if (std::max(size.width, size.height) > pixmanLongestSide) return false;
@@ -161,12 +167,11 @@ bool drawImage(const DrawnBitmap& bitmap, const CGImage& image, const AffineTran
   if (space->model() == CGColorSpaceModel::rgb && !bringIntoSRGB(*pixels, hasAlpha, *space))
     return false;
 
-  const double right = static_cast<double>(image.width()) / static_cast<double>(size.width);
-  const double down = static_cast<double>(image.height()) / static_cast<double>(size.height);
-  const std::optional<pixman_transform_t> back =
-      inverseOf({toPixels.a * right, toPixels.b * right, toPixels.c * down, toPixels.d * down,
-                 toPixels.tx, toPixels.ty},
-                where.box());
+  const double x = static_cast<double>(image.width()) / static_cast<double>(size.width);
+  const double y = static_cast<double>(image.height()) / static_cast<double>(size.height);
+  const std::optional<pixman_transform_t> back = inverseOf(
+      {toPixels.a * x, toPixels.b * x, toPixels.c * y, toPixels.d * y, toPixels.tx, toPixels.ty},
+      where.box());
   const PixmanImage source(pixman_image_create_bits_no_clear(
       hasAlpha ? pixmanRGBA : pixmanRGBSkip, static_cast<int>(size.width),
       static_cast<int>(size.height), reinterpret_cast<std::uint32_t*>(pixels->data()),

@@ -22,7 +22,8 @@ struct DrawnBitmap {
 bool drawColor(const DrawnBitmap& bitmap, const RGBA& color, const Coverage& where);
 bool drawGradient(const DrawnBitmap& bitmap, const GradientFill& fill, const Coverage& where);
 /// `toPixels` takes the image's pixels, from its top left corner on, to those of the bitmap. Where
-/// it has no inverse, and for a bitmap without colours or in Lab, nothing is drawn. False too where
+/// makes the image thinner than can be seen, and for a bitmap without colours or in Lab, nothing is
+/// drawn. False too where
 /// the image is too far away to be told where it is.
 bool drawImage(const DrawnBitmap& bitmap, const CGImage& image, const AffineTransform& toPixels,
                const Coverage& where);
