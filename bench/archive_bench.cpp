@@ -73,8 +73,9 @@ void readTree(const Data& archive) {
   plist_t object =
       plist_array_get_item(plist_dict_get_item(tree, "$objects"), static_cast<std::uint32_t>(root));
   double blue = 0;
-  for (const char* key : {"R", "G", "A", "B"})
+  for (const char* key : {"R", "G", "A", "B"}) {
     plist_get_real_val(plist_dict_get_item(object, key), &blue);
+  }
   check(blue == colour.blue, "libplist");
   plist_free(tree);
 }

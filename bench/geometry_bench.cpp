@@ -154,9 +154,10 @@ void raceOfSegments(const Scene& scene) {
 
 void timeOfCover(const Scene& scene) {
   const auto cover = [&] {
-    for (std::size_t i = 0; i < count; ++i)
+    for (std::size_t i = 0; i < count; ++i) {
       bench::keep(scene.shapes[i].rectangleFilledWithRectRotated({4032, 3024}, scene.points[i],
                                                                  static_cast<double>(i) * 0.00628));
+    }
   };
   bench::compare("the covering rect, 1000 times; allocations: " + allocationsOf(cover),
                  {{"KvRectangle::rectangleFilledWithRectRotated", cover}});

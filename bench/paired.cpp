@@ -32,8 +32,9 @@ double median(std::vector<double> values) {
 /// A line of /proc/self/status in bytes.
 long statusLine(std::string_view key) {
   std::ifstream status("/proc/self/status");
-  for (std::string line; std::getline(status, line);)
+  for (std::string line; std::getline(status, line);) {
     if (line.starts_with(key)) return std::strtol(line.c_str() + key.size(), nullptr, 10) * 1024;
+  }
   return 0;
 }
 
@@ -43,9 +44,11 @@ void compare(std::string_view title, const std::vector<Contender>& contenders, i
   std::vector<int> repeats;
   for (const Contender& contender : contenders) repeats.push_back(repeatsFor(contender.work));
   std::vector<std::vector<double>> times(contenders.size());
-  for (int turn = 0; turn < turns; ++turn)
-    for (std::size_t i = 0; i < contenders.size(); ++i)
+  for (int turn = 0; turn < turns; ++turn) {
+    for (std::size_t i = 0; i < contenders.size(); ++i) {
       times[i].push_back(seconds(contenders[i].work, repeats[i]));
+    }
+  }
 
   std::printf("%.*s\n", static_cast<int>(title.size()), title.data());
   const double first = median(times[0]);

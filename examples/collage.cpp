@@ -65,9 +65,10 @@ void drawSvg(std::ostream& svg) {
     const Frame frame(cell);
     svg << "<polygon points='" << cell << "' fill='#fffdf8' stroke='#c9c4ba'/>\n<polygon points='"
         << frame.inside << "' fill='#8fcbe4'/>\n";
-    for (const KvCollageShapeSide& side : frame.sides)
+    for (const KvCollageShapeSide& side : frame.sides) {
       svg << "<polyline stroke='#d6336c' stroke-width='1.5' points='"
           << Polygon{side.bissectrice->p1, side.bissectrice->locatePointOnStart(44)} << "'/>\n";
+    }
   }
   svg << "</svg>\n" << std::flush;
 }
@@ -79,9 +80,10 @@ void drawCollage(CGContext& context, const std::vector<UIImage>& photos) {
   for (std::size_t i = 0; i < std::size(cells); ++i) {
     const Polygon inside = Frame(cells[i]).inside;
     Rect box = Rect::rect(inside[0], inside[1]);
-    for (const Point p : inside)
+    for (const Point p : inside) {
       box = Rect::rect({std::min(box.minX(), p.x), std::min(box.minY(), p.y)},
                        {std::max(box.maxX(), p.x), std::max(box.maxY(), p.y)});
+    }
     context.saveGState();
     context.clipToPolygon(inside);
     if (photos.empty()) {
@@ -102,8 +104,9 @@ void drawCollage(CGContext& context, const std::vector<UIImage>& photos) {
 int main(int argc, char** argv) {
   const std::string name = argc > 1 ? argv[1] : "collage.svg";
   std::vector<UIImage> photos;
-  for (int i = 2; i < argc; ++i)
+  for (int i = 2; i < argc; ++i) {
     if (const auto photo = UIImage::withContentsOfFile(argv[i])) photos.push_back(*photo);
+  }
 
   std::ofstream svg(name);
   drawSvg(svg);

@@ -58,8 +58,9 @@ int main(int argc, char** argv) {
   }
   std::cout << "saved as " << *written << '\n';
 
-  if (const std::optional<UIImage> thumbnail = thumbnailForImageAtURL(*written, {256, 256}))
+  if (const std::optional<UIImage> thumbnail = thumbnailForImageAtURL(*written, {256, 256})) {
     std::cout << "thumbnail " << thumbnail->size().width << " pixels wide\n";
+  }
 
   KvSessionManager::destroySessionForSessionIdentifierSuffix(session);
 }

@@ -38,11 +38,12 @@ void draw(std::ostream& svg, double angle) {
       KvRectangle(crop).rectangleFilledWithRectRotated(photo, crop.center(), angle);
   const Size upright = Math::makeSizeWithAspectRatioOutsideSize(photo, crop);
   const Point p1 = cover.p1(), p2 = cover.p2(), p4 = cover.p4();
-  for (const char* how : {"opacity='.3'", "clip-path='url(#crop)'"})
+  for (const char* how : {"opacity='.3'", "clip-path='url(#crop)'"}) {
     svg << "<g " << how << "><use href='#photo' transform='matrix("  // onto the cover's corners
         << (p2.x - p1.x) / photo.width << ' ' << (p2.y - p1.y) / photo.width << ' '
         << (p4.x - p1.x) / photo.height << ' ' << (p4.y - p1.y) / photo.height << ' ' << p1.x << ' '
         << p1.y << ")'/></g>\n";
+  }
   svg << "<rect width='" << crop.width << "' height='" << crop.height
       << "' fill='none' stroke='#fff' stroke-width='2'/>\n<text x='54' y='93'>"
       << std::lround(Math::radiansToDegrees(angle)) << "° · "

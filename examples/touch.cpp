@@ -66,12 +66,13 @@ int main() {
   KvExtendTouch<WidgetView> wideHandle(handle), ownAreaGallery(gallery);
   wideHandle.setHitTestEdgeInsets({-16, -12, -16, -12});
 
-  for (double y = 4; y < top.height; y += 8, std::cout << '\n')
+  for (double y = 4; y < top.height; y += 8, std::cout << '\n') {
     for (double x = 2; x < top.width; x += 4) {
       const auto mouse = std::make_shared<Mouse>(window, Point{x, y});
       const auto touch = KvTouchItem::touchItemWithObject(mouse);
       std::cout << mark(*touch, x < 76 ? wideHandle : x < 148 ? plainList : ownAreaGallery);
     }
+  }
   std::cout
       << "    a handle          a list, scrolled  a gallery, scrolled\n"
          "# answers, + answers beyond what is drawn, - is drawn and does not answer: without a\n"

@@ -53,12 +53,13 @@ void change(Dictionary& properties, std::uint8_t choice) {
     return;
   }
   const Key key = chosen.begin()[index].key;
-  if (choice < 128)
+  if (choice < 128) {
     chosen.remove(key);
-  else if (chosen.find(key)->as<std::string>())
+  } else if (chosen.find(key)->as<std::string>()) {
     chosen.set(key, "A text that is longer than what stood here before, most of the time");
-  else
+  } else {
     chosen.set(key, choice / 7.0);
+  }
 }
 
 }  // namespace

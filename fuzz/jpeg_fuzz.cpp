@@ -12,9 +12,7 @@ using namespace FrameworkUtility;
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const auto source = CGImageSource::createWithData(Data(std::as_bytes(std::span(data, size))));
   const auto properties = source->propertiesAtIndex(0);
-  if (!properties) {
-    return 0;
-  }
+  if (!properties) return 0;
   source->metadataBlocksAtIndex(0);
   // Large pictures take long and show nothing that small ones do not.
   const auto width = properties->get<Number>(kCGImagePropertyPixelWidth)->doubleValue();

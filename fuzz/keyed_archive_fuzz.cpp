@@ -32,8 +32,9 @@ class Node final : public NSObject, public NSCoding {
     node->ratio_ = coder.decodeFloatForKey("ratio");
     node->isSet_ = coder.decodeBoolForKey("isSet");
     node->name_ = coder.decodeObjectOfClasses({"NSString"}, "name");
-    if (coder.decodeBytesForKey("bytes") && coder.decodeInlineValueForKey("absent"))
+    if (coder.decodeBytesForKey("bytes") && coder.decodeInlineValueForKey("absent")) {
       return std::nullopt;
+    }
     return Value(node);
   }
 

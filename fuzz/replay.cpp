@@ -22,12 +22,14 @@ constexpr std::size_t changes = 256;
 void run(const Bytes& bytes) { LLVMFuzzerTestOneInput(bytes.data(), bytes.size()); }
 
 void runDamaged(const Bytes& whole, std::mt19937& random) {
-  for (std::size_t i = 0; i < cuts; ++i)
+  for (std::size_t i = 0; i < cuts; ++i) {
     run(Bytes(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(whole.size() * i / cuts)));
+  }
   for (std::size_t i = 0; i < changes && !whole.empty(); ++i) {
     Bytes damaged = whole;
-    for (std::size_t count = 1 + random() % 4; count > 0; --count)
+    for (std::size_t count = 1 + random() % 4; count > 0; --count) {
       damaged[random() % damaged.size()] = static_cast<std::uint8_t>(random());
+    }
     run(damaged);
   }
 }

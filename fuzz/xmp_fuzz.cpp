@@ -28,9 +28,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const Dictionary before = readXmp(packet, {}, budget);
 
   Dictionary after;
-  for (const auto& [name, entries] : before)
-    for (const auto& [key, value] : *entries.as<Dictionary>())
+  for (const auto& [name, entries] : before) {
+    for (const auto& [key, value] : *entries.as<Dictionary>()) {
       after.subdictionary(name).set(key, value.as<std::string>() ? Value("<&>'\"\xFF\n") : value);
+    }
+  }
   // What continues IPTC is not read, but follows a change of its entry.
   after.subdictionary("{IPTC}").set("City", "<\xC3\x9Clm>");
   after.subdictionary("{IPTC}").set("Keywords", Value(Array{"lake", "dusk"}));
@@ -43,8 +45,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   if (const std::optional<XmpParts> parts = splitXmp(whole, size / 2)) {
     const Data joined = joinedXmp(parts->packet, parts->extension);
     if (count(whole) && (*count(parts->packet) + *count(parts->extension) != *count(whole) ||
-                         *count(joined) + !xmpExtensionName(whole).empty() < *count(whole)))
+                         *count(joined) + !xmpExtensionName(whole).empty() < *count(whole))) {
       std::abort();
+    }
   }
   return 0;
 }

@@ -29,9 +29,10 @@ Light screen(std::uint32_t rgb) {
 
 Canvas::Canvas(std::size_t width, std::size_t height, std::uint32_t seed)
     : width_(width), height_(height), seed_(seed), pixels_(width * height * 4) {
-  for (std::size_t i = 0; i < tones_.size(); ++i)
+  for (std::size_t i = 0; i < tones_.size(); ++i) {
     tones_[i] =
         developed(brightest * static_cast<float>(i) / static_cast<float>(tones_.size() - 1));
+  }
 }
 
 float Canvas::tone(float light) const {

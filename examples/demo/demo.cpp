@@ -43,10 +43,11 @@ void heading(std::string_view text) { std::cout << '\n' << text << '\n'; }
 template <class T>
 void fact(std::string_view name, const std::optional<T>& value) {
   std::cout << "  " << std::left << std::setw(22) << name;
-  if (value)
+  if (value) {
     std::cout << *value << '\n';
-  else
+  } else {
     std::cout << "-\n";
+  }
 }
 
 std::optional<std::string> text(const std::optional<Date>& date) {
@@ -118,16 +119,19 @@ std::size_t compare(const Dictionary& before, const Dictionary& after, const std
   for (const auto& [key, value] : before) {
     const Value* now = after.find(key);
     const Dictionary* inner = value.as<Dictionary>();
-    if (now && *now == value)
+    if (now && *now == value) {
       same += inner ? inner->size() : 1;
-    else if (inner && now && now->as<Dictionary>())
+    } else if (inner && now && now->as<Dictionary>()) {
       same += compare(*inner, *now->as<Dictionary>(), path + text(key) + " ");
-    else
+    } else {
       line(key, value.description(), now ? now->description() : "gone");
+    }
   }
-  for (const auto& [key, value] : after)
-    if (!before.find(key))
+  for (const auto& [key, value] : after) {
+    if (!before.find(key)) {
       line(key, "none", value.as<Dictionary>() ? "added" : value.description());
+    }
+  }
   return same;
 }
 

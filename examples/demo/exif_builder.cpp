@@ -20,9 +20,10 @@ Field field(std::uint16_t tag, Type type, std::size_t count, Bytes value) {
 
 Bytes fractions(const std::vector<Fraction>& values) {
   Bytes out;
-  for (const auto& [numerator, denominator] : values)
+  for (const auto& [numerator, denominator] : values) {
     out += bigEndian(static_cast<std::uint64_t>(numerator), 4) +
            bigEndian(static_cast<std::uint64_t>(denominator), 4);
+  }
   return out;
 }
 

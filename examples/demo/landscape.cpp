@@ -48,8 +48,9 @@ Landscape::Landscape(std::size_t width, std::size_t height, std::uint32_t seed)
       sunward_(width),
       wave_(width / 4 + 2),
       calm_(wave_.size()) {
-  for (std::size_t column = 0; column < width_; ++column)
+  for (std::size_t column = 0; column < width_; ++column) {
     sunward_[column] = std::exp(-std::fabs(static_cast<float>(column) / scale_ - sun.x) * 2.6F);
+  }
   makeSky();
   makeRock();
   for (std::size_t i = 0; i < rangeCount; ++i) {

@@ -239,9 +239,10 @@ Bytes segment(char marker, const Bytes& contents) {
 std::span<const std::byte> picturePart(const Data& jpeg) {
   std::span<const std::byte> rest(jpeg.data() + 2, jpeg.size() - 2);
   const auto marker = [&] { return static_cast<char>(rest[1]); };
-  while (marker() == application0 || marker() == application1)
+  while (marker() == application0 || marker() == application1) {
     rest = rest.subspan(
         2 + (std::to_integer<std::size_t>(rest[2]) << 8 | std::to_integer<std::size_t>(rest[3])));
+  }
   return rest;
 }
 

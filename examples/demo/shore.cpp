@@ -97,9 +97,10 @@ void Shore::grass() {
         canvas_.stroke(last, next, thick * (1.15F - t + 0.25F), thick * (1.15F - t), light);
         last = next;
       }
-      if (random(8) > 0.965F && row < 6)  // an ear
+      if (random(8) > 0.965F && row < 6) {  // an ear
         canvas_.stroke(last, {last.x + lean * 0.22F, last.y - length * 0.16F}, 0.0022F, 0.0009F,
                        mix(light, gold, 0.35F + 0.4F * sunward));
+      }
     }
   }
 }

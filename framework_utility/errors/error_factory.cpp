@@ -21,10 +21,11 @@ Error errorWithDomain(std::optional<std::string_view> domain, std::int64_t code,
                       const std::optional<Error>& underlyingError) {
   Dictionary userInfo;
   if (underlyingError) userInfo.set(Key::withConstant(NSUnderlyingErrorKey), *underlyingError);
-  if (isDiskSpaceCode(code))
+  if (isDiskSpaceCode(code)) {
     userInfo.set(Key::withConstant(NSLocalizedDescriptionKey), diskSpaceReport(description));
-  else if (description)
+  } else if (description) {
     userInfo.set(Key::withConstant(NSLocalizedDescriptionKey), *description);
+  }
   return Error(domain.value_or(defaultErrorDomain), code, std::move(userInfo));
 }
 
@@ -53,8 +54,9 @@ std::string diskSpaceReport(std::optional<std::string_view> lead,
 }
 
 Error withDiskSpaceReport(const Error& cause) {
-  if (cause.domain() != NSCocoaErrorDomain || cause.code() != NSFileWriteOutOfSpaceError)
+  if (cause.domain() != NSCocoaErrorDomain || cause.code() != NSFileWriteOutOfSpaceError) {
     return cause;
+  }
   Dictionary userInfo = cause.userInfo();
   const std::string* file = userInfo.get<std::string>(NSFilePathErrorKey);
   // The file itself is hardly there. A bare name stands in the working directory.

@@ -83,8 +83,9 @@ void removeParentFolderIfEmptyAtURL(FileManager& files, const URL& url) {
 }
 
 void deleteContentOfFolderAtPath(FileManager& files, std::string_view path) {
-  for (const std::string& entry : entries(files, path))
+  for (const std::string& entry : entries(files, path)) {
     files.removeItemAtPath(paths::appendingPathComponent(path, entry), nullptr);
+  }
 }
 
 void deleteContentOfFolderAtURL(FileManager& files, const URL& url) {
@@ -103,9 +104,10 @@ void deleteFolderThatContainsFileAtUrl(FileManager& files, const URL& url) {
 void moveContentOfFolderPath(FileManager& files, std::string_view folder,
                              std::string_view toFolder) {
   if (toFolder.empty()) return;
-  for (const std::string& entry : entries(files, folder))
+  for (const std::string& entry : entries(files, folder)) {
     files.moveItemAtPath(paths::appendingPathComponent(folder, entry),
                          paths::appendingPathComponent(toFolder, entry), nullptr);
+  }
 }
 
 std::string fileNameToCopyFileWithName(const FileManager& files, std::string_view name,
@@ -163,9 +165,10 @@ std::optional<URL> duplicateFileAtUrl(FileManager& files, const URL& url, Error*
   const std::string copy = paths::appendingPathComponent(folder, name);
   Error cause;
   if (!files.copyItemAtPath(path, copy, &cause)) {
-    if (error)
+    if (error) {
       *error = errorWithCode(FileManagerDuplicateError::copyFailed, std::nullopt,
                              withDiskSpaceReport(cause));
+    }
     return std::nullopt;
   }
   return URL::fileURLWithPath(copy);

@@ -76,8 +76,9 @@ std::string KvCollageSegment::description() const {
 
   std::string text = "KvCollageSegment: ";
   if (hasPoints) text += std::string("p1 ") + point(p1) + ", p2 " + point(p2) + ", ";
-  if (hasCoefficients)
+  if (hasCoefficients) {
     text += std::string("a ") + number(a_) + ", b " + number(b_) + ", c " + number(c_) + ", ";
+  }
   text += isVertical ? "isVertical 1" : "isVertical 0";
   if (hasPoints) text += ", Length " + number(length);
   return text + '.';

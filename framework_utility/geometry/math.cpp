@@ -163,8 +163,9 @@ Rect Math::makeRectWithAspectRatioOutsideRect(Size aspect, const Rect& bound) {
 std::int64_t Math::randomNumberWithMinimum(std::int64_t min, std::int64_t max) {
   // Unsigned, the difference cannot overflow.
   const std::uint64_t span = static_cast<std::uint64_t>(max) - static_cast<std::uint64_t>(min);
-  if (min >= max || span > std::numeric_limits<std::uint32_t>::max())
+  if (min >= max || span > std::numeric_limits<std::uint32_t>::max()) {
     stop("Math: randomNumber: the range is empty or has 2^32 numbers or more");
+  }
   return min + static_cast<std::int64_t>(randomUnsignedInteger() % span);
 }
 
@@ -173,8 +174,9 @@ double Math::randomFloatNumberWithMinimum(double min, double max) {
   const double high = max * 100;
   if (low < 1 && high < 1) return 0;  // ranges below 0.01, negative ones included, on purpose
   const double span = high - low;
-  if (!(span >= 1 && span < randomRange))
+  if (!(span >= 1 && span < randomRange)) {
     stop("Math: randomFloatNumber: the range has no step of 0.01 or 2^32 steps or more");
+  }
   const double value = (low + randomUnsignedInteger() % static_cast<std::uint32_t>(span)) / 100;
   return value > max ? max : value <= min ? min : value;
 }

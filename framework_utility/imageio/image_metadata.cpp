@@ -34,8 +34,9 @@ std::optional<KvImageMetadata> KvImageMetadata::withUrl(const std::optional<URL>
   const std::optional<std::string> path = url->path();
   if (!path) return fail(error, KvImageMetadataError::fileDoesNotExist);
   Error cause;
-  if (!FileManager::defaultManager().attributesOfItemAtPath(*path, &cause))
+  if (!FileManager::defaultManager().attributesOfItemAtPath(*path, &cause)) {
     return fail(error, KvImageMetadataError::fileDoesNotExist, cause);
+  }
   const std::optional<CGImageSource> source = CGImageSource::createWithURL(*url, {}, &cause);
   if (!source) return fail(error, KvImageMetadataError::noImageSource, cause);
   return withImageSource(source, error);
@@ -58,10 +59,11 @@ std::optional<KvImageMetadata> KvImageMetadata::withImageSource(
     const ErrorCode& code = KvImageMetadataError::sourceNotComplete;
     Error cause;
     (void)source->propertiesAtIndex(0, &cause);
-    if (error)
+    if (error) {
       *error = errorWithCode(
           code, std::string(code.message) + std::string(description(status)) + " is not complete.",
           cause);
+    }
     return std::nullopt;
   }
   std::optional<Dictionary> properties = source->propertiesAtIndex(0);

@@ -93,8 +93,9 @@ std::optional<Number> KvImageMetadata::focalLength() const {
 
 std::optional<Number> KvImageMetadata::iso() const {
   if (const Number* speed =
-          find<Number>(properties_, kCGImagePropertyExifDictionary, kCGImagePropertyExifISOSpeed))
+          find<Number>(properties_, kCGImagePropertyExifDictionary, kCGImagePropertyExifISOSpeed)) {
     return *speed;
+  }
   const Array* ratings =
       find<Array>(properties_, kCGImagePropertyExifDictionary, kCGImagePropertyExifISOSpeedRatings);
   if (!ratings || ratings->empty()) return std::nullopt;
@@ -113,8 +114,9 @@ std::optional<Date> KvImageMetadata::date() const {
        {std::pair{kCGImagePropertyExifDictionary, kCGImagePropertyExifDateTimeDigitized},
         {kCGImagePropertyExifDictionary, kCGImagePropertyExifDateTimeOriginal},
         {kCGImagePropertyTIFFDictionary, kCGImagePropertyTIFFDateTime}}) {
-    if (const std::string* text = find<std::string>(properties_, dictionary, key))
+    if (const std::string* text = find<std::string>(properties_, dictionary, key)) {
       return dates::dateFromTextInUTC(*text);  // Written as local time: both are meant.
+    }
   }
   return std::nullopt;
 }

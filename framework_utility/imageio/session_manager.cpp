@@ -24,8 +24,9 @@ std::string KvSessionManager::sessionIdentifierGlobal() {
   const std::shared_ptr<UserDefaults> defaults = UserDefaults::standardUserDefaults();
   if (const std::optional<Value> stored = defaults->objectForKey(globalIdentifierKey)) {
     // A path from the second time on, the bare identifier the first time: both are meant.
-    if (const std::string* identifier = stored->as<std::string>())
+    if (const std::string* identifier = stored->as<std::string>()) {
       return temporaryDirectory() + *identifier;
+    }
   }
   std::string identifier = "SceneGlobal_" + newUUIDString();
   defaults->setObject(identifier, globalIdentifierKey);

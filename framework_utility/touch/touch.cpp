@@ -55,8 +55,9 @@ bool KvTouchItem::isTouching(const UIView& view) const { return isTouching(view,
 
 bool KvTouchItem::isTouching(const UIView& view, const EdgeInsets& insets) const {
   const Point location = locationIn(view);
-  if (const auto* extended = dynamic_cast<const KvExtendTouchProtocol*>(&view))
+  if (const auto* extended = dynamic_cast<const KvExtendTouchProtocol*>(&view)) {
     return extended->hitAreaContainsPoint(location);
+  }
   // Not `hitArea`: it adds the bounds' origin, and it rounds differently.
   const Size size = view.bounds().size;
   return Rect(insets.left, insets.top, size.width - insets.left - insets.right,

@@ -72,8 +72,9 @@ TEST(ArchiveAmplificationTest, ArchivesEndSoonOrAreRefused) {
                   [&] {
                     Error error;
                     if (NSKeyedUnarchiver::unarchivedObjectOfClasses(
-                            {"NSArray", "NSDate", "NSDictionary", "NSURL"}, archive, &error))
+                            {"NSArray", "NSDate", "NSDictionary", "NSURL"}, archive, &error)) {
                       std::abort();
+                    }
                   });
     EXPECT_TRUE(expense.isDone) << archive.size();
   }

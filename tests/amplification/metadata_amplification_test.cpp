@@ -40,8 +40,9 @@ struct Record {
 
 std::string directory(const std::vector<Record>& records) {
   std::string bytes = bigEndian(records.size(), 2);
-  for (const auto& [tag, type, count, offset] : records)
+  for (const auto& [tag, type, count, offset] : records) {
     bytes += bigEndian(tag, 2) + bigEndian(type, 2) + bigEndian(count, 4) + bigEndian(offset, 4);
+  }
   return bytes + bigEndian(0, 4);
 }
 
@@ -49,8 +50,9 @@ std::string directory(const std::vector<Record>& records) {
 std::string exifWithNote(std::uint64_t type, std::string_view value) {
   constexpr std::size_t count = 256, start = 14;
   std::vector<Record> records;
-  for (std::size_t tag = 0; tag < count; ++tag)
+  for (std::size_t tag = 0; tag < count; ++tag) {
     records.push_back({tag, type, value.size(), start + 2 + 12 * count + 4});
+  }
   std::string note = "Apple iOS\0\0\1MM"s + directory(records);
   note += value;
   return "MM\0*\0\0\0\x8"s + directory({{0x8769, 4, 1, 26}}) +
@@ -61,8 +63,9 @@ std::string exifWithNote(std::uint64_t type, std::string_view value) {
 std::string exifWithTexts(std::string_view value) {
   std::vector<Record> records;
   for (const std::uint64_t tag :
-       {0x10Du, 0x10Eu, 0x10Fu, 0x110u, 0x131u, 0x132u, 0x13Bu, 0x13Cu, 0x8298u})
+       {0x10Du, 0x10Eu, 0x10Fu, 0x110u, 0x131u, 0x132u, 0x13Bu, 0x13Cu, 0x8298u}) {
     records.push_back({tag, 2, value.size(), 8 + 2 + 9 * 12 + 4});
+  }
   return ("MM\0*\0\0\0\x8"s + directory(records)).append(value);
 }
 
@@ -72,8 +75,9 @@ Data jpegWith(const std::string& segments) { return dataOf(jpegHeader(segments +
 std::string segments(unsigned marker, const std::string& signature, std::string_view bytes) {
   constexpr std::size_t most = 65'000;
   std::string all;
-  for (std::size_t at = 0; at < bytes.size(); at += most)
+  for (std::size_t at = 0; at < bytes.size(); at += most) {
     all += jpegSegment(marker, signature + std::string(bytes.substr(at, most)));
+  }
   return all;
 }
 
@@ -115,9 +119,10 @@ std::string profileSegments(std::string_view profile) {
   constexpr std::size_t most = 65'000;
   const std::size_t count = (profile.size() + most - 1) / most;
   std::string all;
-  for (std::size_t i = 0; i < count; ++i)
+  for (std::size_t i = 0; i < count; ++i) {
     all += jpegSegment(0xE2, "ICC_PROFILE\0"s + bigEndian(i + 1, 1) + bigEndian(count, 1) +
                                  std::string(profile.substr(i * most, most)));
+  }
   return all;
 }
 

@@ -99,8 +99,9 @@ TEST(ColorCodingTest, ReadsArchivesWrittenByHand) {
   const Dictionary rgb{{"R", 0.5F}, {"G", 0.25F}, {"B", 2.0F}};
   expectIs(decoded(rgb), 0.5, 0.25, 2, 1);
   // The class's name with its module, without it, and mangled.
-  for (const char* name : {"KvColor", "_TtC16FrameworkUtility7KvColor"})
+  for (const char* name : {"KvColor", "_TtC16FrameworkUtility7KvColor"}) {
     expectIs(decoded(rgb, name), 0.5, 0.25, 2, 1);
+  }
   expectIs(decoded({{"R", 0.5}, {"G", 0.1}, {"B", 1.0}, {"A", -0.25}}), 0.5, 0.1F, 1, -0.25);
 
   const Dictionary hsl{{"H", 0.0F}, {"S", 1.0F}, {"L", 0.5F}};
@@ -162,8 +163,9 @@ TEST(ColorCodingTest, FailuresHaveTheirCodes) {
 }
 
 TEST(ColorCodingTest, PythonReadsWhatIsWrittenAndWritesWhatIsRead) {
-  if (std::system("python3 -c 'import plistlib' 2>/dev/null") != 0)
+  if (std::system("python3 -c 'import plistlib' 2>/dev/null") != 0) {
     GTEST_SKIP() << "the package python3 is not installed";
+  }
   const testing::TemporaryFolder folder;
   FileManager& files = FileManager::defaultManager();
   const auto write = [&](const char* name, std::span<const std::byte> bytes) {

@@ -64,11 +64,13 @@ TEST(ColorParsingTest, ListsOfComponents) {
   EXPECT_EQ(colorWithArray({510, -255, "51.", true}), UIColor(2, -1, 0.2, 1 / 255.0));
 
   for (const Array& list : {Array{}, Array{1, 2}, Array{1, 2, 3, 4, 5}, Array{1, 2, Value()},
-                            Array{1, 2, Data()}, Array{1, 2, Value(Array{3})}})
+                            Array{1, 2, Data()}, Array{1, 2, Value(Array{3})}}) {
     EXPECT_EQ(shown(colorWithArray(list)), "none") << Value(list).description();
+  }
   for (const char* text : {"", "-", "+", ".", "-.", "1.2.3", "1e2", "0x10", "1,000", " 1", "1 ",
-                           "12abc", "--1", "+-1", "inf", "nan", "\u0661", "1\n"})
+                           "12abc", "--1", "+-1", "inf", "nan", "\u0661", "1\n"}) {
     EXPECT_EQ(shown(colorWithArray({1, 2, text})), "none") << text;
+  }
   EXPECT_EQ(shown(colorWithArray({1, 2, std::string(1000, '9')})), "none") << "beyond a double";
 }
 
@@ -103,8 +105,9 @@ TEST(ColorParsingTest, Objects) {
   }
   EXPECT_EQ(colorWithObject(Value("255 128 0 51")), UIColor(1, 128 / 255.0, 0, 0.2));
   EXPECT_EQ(shown(colorWithObject(Value(Array{255, 0, "128"}))), "#FF0080");
-  for (const Value& value : {Value(), Value(255), Value(Dictionary{{"red", 1}}), Value(Data())})
+  for (const Value& value : {Value(), Value(255), Value(Dictionary{{"red", 1}}), Value(Data())}) {
     EXPECT_EQ(shown(colorWithObject(value)), "none") << value.description();
+  }
   EXPECT_EQ(shown(colorWithObject(std::nullopt)), "none");
 }
 

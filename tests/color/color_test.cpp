@@ -58,9 +58,10 @@ TEST(ColorTest, NaNStays) {
   for (const KvColor& c :
        {color, color.copy(), color.addIntensity(0.5), color.greyscale(), color.negative(),
         KvColor(color.uiColor()), color.interpolateWithColorWithColor(KvColor::whiteColor(), 0.5),
-        KvColor::withHueSaturationBrightness(nan, nan, nan, nan)})
+        KvColor::withHueSaturationBrightness(nan, nan, nan, nan)}) {
     EXPECT_TRUE(std::isnan(c.red) && std::isnan(c.green) && std::isnan(c.blue) &&
                 std::isnan(c.alpha));
+  }
   EXPECT_FALSE(color.isLight() || color.isDark() || color.isVeryLight() || color.isVeryDark() ||
                color.isWhite() || color.isOpaque() || color.isNoColor());
   EXPECT_TRUE(std::isnan(
@@ -207,8 +208,9 @@ TEST(ColorTest, BoundsOfWhiteOpaqueAndNoColour) {
   EXPECT_TRUE(KvColor(0, 0, 0, 0).isNoColor());
   EXPECT_TRUE(unclamped(-5, -5, -5, -5).isNoColor());
   for (const KvColor& color : {KvColor(epsilon, 0, 0, 0), KvColor(0, epsilon, 0, 0),
-                               KvColor(0, 0, epsilon, 0), KvColor(0, 0, 0, epsilon)})
+                               KvColor(0, 0, epsilon, 0), KvColor(0, 0, 0, epsilon)}) {
     EXPECT_FALSE(color.isNoColor());
+  }
 }
 
 TEST(ColorTest, ArithmeticGivesClampedColours) {

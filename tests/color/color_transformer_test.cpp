@@ -49,8 +49,9 @@ TEST(ColorTransformerTest, AnythingElseGivesNothing) {
     EXPECT_FALSE(transformer.transformedValue(value));
     EXPECT_FALSE(transformer.reverseTransformedValue(value));
   }
-  for (const Value& list : {Value(Array{color, 5}), Value(Array{"text"}), color})
+  for (const Value& list : {Value(Array{color, 5}), Value(Array{"text"}), color}) {
     EXPECT_FALSE(transformer.reverseTransformedValue(list)) << list;
+  }
   KvColor::setSupportsSecureCoding(false);
   EXPECT_FALSE(transformer.reverseTransformedValue(Value(Array{color})));
   KvColor::setSupportsSecureCoding(true);

@@ -26,8 +26,9 @@ TEST(ColorUtilityTest, HexadecimalTextRoundsInSinglePrecision) {
 }
 
 TEST(ColorUtilityDeathTest, HexadecimalTextStopsAtWhatIsNoInteger) {
-  for (const double component : {nan, 1 / 0.0, -1 / 0.0, 1e300, -1e17, 0x1p63 / 255})
+  for (const double component : {nan, 1 / 0.0, -1 / 0.0, 1e300, -1e17, 0x1p63 / 255}) {
     EXPECT_DEATH((void)hexString(UIColor(0, component, 0, 1)), "not finite, or too large");
+  }
 }
 
 TEST(ColorUtilityTest, RatiosWeightTheReceiver) {
@@ -40,10 +41,12 @@ TEST(ColorUtilityTest, RatiosWeightTheReceiver) {
 
   // At the ends a dynamic colour stays what it is; in between it is no longer.
   const UIColor dynamic = UIColor::withDynamicProvider([=](auto) { return white; });
-  for (const double ratio : {0.0, -3.0, epsilon})
+  for (const double ratio : {0.0, -3.0, epsilon}) {
     EXPECT_EQ(interpolateWithColor(black, dynamic, ratio), dynamic);
-  for (const double ratio : {1.0, 3.0, 1 - epsilon})
+  }
+  for (const double ratio : {1.0, 3.0, 1 - epsilon}) {
     EXPECT_EQ(interpolateWithColor(dynamic, black, ratio), dynamic);
+  }
   EXPECT_EQ(interpolateWithColor(dynamic, black, 0.5), UIColor(0.5, 0.5, 0.5, 0.5));
   EXPECT_EQ(interpolateWithColor(dynamic, white, 2 * epsilon), white);
 

@@ -43,14 +43,16 @@ TEST(HslTest, KnownColoursBothWays) {
 }
 
 TEST(HslTest, EveryColourComesBack) {
-  for (int r = 0; r <= 16; ++r)
-    for (int g = 0; g <= 16; ++g)
+  for (int r = 0; r <= 16; ++r) {
+    for (int g = 0; g <= 16; ++g) {
       for (int b = 0; b <= 16; ++b) {
         const RGB color{r / 16.0, g / 16.0, b / 16.0};
         const HSL hsl = rgbToHsl(color);
         EXPECT_TRUE(hsl.hue >= 0 && hsl.hue < 1) << hsl.hue;
         expectNear(hslToRgb(hsl), color, 1e-14);
       }
+    }
+  }
 }
 
 TEST(HslTest, HuesBeyondTheCircleTakeOneTurnAlone) {

@@ -76,8 +76,9 @@ TEST(DiskSpaceReportTest, TheLeadIsNoFormat) {
   const auto report = [](std::string_view lead) {
     return diskSpaceReport(lead).substr(0, lead.size() + 12);
   };
-  for (const char* lead : {"", "%@ %s %n %1$@", "{} {0}", "100 %"})
+  for (const char* lead : {"", "%@ %s %n %1$@", "{} {0}", "100 %"}) {
     EXPECT_EQ(report(lead), std::string(lead) + " (disk space");
+  }
   EXPECT_THAT(diskSpaceReport(), MatchesRegex(reportPattern()));
 }
 

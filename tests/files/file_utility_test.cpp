@@ -39,8 +39,9 @@ class FileUtilityTest : public ::testing::Test {
   // All that there is, as relative paths.
   std::set<std::string> tree() {
     std::set<std::string> all;
-    for (const auto& entry : std::filesystem::recursive_directory_iterator(folder.path()))
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(folder.path())) {
       all.insert(std::filesystem::relative(entry.path(), folder.path()).string());
+    }
     return all;
   }
   std::string at(std::string_view name) const { return folder.path(name); }
@@ -95,8 +96,9 @@ TEST_F(FileUtilityTest, RemovesAFolderOnlyWhenItIsEmpty) {
     make({"empty/"});
     removeFolderIfEmptyAtURL(files, *c.removed ? url(c.removed) : noPath);
     EXPECT_EQ(tree(), expected);
-    for (const char* name : {"full", "full/f.jpg", "full/gone.jpg"})
+    for (const char* name : {"full", "full/f.jpg", "full/gone.jpg"}) {
       removeFolderIfEmptyAtPath(files, at(name));
+    }
     EXPECT_EQ(tree(), expected);
   }
 }

@@ -32,8 +32,9 @@ TEST(DateUtilityTest, CalendarIsTheUsers) {
 
 TEST(DateUtilityTest, WhatIsNoDateIsAbsent) {
   for (const char* text : {"", "2023:02:30 00:00:00", "0000:00:00 00:00:00", "2023:07:14",
-                           "2023:07:14 22:05:09Z", "    :  :     :  :  "})
+                           "2023:07:14 22:05:09Z", "    :  :     :  :  "}) {
     EXPECT_FALSE(dates::dateFromTextInUTC(text)) << text;
+  }
 }
 
 }  // namespace

@@ -121,8 +121,9 @@ TEST(KvCollageSegmentTest, LocatesFromEitherEnd) {
     const double distance = numbers.between(-3000, 3000);
     const Point expected = Math::pointOnLineFrom(p1, p2, distance);
     for (const Point at : {segment.locatePointOnStart(distance),
-                           segment.locatePointOnEndWithD(segment.length - distance)})
+                           segment.locatePointOnEndWithD(segment.length - distance)}) {
       EXPECT_NEAR(Math::distanceBetweenPoint(at, expected), 0, 1e-8);
+    }
   }
 
   // A vertical line of length 0 goes up from its start, and down to its end.

@@ -38,10 +38,12 @@ class Digest {
     add(segment.p2);
     add(segment.length);
     // The coefficients show where the line meets others.
-    for (const bool isVertical : {true, false})
-      for (const double at : {0.0, 1.0})
+    for (const bool isVertical : {true, false}) {
+      for (const double at : {0.0, 1.0}) {
         add(segment.intersectionPointWithSegment(
             KvCollageSegment::withVertical(isVertical, 0, at, at)));
+      }
+    }
   }
   void add(const KvRectangle& shape) {
     for (const Point corner : shape.points()) add(corner);

@@ -45,8 +45,9 @@ TEST(MathTest, NormalizesDegrees) {
                                             {-0.005, 0},
                                             {-1e-20, 0},
                                             {0.005, 0.005},
-                                            {-1e20, 80}})
+                                            {-1e20, 80}}) {
     EXPECT_EQ(Math::normalizeDegreeAngle(degrees), normalized) << degrees;
+  }
   EXPECT_FALSE(std::signbit(Math::normalizeDegreeAngle(-0.0)));
   EXPECT_FALSE(std::signbit(Math::normalizeDegreeAngle(-720)));
 
@@ -65,8 +66,9 @@ TEST(MathTest, NormalizesRadians) {
                                             {3 * pi, pi},
                                             {-3 * pi, -pi},
                                             {1e-20, 1e-20},
-                                            {2 * pi, 0}})
+                                            {2 * pi, 0}}) {
     EXPECT_EQ(Math::normalizeRadianAngle(radians), normalized) << radians;
+  }
   EXPECT_FALSE(std::signbit(Math::normalizeRadianAngle(-0.0)));
   EXPECT_FALSE(std::signbit(Math::normalizeRadianAngle(-2 * pi)));
 }
@@ -83,8 +85,9 @@ TEST(MathTest, RadiansHaveTheBitsOfTheStepsAsLongAsTheseEnd) {
 
 TEST(MathTest, MovesValuesByWholePeriods) {
   for (const auto& [value, normalized] :
-       {std::pair{10.0, 10.0}, {20, 20}, {20.5, 10.5}, {30, 20}, {9, 19}, {0, 10}, {-10, 10}})
+       {std::pair{10.0, 10.0}, {20, 20}, {20.5, 10.5}, {30, 20}, {9, 19}, {0, 10}, {-10, 10}}) {
     EXPECT_EQ(Math::normalizeValue(value, 10, 20), normalized) << value;
+  }
 
   // Far beyond what steps reach: 10^15 and the lines around it are whole numbers of periods.
   Numbers numbers;
@@ -103,16 +106,19 @@ TEST(MathTest, NormalizingEndsForEveryInput) {
   const double edges[] = {0,         1,         -1,        1e-320, -1e-320, 0.1,    1e16,
                           two53 - 1, two53,     1e17,      -1e17,  1e300,   -1e300, largest,
                           -largest,  two53 + 4, two53 * 2, pi,     -pi,     -two53, -two53 - 2000};
-  for (const double value : edges)
-    for (const double min : edges)
+  for (const double value : edges) {
+    for (const double min : edges) {
       for (const double max : edges) {
         SCOPED_TRACE(::testing::Message() << value << " in " << min << " to " << max);
         const double moved = Math::normalizeValue(value, min, max);
-        if (min < max)
+        if (min < max) {
           EXPECT_TRUE(min <= moved && moved <= max) << moved;
-        else
+        } else {
           EXPECT_EQ(moved, value);
+        }
       }
+    }
+  }
   for (const double value : {nan, infinity, -infinity}) {
     EXPECT_TRUE(std::isnan(Math::normalizeDegreeAngle(value)));
     EXPECT_TRUE(std::isnan(Math::normalizeRadianAngle(value)));
@@ -171,8 +177,9 @@ TEST(MathTest, IntersectsClosedSegments) {
         Case{"parallel", {0, 0}, {4, 0}, {0, 1}, {4, 1}, std::nullopt},
         Case{"overlapping", {0, 0}, {4, 0}, {2, 0}, {9, 0}, std::nullopt},
         Case{"a point", {1, 1}, {1, 1}, {0, 0}, {2, 2}, std::nullopt},
-        Case{"not a number", {nan, 0}, {4, 4}, {0, 4}, {4, 0}, std::nullopt}})
+        Case{"not a number", {nan, 0}, {4, 4}, {0, 4}, {4, 0}, std::nullopt}}) {
     EXPECT_EQ(Math::intersectionOfLineFrom(c.p1, c.p2, c.p3, c.p4), c.meet) << c.what;
+  }
 
   // Segments made around a point meet there.
   Numbers numbers;
@@ -243,8 +250,9 @@ TEST(MathTest, RandomFloatNumbersGoInHundredths) {
   std::set<double> seen;
   for (int i = 0; i < 2000; ++i) seen.insert(Math::randomFloatNumberWithMinimum(0.5, 0.55));
   EXPECT_EQ(seen, (std::set{0.5, 0.51, 0.52, 0.53, 0.54}));
-  for (const auto& [min, max] : {std::pair{-1.0, 0.0}, {-5, 0.009}, {-infinity, 0}, {0, 0.0099}})
+  for (const auto& [min, max] : {std::pair{-1.0, 0.0}, {-5, 0.009}, {-infinity, 0}, {0, 0.0099}}) {
     EXPECT_EQ(Math::randomFloatNumberWithMinimum(min, max), 0) << min << ' ' << max;
+  }
 }
 
 TEST(MathDeathTest, ImpossibleRandomRangesStop) {
@@ -252,8 +260,9 @@ TEST(MathDeathTest, ImpossibleRandomRangesStop) {
                                  {5, 4},
                                  {0, 0x1'0000'0000},
                                  {lowestInteger, highestInteger},
-                                 {highestInteger, lowestInteger}})
+                                 {highestInteger, lowestInteger}}) {
     EXPECT_DEATH(Math::randomNumberWithMinimum(min, max), "randomNumber") << min << ' ' << max;
+  }
   for (const auto& [min, max] : {std::pair{0.5, 0.5},
                                  {0.5, 0.509},
                                  {2, 1},
@@ -261,9 +270,10 @@ TEST(MathDeathTest, ImpossibleRandomRangesStop) {
                                  {-infinity, 1},
                                  {nan, 1},
                                  {0, nan},
-                                 {1e307, largest}})
+                                 {1e307, largest}}) {
     EXPECT_DEATH(Math::randomFloatNumberWithMinimum(min, max), "randomFloatNumber")
         << min << ' ' << max;
+  }
 }
 
 }  // namespace

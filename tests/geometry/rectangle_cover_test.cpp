@@ -22,12 +22,13 @@ constexpr double infinity = std::numeric_limits<double>::infinity();
 /// By how much the corners of `inner` stick out of a clockwise shape at most; negative inside.
 double overhang(const KvRectangle& shape, const KvRectangle& inner) {
   double most = -infinity;
-  for (const KvCollageSegment& side : shape.segments())
+  for (const KvCollageSegment& side : shape.segments()) {
     for (const Point corner : inner.points()) {
       const double right = (side.p2.x - side.p1.x) * (corner.y - side.p1.y) -
                            (side.p2.y - side.p1.y) * (corner.x - side.p1.x);
       most = std::max(most, -right / side.length);
     }
+  }
   return most;
 }
 
@@ -58,8 +59,9 @@ void expectSmallestCover(const KvRectangle& area, Size content, Point center, do
   EXPECT_LT(overhang(cover, area), tolerance);
   EXPECT_NEAR(searchedWidth(area, content, center, angle) / width, 1, 1e-8);
   const KvRectangle expected = candidate(content, width, center, angle);
-  for (std::size_t i = 0; i < 4; ++i)
+  for (std::size_t i = 0; i < 4; ++i) {
     EXPECT_LT(Math::distanceBetweenPoint(cover.points()[i], expected.points()[i]), tolerance);
+  }
 }
 
 TEST(KvRectangleCoverTest, IsTheSmallestOfItsProportions) {
@@ -77,8 +79,9 @@ TEST(KvRectangleCoverTest, IsTheSmallestOfItsProportions) {
 
 TEST(KvRectangleCoverTest, QuarterTurnsPutTheWidthAlongY) {
   const KvRectangle area(Rect(10, 20, 300, 200));
-  for (const double angle : {pi / 2, -pi / 2, 3 * pi / 2})
+  for (const double angle : {pi / 2, -pi / 2, 3 * pi / 2}) {
     expectSmallestCover(area, {40, 30}, {120, 90}, angle);
+  }
   // No growth of the base rect is needed, on the contrary: 100 x 200 shrinks to 50 x 100.
   const KvRectangle shrunk =
       KvRectangle(Size{100, 50}).rectangleFilledWithRectRotated({1, 2}, {50, 25}, pi / 2);
@@ -89,9 +92,10 @@ TEST(KvRectangleCoverTest, QuarterTurnsPutTheWidthAlongY) {
 TEST(KvRectangleCoverTest, HalfAndWholeTurnsGiveTheUprightCoverAtTheOrigin) {
   const KvRectangle area(Rect(10, 20, 300, 200));
   const std::array<Point, 4> base = KvRectangle(Size{300, 225}).points();
-  for (const double angle : {0.0, -0.0, 1e-16, pi, -pi, 2 * pi, -2 * pi, 3 * pi})
+  for (const double angle : {0.0, -0.0, 1e-16, pi, -pi, 2 * pi, -2 * pi, 3 * pi}) {
     EXPECT_EQ(area.rectangleFilledWithRectRotated({40, 30}, {70, 80}, angle).points(), base)
         << angle;
+  }
   const KvRectangle nearly = area.rectangleFilledWithRectRotated({40, 30}, {70, 80}, 1e-15);
   EXPECT_NEAR((nearly.p1().x + nearly.p3().x) / 2, 70, 1e-9);
 }
@@ -100,8 +104,9 @@ TEST(KvRectangleCoverTest, ContentWithoutAnAreaGivesNothingOrNoNumbers) {
   const KvRectangle area(Rect(10, 20, 300, 200));
   for (const Size content : {Size{0, 5}, Size{5, 0}, Size{-4, 3}, Size{std::nan(""), 3}}) {
     EXPECT_EQ(area.rectangleFilledWithRectRotated(content, {70, 80}, 0).bounds(), Rect());
-    for (const double angle : {1.0, pi / 2})
+    for (const double angle : {1.0, pi / 2}) {
       EXPECT_TRUE(std::isnan(area.rectangleFilledWithRectRotated(content, {70, 80}, angle).p1().x));
+    }
   }
 }
 
@@ -114,8 +119,8 @@ TEST(KvRectangleCoverTest, EndsForEveryInput) {
   const double numbers[] = {0,     -0.0,   1,        -3.5,      1e-320,      1e5,
                             1e300, -1e300, infinity, -infinity, std::nan("")};
   int answers = 0;
-  for (const double a : numbers)
-    for (const double b : numbers)
+  for (const double a : numbers) {
+    for (const double b : numbers) {
       for (const double c : numbers) {
         const Point p{a, b}, q{b, c}, r{c, a};
         KvCollageShapeSide side(p, q);
@@ -126,11 +131,14 @@ TEST(KvRectangleCoverTest, EndsForEveryInput) {
         KvRectangle shape(p, q, r, {1, 2});
         const KvRectangle turned({a, b}, c);
         answers += shape.isPointInside(q) + shape.isRectangleOutsideRectangle(turned);
-        for (const KvRectangle& other : {area, turned, shape})
+        for (const KvRectangle& other : {area, turned, shape}) {
           answers += other.rectangleFilledWithRectRotated({a, b}, q, c).isPointInside(r);
+        }
         answers += shape.translateBy({b, c}).divideBy({c, a}).description().empty();
         answers += side.parallele->description().empty();
       }
+    }
+  }
   EXPECT_GT(answers, 0);
 }
 

@@ -70,8 +70,9 @@ TEST(KvRectangleTest, TheNearBordersAreInsideTheFarOnesAreNot) {
                                       {{30, 0}, true},
                                       {{0, 30}, true},
                                       {{30, 100}, false},
-                                      {{100, 30}, false}})
+                                      {{100, 30}, false}}) {
     EXPECT_EQ(square.isPointInside(point), inside) << point.x << ' ' << point.y;
+  }
 }
 
 // What comes of the fixed point that the probe goes to, and of counting one crossing exactly.
@@ -167,11 +168,13 @@ Standing standing(const GridShape& shape, GridPoint point) {
 
 /// Whether a side of `shape` has the whole other shape on its left.
 bool separates(const GridShape& shape, const GridShape& other) {
-  for (std::size_t i = 0; i < 4; ++i)
+  for (std::size_t i = 0; i < 4; ++i) {
     if (std::all_of(other.begin(), other.end(), [&](GridPoint corner) {
           return rightOf(shape[i], shape[(i + 1) % 4], corner) < 0;
-        }))
+        })) {
       return true;
+    }
+  }
   return false;
 }
 
@@ -201,11 +204,13 @@ class Shapes {
     for (;;) {
       const GridShape shape{point(), point(), point(), point()};
       bool clockwise = true;
-      for (std::size_t i = 0; i < 4; ++i)
+      for (std::size_t i = 0; i < 4; ++i) {
         clockwise = clockwise && rightOf(shape[i], shape[(i + 1) % 4], shape[(i + 2) % 4]) > 0;
+      }
       if (clockwise && rightOf(shape[3], shape[0], shape[1]) > 0 &&
-          rightOf(shape[0], shape[1], shape[3]) > 0 && rightOf(shape[1], shape[2], shape[0]) > 0)
+          rightOf(shape[0], shape[1], shape[3]) > 0 && rightOf(shape[1], shape[2], shape[0]) > 0) {
         return shape;
+      }
     }
   }
 

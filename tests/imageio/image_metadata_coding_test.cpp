@@ -33,8 +33,9 @@ std::optional<KvImageMetadata> unarchived(const Data& data, Error* error = nullp
 std::vector<std::string> keysIn(const Data& archive) {
   const Value list = *propertyListWithData(archive);
   std::vector<std::string> keys;
-  for (const auto& entry : *(*list.as<Dictionary>()->get<Array>("$objects"))[1].as<Dictionary>())
+  for (const auto& entry : *(*list.as<Dictionary>()->get<Array>("$objects"))[1].as<Dictionary>()) {
     keys.emplace_back(*entry.key.text());
+  }
   return keys;
 }
 

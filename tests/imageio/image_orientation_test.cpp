@@ -9,11 +9,13 @@ namespace {
 
 TEST(ImageOrientationTest, EveryOrientationHasItsExifNumber) {
   constexpr std::uint32_t expected[] = {1, 3, 8, 6, 2, 4, 5, 7};
-  for (std::int64_t raw = 0; raw < 8; ++raw)
+  for (std::int64_t raw = 0; raw < 8; ++raw) {
     EXPECT_EQ(exifOrientationWithImageOrientation(UIImageOrientation{raw}), expected[raw]) << raw;
+  }
   for (const std::int64_t raw :
-       {std::int64_t{-1}, std::int64_t{8}, std::numeric_limits<std::int64_t>::min()})
+       {std::int64_t{-1}, std::int64_t{8}, std::numeric_limits<std::int64_t>::min()}) {
     EXPECT_EQ(exifOrientationWithImageOrientation(UIImageOrientation{raw}), 0u) << raw;
+  }
 }
 
 TEST(ImageOrientationTest, FourExchangesTheSidesAndSevenDoesNot) {

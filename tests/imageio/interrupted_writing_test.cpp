@@ -63,8 +63,9 @@ bool isWhole(const std::string& file, std::size_t width) {
 std::vector<std::string> filesIn(const std::string& folder) {
   std::vector<std::string> files;
   if (!std::filesystem::exists(folder)) return files;
-  for (const auto& entry : std::filesystem::recursive_directory_iterator(folder))
+  for (const auto& entry : std::filesystem::recursive_directory_iterator(folder)) {
     if (!entry.is_directory()) files.push_back(entry.path().string());
+  }
   return files;
 }
 
@@ -150,8 +151,9 @@ TEST(InterruptedWritingTest, TwoProcessesThatSaveAtOnceLeaveOneWholeImage) {
   const URL url = URL::fileURLWithPath(folder.path("a.jpeg"));
   const CGImage image = redAndBlue(200, 200);
   const auto save = [&] {
-    for (int i = 0; i < 30; ++i)
+    for (int i = 0; i < 30; ++i) {
       if (!writeCGImageToURL(image, url, {.uti = UTTypeJPEG})) return false;
+    }
     return true;
   };
   const pid_t first = start(save), second = start(save);

@@ -13,8 +13,9 @@ namespace FrameworkUtility::testing {
 namespace {
 
 void appendBigEndian(std::vector<std::byte>& out, std::uint32_t value, int bytes) {
-  for (int shift = 8 * (bytes - 1); shift >= 0; shift -= 8)
+  for (int shift = 8 * (bytes - 1); shift >= 0; shift -= 8) {
     out.push_back(static_cast<std::byte>(value >> shift & 0xFF));
+  }
 }
 
 void append(std::vector<std::byte>& out, std::string_view text) {
@@ -54,8 +55,9 @@ CGImage redAndBlue(std::size_t width, std::size_t height) {
   pixels.reserve(width * height * 4);
   for (std::size_t i = 0; i < width * height; ++i) {
     const bool left = i % width < width / 2;
-    for (const int component : {left ? 255 : 0, 0, left ? 0 : 255, 255})
+    for (const int component : {left ? 255 : 0, 0, left ? 0 : 255, 255}) {
       pixels.push_back(static_cast<std::byte>(component));
+    }
   }
   return CGImage::create({.width = width,
                           .height = height,
@@ -106,8 +108,9 @@ Data readFile(const std::string& path) {
 
 std::vector<std::string> namesIn(const std::string& folder) {
   std::vector<std::string> names;
-  for (const auto& entry : std::filesystem::directory_iterator(folder))
+  for (const auto& entry : std::filesystem::directory_iterator(folder)) {
     names.push_back(entry.path().filename().string());
+  }
   std::sort(names.begin(), names.end());
   return names;
 }

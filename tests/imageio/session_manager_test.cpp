@@ -195,8 +195,9 @@ TEST_F(KvSessionManagerTest, AFolderStaysInTheTemporaryDirectory) {
     EXPECT_TRUE(std::filesystem::is_directory(*path));
   }
   for (const std::string_view identifier :
-       {"", "..", "../x", "a/../../x", "./../x", "a/b/../../.."})
+       {"", "..", "../x", "a/../../x", "./../x", "a/b/../../.."}) {
     EXPECT_FALSE(KvSessionManager::getPathForSessionIdentifier(identifier)) << identifier;
+  }
   EXPECT_FALSE(std::filesystem::exists(temporaryDirectory() + "../x"));
 }
 
@@ -238,8 +239,9 @@ TEST_F(KvSessionManagerTest, CleaningUpTakesWhatEndsInTheSuffixAndFollowsNoLink)
   testing::writeFile(outside.path("precious"), Data());
   const std::string folder = temporaryDirectory();
   const std::filesystem::path root(folder);
-  for (const char* name : {"MainABC/deep/er", "SceneUnknownABC", "ABCMain", "MainAbc"})
+  for (const char* name : {"MainABC/deep/er", "SceneUnknownABC", "ABCMain", "MainAbc"}) {
     std::filesystem::create_directories(root / name);
+  }
   testing::writeFile(folder + "MainABC/deep/er/file", Data());
   std::filesystem::create_directory_symlink(outside.path(), root / "LinkABC");
   std::filesystem::create_directory_symlink(outside.path(), root / "MainABC/link");
@@ -252,10 +254,12 @@ TEST_F(KvSessionManagerTest, CleaningUpTakesWhatEndsInTheSuffixAndFollowsNoLink)
   KvSessionManager::destroySessionForScene(nullptr);
   KvSessionManager::destroySessionForSceneSession(nullptr);
   KvSessionManager::destroySessionForScene(&scene);
-  for (const char* gone : {"MainABC", "SceneUnknownABC", "LinkABC"})
+  for (const char* gone : {"MainABC", "SceneUnknownABC", "LinkABC"}) {
     EXPECT_FALSE(std::filesystem::exists(std::filesystem::symlink_status(root / gone))) << gone;
-  for (const char* kept : {"ABCMain", "MainAbc"})
+  }
+  for (const char* kept : {"ABCMain", "MainAbc"}) {
     EXPECT_TRUE(std::filesystem::exists(root / kept)) << kept;
+  }
   EXPECT_TRUE(std::filesystem::exists(outside.path("precious")));
 }
 

@@ -43,9 +43,7 @@ TEST_F(ThumbnailTest, TheLargerSideBoundsBothAndNothingIsEnlarged) {
     SCOPED_TRACE(::testing::Message() << c.asked.width << 'x' << c.asked.height);
     const std::optional<UIImage> thumbnail = thumbnailForImageAtURL(url, c.asked);
     ASSERT_EQ(thumbnail.has_value(), c.given.has_value());
-    if (thumbnail) {
-      EXPECT_EQ(thumbnail->size(), *c.given);
-    }
+    if (thumbnail) EXPECT_EQ(thumbnail->size(), *c.given);
   }
 }
 
@@ -89,8 +87,9 @@ TEST_F(ThumbnailTest, ByWayOfTheDiskItLeavesNoFile) {
   ASSERT_TRUE(thumbnail);
   EXPECT_EQ(thumbnail->size(), (Size{25, 50}));
   for (const auto& entry :
-       std::filesystem::recursive_directory_iterator(temporaryDirectory() + "Thumbnail-1"))
+       std::filesystem::recursive_directory_iterator(temporaryDirectory() + "Thumbnail-1")) {
     EXPECT_TRUE(entry.is_directory()) << entry.path();
+  }
 
   Error error;
   EXPECT_FALSE(thumbnailWrittenOnDiskWithSize(turned, {50, 50}, "", &error));

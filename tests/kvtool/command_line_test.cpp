@@ -98,8 +98,9 @@ TEST(CommandLineTest, WhatCannotBeUnderstoodGivesTwoAndOneLine) {
     EXPECT_THAT(result.problems, EndsWith(" --help)\n"));
     EXPECT_EQ(std::count(result.problems.begin(), result.problems.end(), '\n'), 1);
   }
-  for (const char* name : {"x", "x.png", "x.webp", "x.jpg"})
+  for (const char* name : {"x", "x.png", "x.webp", "x.jpg"}) {
     EXPECT_FALSE(std::filesystem::exists(folder.path(name))) << name;
+  }
 }
 
 TEST(CommandLineTest, EveryCommandHasHelpWithExamples) {

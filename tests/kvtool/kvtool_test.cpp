@@ -100,8 +100,9 @@ TEST_F(KvtoolTest, SaveWritesTheChangesIntoTheSession) {
   const std::string facts = run("metadata --json '" + written + "'").output;
   for (const char* fact :
        {R"("orientation": 8)", R"("date": "2020-02-29T23:59:58+00:00")",
-        R"("software": "Pelvar 7.1")", R"("latitude": -33.86)", R"("longitude": 151.21)"})
+        R"("software": "Pelvar 7.1")", R"("latitude": -33.86)", R"("longitude": 151.21)"}) {
     EXPECT_THAT(facts, HasSubstr(fact));
+  }
 }
 
 TEST_F(KvtoolTest, DatesAreTheCamerasClockInEveryLocale) {
@@ -128,15 +129,17 @@ TEST_F(KvtoolTest, DatesAreTheCamerasClockInEveryLocale) {
                                    .output;
       EXPECT_THAT(json, HasSubstr("\"date\": \"" + read + "\""));
       if (given.empty()) continue;
-      for (const char* key : {"DateTime", "DateTimeOriginal", "DateTimeDigitized"})
+      for (const char* key : {"DateTime", "DateTimeOriginal", "DateTimeDigitized"}) {
         EXPECT_THAT(json, HasSubstr(std::string("\"") + key + "\": \"2020:02:29 23:59:58\""));
+      }
       const std::string offset = read.substr(19);
       for (const char* key : {"OffsetTime", "OffsetTimeOriginal", "OffsetTimeDigitized"}) {
         const std::string entry = std::string("\"") + key + "\": ";
-        if (offset.empty())
+        if (offset.empty()) {
           EXPECT_THAT(json, Not(HasSubstr(entry)));
-        else
+        } else {
           EXPECT_THAT(json, HasSubstr(entry + "\"" + offset + "\""));
+        }
       }
       EXPECT_THAT(json, Not(HasSubstr("Subsec")));
     }
@@ -199,8 +202,9 @@ TEST_F(KvtoolTest, ThumbnailBearsExactlyTheNameGiven) {
     EXPECT_EQ(KvImageMetadata::withImageSource(source)->size(), (Size{25, 50}));
   }
   for (const char* options :
-       {"none.jpg --size 50 --out x.jpg", "a.jpg --size 50 --out no/folder/x.jpg"})
+       {"none.jpg --size 50 --out x.jpg", "a.jpg --size 50 --out no/folder/x.jpg"}) {
     EXPECT_EQ(run(std::string("thumbnail ") + options).exitCode, 1) << options;
+  }
   EXPECT_FALSE(std::filesystem::exists(path("x.jpg")));
 }
 

@@ -79,8 +79,9 @@ TEST_F(PaletteCommandTest, NamesTheColoursThatTheAnalysisFinds) {
     for (const KvColor& color : found->colors) expected += color.hexString() + '\n';
     std::string hexadecimal;
     const std::string output = run(std::string("opaque.png --count 0 --quality ") + name).output;
-    for (std::size_t line = 0; line < output.size(); line += 21)
+    for (std::size_t line = 0; line < output.size(); line += 21) {
       hexadecimal += output.substr(line, 7) + '\n';
+    }
     EXPECT_EQ(hexadecimal, expected) << name;
   }
 }
@@ -123,13 +124,16 @@ TEST_F(PaletteCommandTest, DrawsTheColoursBesideThePhoto) {
                         std::to_integer<int>(pixel[2])};
     };
     for (const std::size_t x :
-         {std::size_t{0}, std::size_t{127}, std::size_t{252}, std::size_t{281}})
+         {std::size_t{0}, std::size_t{127}, std::size_t{252}, std::size_t{281}}) {
       EXPECT_EQ(colorAt(x, 39), (std::array{200, 100, 50})) << x;
+    }
     EXPECT_EQ(colorAt(251, 0), (std::array{250, 0, 250}));
-    for (const std::size_t y : {std::size_t{40}, std::size_t{79}})
+    for (const std::size_t y : {std::size_t{40}, std::size_t{79}}) {
       EXPECT_EQ(colorAt(252, y), (std::array{0, 0, 0})) << y;
-    for (const std::size_t y : {std::size_t{80}, std::size_t{119}})
+    }
+    for (const std::size_t y : {std::size_t{80}, std::size_t{119}}) {
       EXPECT_EQ(colorAt(281, y), (std::array{255, 255, 255})) << y;
+    }
   }
 }
 

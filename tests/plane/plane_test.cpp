@@ -91,9 +91,12 @@ TEST(RectTest, RoundedKeepsTheStoredOriginAndTakesAbsoluteSides) {
 }
 
 TEST(RectTest, SpannedByTwoPointsInAnyOrder) {
-  for (const auto& [a, b] :
-       {std::pair{Point{1, 8}, Point{4, 2}}, {{4, 2}, {1, 8}}, {{4, 8}, {1, 2}}, {{1, 2}, {4, 8}}})
+  for (const auto& [a, b] : {std::pair{Point{1, 8}, Point{4, 2}},
+                             {{4, 2}, {1, 8}},
+                             {{4, 8}, {1, 2}},
+                             {{1, 2}, {4, 8}}}) {
     EXPECT_EQ(Rect::rect(a, b), Rect(1, 2, 3, 6));
+  }
 }
 
 TEST(AffineTransformTest, ScalesPairTheColumnsAsStored) {
@@ -122,8 +125,9 @@ TEST(PrintingTest, PlaneValuesAreWrittenAsThePlatformDoes) {
 }
 
 TEST(CornerMaskTest, MapsEveryCornerAndDropsOtherBits) {
-  for (std::uint64_t bits = 0; bits < 64; ++bits)
+  for (std::uint64_t bits = 0; bits < 64; ++bits) {
     EXPECT_EQ(static_cast<std::uint64_t>(rectCorner(CACornerMask{bits})), bits % 16) << bits;
+  }
   EXPECT_EQ(rectCorner(CACornerMask::layerMinXMaxYCorner | CACornerMask::layerMaxXMinYCorner),
             UIRectCorner::bottomLeft | UIRectCorner::topRight);
 }

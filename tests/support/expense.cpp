@@ -29,8 +29,9 @@ constexpr bool isMeasured = true;
 /// "VmRSS:" or "VmHWM:" of this process, in bytes.
 std::size_t status(const std::string& name) {
   std::ifstream file("/proc/self/status");
-  for (std::string word; file >> word;)
+  for (std::string word; file >> word;) {
     if (std::size_t kilobytes = 0; word == name && file >> kilobytes) return kilobytes * 1024;
+  }
   return 0;
 }
 

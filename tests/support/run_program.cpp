@@ -17,8 +17,9 @@ ProgramResult runProgram(const std::string& command, const std::string& folder) 
   if (!pipe) std::abort();
   ProgramResult result;
   std::array<char, 4096> buffer{};
-  while (const std::size_t count = std::fread(buffer.data(), 1, buffer.size(), pipe))
+  while (const std::size_t count = std::fread(buffer.data(), 1, buffer.size(), pipe)) {
     result.output.append(buffer.data(), count);
+  }
   const int status = pclose(pipe);
   if (WIFEXITED(status)) result.exitCode = WEXITSTATUS(status);
   std::ifstream problems(folder + "/problems", std::ios::binary);

@@ -19,10 +19,11 @@ class ScopedEnvironment {
 
  private:
   void set(const char* value) const {
-    if (value)
+    if (value) {
       setenv(variable_, value, 1);
-    else
+    } else {
       unsetenv(variable_);
+    }
   }
 
   const char* variable_;

@@ -33,8 +33,9 @@ std::optional<bool> runOnSmallDisk(const std::string& folder, const std::functio
   const pid_t child = fork();
   if (child == 0) {
     if (!mayMount() || mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0 ||
-        mount("tmpfs", folder.c_str(), "tmpfs", 0, "size=256k,mode=0700") != 0)
+        mount("tmpfs", folder.c_str(), "tmpfs", 0, "size=256k,mode=0700") != 0) {
       _exit(refused);
+    }
     body();
     std::fflush(nullptr);
     _exit(::testing::Test::HasFailure() ? 1 : 0);

@@ -120,8 +120,9 @@ std::optional<UIImageAnalyzeResult> analyzeImageWithQuality(const UIImage& image
   const std::int64_t height = whole(size.height);
   constexpr auto most = static_cast<std::int64_t>(detail::maximumPixelBytes / 4);
   (void)whole(size.width * size.height);
-  if (width < 1 || height < 1 || width > most / height)
+  if (width < 1 || height < 1 || width > most / height) {
     return failed(error, UIImageAnalyzeError::badSize);
+  }
 
   const Size area = analysisSize(size, static_cast<std::int64_t>(quality));
   const detail::PixelSize bitmap{static_cast<std::size_t>(width), static_cast<std::size_t>(height)};

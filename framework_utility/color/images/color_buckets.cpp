@@ -27,9 +27,7 @@ struct CountPixels {
     for (; pixels >= blockPixels; pixels -= blockPixels, rgba += 4 * blockPixels) {
       countBlock(rgba, cover, counters);
     }
-    for (std::size_t i = 0; i < pixels; ++i) {
-      ++counters[firstCounter(wordAt(rgba + 4 * i) | cover)];
-    }
+    for (std::size_t i = 0; i < pixels; ++i) ++counters[firstCounter(wordAt(rgba + 4 * i) | cover)];
   }
 
  private:

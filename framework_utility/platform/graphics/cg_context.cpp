@@ -109,10 +109,11 @@ std::optional<Coverage> CGContext::insideOf(const std::vector<Point>& corners) c
 
 void CGContext::clipToPolygon(const std::vector<Point>& corners) {
   std::optional<Coverage> inside = insideOf(corners);
-  if (inside)
+  if (inside) {
     states_.back().clip = std::make_shared<const Coverage>(std::move(*inside));
-  else
+  } else {
     isIncomplete_ = true;
+  }
 }
 
 /// `draw` is given the bitmap and what of it to draw on, and answers whether it could.
@@ -131,10 +132,11 @@ void CGContext::drawInside(const Rect& rect, const Draw& draw) {
                                                   {rect.maxX(), rect.minY()},
                                                   {rect.maxX(), rect.maxY()},
                                                   {rect.minX(), rect.maxY()}});
-  if (where)
+  if (where) {
     drawInside(*where, draw);
-  else
+  } else {
     isIncomplete_ = true;
+  }
 }
 
 void CGContext::fillRect(const Rect& rect) {

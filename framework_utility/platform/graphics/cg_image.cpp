@@ -54,13 +54,9 @@ CGImage::CGImage(std::shared_ptr<const Contents> contents) : contents_(std::move
 
 std::optional<CGImage> CGImage::create(const CGImageLayout& layout, const CGColorSpace& space,
                                        const Data& pixels) {
-  if (!layoutFits(layout, space, pixels.size())) {
-    return std::nullopt;
-  }
+  if (!layoutFits(layout, space, pixels.size())) return std::nullopt;
   std::optional<CGColorSpace> own;
-  if (layout.alphaInfo != CGImageAlphaInfo::alphaOnly) {
-    own = space;
-  }
+  if (layout.alphaInfo != CGImageAlphaInfo::alphaOnly) own = space;
   return CGImage(std::make_shared<const Contents>(Contents{layout, own, pixels}));
 }
 

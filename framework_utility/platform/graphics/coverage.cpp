@@ -103,8 +103,9 @@ void addSlab(std::vector<Edge>& edges, pixman_fixed_t top, pixman_fixed_t bottom
   for (auto edge = edges.begin(); edge != end; ++edge) {
     if (winding == 0) left = &*edge;
     winding += edge->winding;
-    if (winding == 0)
+    if (winding == 0) {
       trapezoids.push_back({top, bottom, {left->top, left->bottom}, {edge->top, edge->bottom}});
+    }
   }
 }
 
@@ -145,11 +146,13 @@ std::optional<Coverage> Coverage::ofPolygon(const std::vector<Point>& corners,
   std::vector<Edge> edges = edgesOf(near);
   const std::vector<pixman_fixed_t> heights = heightsOf(edges);
   std::vector<pixman_trapezoid_t> trapezoids;
-  for (std::size_t i = 1; i < heights.size(); ++i)
+  for (std::size_t i = 1; i < heights.size(); ++i) {
     addSlab(edges, heights[i - 1], heights[i], trapezoids);
-  for (const pixman_trapezoid_t& trapezoid : trapezoids)
+  }
+  for (const pixman_trapezoid_t& trapezoid : trapezoids) {
     pixman_rasterize_trapezoid(coverage->mask(), &trapezoid, -coverage->box_.left,
                                -coverage->box_.top);
+  }
   return coverage;
 }
 

@@ -29,8 +29,9 @@ class Target {
       bytesPerRow = byteCount();
       copy_ = PixelBuffer::allocate(static_cast<std::size_t>(box.height()), bytesPerRow);
       if (!copy_) return;
-      for (int y = 0; y < box.height(); ++y)
+      for (int y = 0; y < box.height(); ++y) {
         std::memcpy(copy_->row(static_cast<std::size_t>(y)), beginning(y), byteCount());
+      }
       pixels = copy_->data();
     }
     image_.reset(pixman_image_create_bits_no_clear(
@@ -40,8 +41,9 @@ class Target {
   Target(const Target&) = delete;
   Target& operator=(const Target&) = delete;
   ~Target() {
-    for (int y = 0; copy_ && y < box_.height(); ++y)
+    for (int y = 0; copy_ && y < box_.height(); ++y) {
       std::memcpy(beginning(y), copy_->row(static_cast<std::size_t>(y)), byteCount());
+    }
   }
 
   pixman_image_t* image() const { return image_.get(); }
@@ -164,8 +166,9 @@ bool drawImage(const DrawnBitmap& bitmap, const CGImage& image, const AffineTran
   if (!pixels) return false;
   const bool hasAlpha = carriesAlpha(image.alphaInfo());
   // Grey and CMYK have become RGB by now.
-  if (space->model() == CGColorSpaceModel::rgb && !bringIntoSRGB(*pixels, hasAlpha, *space))
+  if (space->model() == CGColorSpaceModel::rgb && !bringIntoSRGB(*pixels, hasAlpha, *space)) {
     return false;
+  }
 
   const double x = static_cast<double>(image.width()) / static_cast<double>(size.width);
   const double y = static_cast<double>(image.height()) / static_cast<double>(size.height);

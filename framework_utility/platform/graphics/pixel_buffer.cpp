@@ -18,18 +18,14 @@ constexpr std::size_t hugePage = std::size_t{2} << 20;
 void PixelBuffer::Free::operator()(std::uint8_t* bytes) const { std::free(bytes); }
 
 std::optional<PixelBuffer> PixelBuffer::allocate(std::size_t rows, std::size_t bytesPerRow) {
-  if (rows == 0 || bytesPerRow == 0 || rows > maximumPixelBytes / bytesPerRow) {
-    return std::nullopt;
-  }
+  if (rows == 0 || bytesPerRow == 0 || rows > maximumPixelBytes / bytesPerRow) return std::nullopt;
   // With 4 kB pages the first write to each page costs more than all other work on the pixels.
   const bool large = rows * bytesPerRow >= 2 * hugePage;
   const std::size_t alignment = large ? hugePage : cacheLine;
   const std::size_t size = (rows * bytesPerRow + alignment - 1) / alignment * alignment;
   PixelBuffer buffer;
   buffer.bytes_.reset(static_cast<std::uint8_t*>(std::aligned_alloc(alignment, size)));
-  if (!buffer.bytes_) {
-    return std::nullopt;
-  }
+  if (!buffer.bytes_) return std::nullopt;
   if (large) {
     madvise(buffer.bytes_.get(), size, MADV_HUGEPAGE);  // only a wish
   }

@@ -22,9 +22,7 @@ std::optional<Data> read(const FileReader& file, std::uint64_t offset, std::size
     const auto buffer = std::make_shared_for_overwrite<std::byte[]>(count);
     const std::optional<std::size_t> size =
         file.readAt(static_cast<std::int64_t>(offset), {buffer.get(), count}, error);
-    if (!size) {
-      return std::nullopt;
-    }
+    if (!size) return std::nullopt;
     return Data::withBytesNoCopy({buffer.get(), *size}, buffer);
   } catch (const std::bad_alloc&) {
     fail({ENOMEM, FileAccess::reading}, {}, error);
@@ -44,22 +42,16 @@ ByteSource::ByteSource(Data beginning, std::shared_ptr<const FileReader> file, s
 std::optional<ByteSource> ByteSource::open(const FileManager& files, std::string_view path,
                                            Error* error) {
   std::shared_ptr<const FileReader> file = files.openFileAtPath(path, error);
-  if (!file) {
-    return std::nullopt;
-  }
+  if (!file) return std::nullopt;
   const auto size = static_cast<std::uint64_t>(std::max<std::int64_t>(file->size(), 0));
   std::optional<Data> beginning =
       read(*file, 0, static_cast<std::size_t>(std::min<std::uint64_t>(size, beginningSize)), error);
-  if (!beginning) {
-    return std::nullopt;
-  }
+  if (!beginning) return std::nullopt;
   return ByteSource(*std::move(beginning), std::move(file), size);
 }
 
 Data ByteSource::bytes(std::uint64_t offset, std::size_t count) const {
-  if (offset >= size_) {
-    return {};
-  }
+  if (offset >= size_) return {};
   count = static_cast<std::size_t>(std::min<std::uint64_t>(count, size_ - offset));
   if (offset + count <= beginning_->size()) {
     const std::span<const std::byte> all(*beginning_);

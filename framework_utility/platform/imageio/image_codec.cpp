@@ -14,8 +14,9 @@ std::span<const ImageCodec* const> imageCodecs() {
 }
 
 bool cannotEncode(std::string_view why, Error* error) {
-  if (error)
+  if (error) {
     *error = Error(NSCocoaErrorDomain, NSFileWriteUnknownError, {{NSLocalizedDescriptionKey, why}});
+  }
   return false;
 }
 

@@ -73,18 +73,14 @@ std::unique_ptr<CGImageDestination> CGImageDestination::createWithURL(
   std::optional<std::string> path = url.isFileURL() ? url.path() : std::nullopt;
   std::unique_ptr<CGImageDestination> destination =
       path ? createInMemory(typeIdentifier, count) : nullptr;
-  if (destination) {
-    destination->contents_->path = std::move(path);
-  }
+  if (destination) destination->contents_->path = std::move(path);
   return destination;
 }
 
 std::unique_ptr<CGImageDestination> CGImageDestination::createInMemory(
     std::string_view typeIdentifier, std::size_t count) {
   const ImageCodec* codec = codecFor(typeIdentifier);
-  if (!codec) {
-    return nullptr;
-  }
+  if (!codec) return nullptr;
   std::unique_ptr<CGImageDestination> destination(new CGImageDestination);
   destination->contents_ = std::make_unique<Contents>();
   destination->contents_->codec = codec;
@@ -115,9 +111,7 @@ bool CGImageDestination::finalize(Error* error) {
   }
   const Contents::Picture& picture = contents_->pictures.front();
   std::vector<std::byte> bytes;
-  if (!contents_->codec->encode(picture.image, picture.request, bytes, error)) {
-    return false;
-  }
+  if (!contents_->codec->encode(picture.image, picture.request, bytes, error)) return false;
   if (contents_->path) {
     return FileManager::defaultManager().writeAtomically(bytes, *contents_->path, error);
   }

@@ -35,9 +35,7 @@ constexpr std::size_t beginningSize = 64;
 const ImageCodec* codecFor(const ByteSource& bytes) {
   const Data beginning = bytes.bytes(0, beginningSize);
   for (const ImageCodec* codec : detail::imageCodecs()) {
-    if (codec->recognizes(beginning)) {
-      return codec;
-    }
+    if (codec->recognizes(beginning)) return codec;
   }
   return nullptr;
 }
@@ -68,25 +66,17 @@ Dictionary propertiesOf(const ImageHeader& header) {
   const auto append = [&](std::string_view key, auto&& value) {
     properties.append(Key::withConstant(key), std::forward<decltype(value)>(value));
   };
-  if (const char* model = colorModelName(header.model)) {
-    append(kCGImagePropertyColorModel, model);
-  }
+  if (const char* model = colorModelName(header.model)) append(kCGImagePropertyColorModel, model);
   append(kCGImagePropertyDepth, header.bitsPerComponent);
   append(kCGImagePropertyPixelWidth, header.width);
   append(kCGImagePropertyPixelHeight, header.height);
-  if (header.hasAlpha) {
-    append(kCGImagePropertyHasAlpha, true);
-  }
-  if (header.isIndexed) {
-    append(kCGImagePropertyIsIndexed, true);
-  }
+  if (header.hasAlpha) append(kCGImagePropertyHasAlpha, true);
+  if (header.isIndexed) append(kCGImagePropertyIsIndexed, true);
   detail::MetadataBudget budget;
   if (std::string name = detail::profileDescription(header.iccProfile, budget); !name.empty()) {
     append(kCGImagePropertyProfileName, std::move(name));
   }
-  for (const auto& [key, value] : header.formatProperties) {
-    properties.set(key, value);
-  }
+  for (const auto& [key, value] : header.formatProperties) properties.set(key, value);
   budget.tell(properties);
   detail::readMetadata(header.blocks, properties);
   return properties;
@@ -104,12 +94,8 @@ std::size_t orientationOf(const ImageHeader& header) {
 std::optional<std::size_t> sideLimit(const std::optional<double>& wanted,
                                      const ImageHeader& header) {
   const std::size_t largerSide = std::max(header.width, header.height);
-  if (!wanted || *wanted >= static_cast<double>(largerSide)) {
-    return largerSide;
-  }
-  if (!(*wanted > 0)) {
-    return std::nullopt;
-  }
+  if (!wanted || *wanted >= static_cast<double>(largerSide)) return largerSide;
+  if (!(*wanted > 0)) return std::nullopt;
   return static_cast<std::size_t>(std::max(*wanted, 1.0));
 }
 
@@ -127,9 +113,7 @@ std::optional<CGImage> embeddedThumbnail(const ImageHeader& image, std::size_t l
   const ByteSource bytes(Data::withBytesNoCopy(detail::embeddedThumbnail(image.blocks.exif),
                                                std::make_shared<const Data>(image.blocks.exif)));
   const ImageCodec* codec = codecFor(bytes);
-  if (!codec) {
-    return std::nullopt;
-  }
+  if (!codec) return std::nullopt;
   const ImageHeader header = codec->readHeader(bytes);
   if (header.status != CGImageSourceStatus::complete ||
       std::max(header.width, header.height) < limit || !hasShapeOf(header, image)) {
@@ -156,8 +140,9 @@ class Compaction {
   Data operator()(const Data& block) { return (*this)(block, block); }
   /// `part` of `block`.
   Data operator()(const Data& block, std::span<const std::byte> part) {
-    if (part.size() > left_)
+    if (part.size() > left_) {
       return Data::withBytesNoCopy(part, std::make_shared<const Data>(block));
+    }
     left_ -= part.size();
     return Data(part);
   }
@@ -193,15 +178,11 @@ struct CGImageSource::Contents {
 
   // With a mutex, for `std::call_once` costs a system call even when nobody waits.
   const ImageHeader& header() const {
-    if (isRead_.load(std::memory_order_acquire)) {
-      return header_;
-    }
+    if (isRead_.load(std::memory_order_acquire)) return header_;
     const std::lock_guard lock(mutex_);
     if (!isRead_.load(std::memory_order_relaxed)) {
       codec_ = codecFor(bytes);
-      if (codec_) {
-        header_ = codec_->readHeader(bytes);
-      }
+      if (codec_) header_ = codec_->readHeader(bytes);
       isRead_.store(true, std::memory_order_release);
     }
     return header_;
@@ -237,11 +218,12 @@ struct CGImageSource::Contents {
         return;
     }
     const std::string format(detail::foreignFormat(bytes.bytes(0, beginningSize)));
-    if (!format.empty())
+    if (!format.empty()) {
       failed(request, CGImageSourceError::unsupported, format + " is not read here.");
-    else
+    } else {
       failed(request, CGImageSourceError::corruptFile,
              bytes.size() == 0 ? "The file is empty." : "The file is not an image.");
+    }
   }
 
   mutable std::mutex mutex_;
@@ -257,13 +239,9 @@ std::optional<CGImageSource> CGImageSource::createWithURL(const URL& url,
                                                           const CGImageSourceOptions& options,
                                                           Error* error) {
   const std::optional<std::string> path = url.isFileURL() ? url.path() : std::nullopt;
-  if (!path) {
-    return failed({.error = error}, CGImageSourceError::notAFileURL);
-  }
+  if (!path) return failed({.error = error}, CGImageSourceError::notAFileURL);
   std::optional<ByteSource> bytes = ByteSource::open(FileManager::defaultManager(), *path, error);
-  if (!bytes) {
-    return std::nullopt;
-  }
+  if (!bytes) return std::nullopt;
   return CGImageSource(std::make_shared<const Contents>(*std::move(bytes), *path, options.limits));
 }
 
@@ -283,16 +261,12 @@ std::optional<std::string> CGImageSource::type() const {
 std::size_t CGImageSource::count() const { return contents_->hasImageAt(0) ? 1 : 0; }
 
 std::optional<Dictionary> CGImageSource::properties() const {
-  if (!contents_->codec()) {
-    return std::nullopt;
-  }
+  if (!contents_->codec()) return std::nullopt;
   return Dictionary{{kCGImagePropertyFileSize, contents_->bytes.size()}};
 }
 
 std::optional<Dictionary> CGImageSource::propertiesAtIndex(std::size_t index, Error* error) const {
-  if (!contents_->hasImageAt(index, error)) {
-    return std::nullopt;
-  }
+  if (!contents_->hasImageAt(index, error)) return std::nullopt;
   return propertiesOf(contents_->header());
 }
 
@@ -303,9 +277,7 @@ std::optional<Dictionary> CGImageSource::auxiliaryDataInfoAtIndex(std::size_t,
 
 std::shared_ptr<const MetadataBlocks> CGImageSource::metadataBlocksAtIndex(
     std::size_t index) const {
-  if (!contents_->hasImageAt(index)) {
-    return nullptr;
-  }
+  if (!contents_->hasImageAt(index)) return nullptr;
   const MetadataBlocks& stored = contents_->header().blocks;
   auto blocks = std::make_shared<MetadataBlocks>();
   Compaction compact;
@@ -321,9 +293,7 @@ std::shared_ptr<const MetadataBlocks> CGImageSource::metadataBlocksAtIndex(
 }
 
 std::optional<CGImage> CGImageSource::imageAtIndex(std::size_t index, Error* error) const {
-  if (!contents_->hasImageAt(index, error)) {
-    return std::nullopt;
-  }
+  if (!contents_->hasImageAt(index, error)) return std::nullopt;
   return contents_->codec()->decode(
       contents_->bytes, contents_->header(),
       {detail::lowerLimits(contents_->limits, {}), contents_->path, error});
@@ -332,9 +302,7 @@ std::optional<CGImage> CGImageSource::imageAtIndex(std::size_t index, Error* err
 std::optional<CGImage> CGImageSource::thumbnailAtIndex(std::size_t index,
                                                        const CGImageSourceThumbnailOptions& options,
                                                        Error* error) const {
-  if (!contents_->hasImageAt(index, error)) {
-    return std::nullopt;
-  }
+  if (!contents_->hasImageAt(index, error)) return std::nullopt;
   const ImageHeader& header = contents_->header();
   const DecodeRequest request{detail::lowerLimits(contents_->limits, options.limits),
                               contents_->path, error};
@@ -346,9 +314,7 @@ std::optional<CGImage> CGImageSource::thumbnailAtIndex(std::size_t index,
   if (!options.createThumbnailFromImageAlways) {
     image = embeddedThumbnail(header, *limit, request.limits);
   }
-  if (!image) {
-    image = contents_->codec()->decodeReduced(contents_->bytes, header, *limit, request);
-  }
+  if (!image) image = contents_->codec()->decodeReduced(contents_->bytes, header, *limit, request);
   if (image && options.createThumbnailWithTransform) {
     image = upright(*image, orientationOf(header), request);
   }

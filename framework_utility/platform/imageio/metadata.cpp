@@ -68,8 +68,9 @@ MetadataBlocks mergeMetadata(const MetadataBlocks* source, const Dictionary& pro
   blocks.xmp = Data(mergeXmp(source->xmp, before, properties, pixels));
   blocks.extendedXmp = Data(mergeXmp(source->extendedXmp, before, properties, pixels));
   // The name is a digest of what it names.
-  if (blocks.extendedXmp != source->extendedXmp)
+  if (blocks.extendedXmp != source->extendedXmp) {
     blocks.xmp = withXmpExtensionName(blocks.xmp, {}).value_or(blocks.xmp);
+  }
   blocks.format = source->format;
   blocks.formatParts = source->formatParts;
   return blocks;

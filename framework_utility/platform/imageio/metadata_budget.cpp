@@ -14,8 +14,9 @@ void MetadataBudget::tell(Dictionary& properties) const {
   if (leftOut_.empty()) return;
   const Array* told = properties.get<Array>(kKvImagePropertyMetadataLeftOut);
   Array names = told ? *told : Array();
-  for (const std::string_view name : leftOut_)
+  for (const std::string_view name : leftOut_) {
     if (std::find(names.begin(), names.end(), Value(name)) == names.end()) names.emplace_back(name);
+  }
   properties.set(kKvImagePropertyMetadataLeftOut, Value(std::move(names)));
 }
 

@@ -19,17 +19,13 @@ constexpr std::size_t tagSize = 12;
 
 constexpr std::uint32_t code(const char (&text)[5]) {
   std::uint32_t value = 0;
-  for (int i = 0; i < 4; ++i) {
-    value = value << 8 | static_cast<unsigned char>(text[i]);
-  }
+  for (int i = 0; i < 4; ++i) value = value << 8 | static_cast<unsigned char>(text[i]);
   return value;
 }
 
 /// Big-endian; 0 past the end.
 std::uint32_t u32(Bytes bytes, std::size_t offset) {
-  if (offset > bytes.size() || bytes.size() - offset < 4) {
-    return 0;
-  }
+  if (offset > bytes.size() || bytes.size() - offset < 4) return 0;
   std::uint32_t value = 0;
   for (const std::byte byte : bytes.subspan(offset, 4)) {
     value = value << 8 | std::to_integer<std::uint32_t>(byte);
@@ -64,9 +60,7 @@ std::string textOf(Bytes bytes, std::size_t size) {
     for (const std::byte byte : bytes.subspan(i, size)) {
       unit = static_cast<char16_t>(unit << 8 | std::to_integer<char16_t>(byte));
     }
-    if (unit == 0) {
-      break;
-    }
+    if (unit == 0) break;
     units += unit;
   }
   return utf8::fromUtf16(units);
@@ -80,9 +74,7 @@ std::string readText(Bytes tag) { return textOf(part(tag, 12, u32(tag, 8)), 1); 
 std::string readLocalizedText(Bytes tag) {
   constexpr std::uint32_t english = 'e' << 8 | 'n';
   const std::size_t size = u32(tag, 12);
-  if (size < 12) {
-    return {};
-  }
+  if (size < 12) return {};
   const std::size_t count = std::min<std::size_t>(u32(tag, 8), tag.size() / size);
   std::size_t record = 16;
   for (std::size_t i = 0; i < count; ++i) {
@@ -97,9 +89,7 @@ std::string readLocalizedText(Bytes tag) {
 }  // namespace
 
 std::string profileDescription(std::span<const std::byte> profile, MetadataBudget& budget) {
-  if (u32(profile, signatureOffset) != code("acsp")) {
-    return {};
-  }
+  if (u32(profile, signatureOffset) != code("acsp")) return {};
   const Bytes tag = findTag(profile, code("desc"));
   if (!budget.spend(1, tag.size())) {
     budget.leaveOut(kCGImagePropertyProfileName);

@@ -44,9 +44,7 @@ std::int64_t exifNumber(UIImageOrientation orientation) {
 
 std::optional<UIImage> detail::uiImageFrom(const CGImageSource& source, Error* error) {
   const std::optional<CGImage> image = source.imageAtIndex(0, error);
-  if (!image) {
-    return std::nullopt;
-  }
+  if (!image) return std::nullopt;
   return UIImage(*image, 1, orientationIn(source.propertiesAtIndex(0).value_or(Dictionary())));
 }
 

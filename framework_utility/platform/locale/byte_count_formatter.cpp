@@ -49,9 +49,10 @@ std::string ByteCountFormatter::stringFromByteCount(std::int64_t count) const {
                     .precision(Precision::maxFraction(unit.fractionDigits))
                     .roundingMode(UNUM_ROUND_HALFEVEN);
   UErrorCode status = U_ZERO_ERROR;
-  if (!english)
+  if (!english) {
     format = format.unit(icu::MeasureUnit::forIdentifier(unit.identifier, status))
                  .unitWidth(power == 0 ? UNUM_UNIT_WIDTH_FULL_NAME : UNUM_UNIT_WIDTH_SHORT);
+  }
   std::string text = detail::utf8Text(format.formatDouble(amount, status).toString(status));
   if (U_FAILURE(status)) return {};
   if (!english) return text;

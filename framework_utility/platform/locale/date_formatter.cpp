@@ -106,8 +106,9 @@ std::optional<Date> DateFormatter::dateByLocale(std::string_view text) const {
   // The data's own strictness lets leading blanks, short years and "2e3" pass. A date is strict
   // when it is written as it was read.
   const icu::UnicodeString written = formatted(*format, milliseconds);
-  if (withAsciiDigits(written).caseCompare(withAsciiDigits(read), U_FOLD_CASE_DEFAULT) != 0)
+  if (withAsciiDigits(written).caseCompare(withAsciiDigits(read), U_FOLD_CASE_DEFAULT) != 0) {
     return std::nullopt;
+  }
 
   constexpr double longestDistance = 9.2e15;  // in milliseconds; a date counts microseconds
   if (!(std::abs(milliseconds) < longestDistance)) return std::nullopt;

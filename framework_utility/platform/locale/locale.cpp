@@ -41,8 +41,9 @@ std::string withoutSystemSpelling(std::string_view identifier) {
 
   constexpr std::pair<std::string_view, std::string_view> scripts[] = {
       {"@latin", "_Latn"}, {"@cyrillic", "_Cyrl"}, {"@devanagari", "_Deva"}};
-  for (const auto& [name, script] : scripts)
+  for (const auto& [name, script] : scripts) {
     if (modifier == name) plain.insert(std::min(plain.find('_'), plain.size()), script);
+  }
   return plain;
 }
 
@@ -60,8 +61,9 @@ std::string canonical(std::string_view identifier) {
   uloc_canonicalize(plain.c_str(), buffer.data(), buffer.size() - 1, &status);
   const std::string_view language = languageOf(buffer.data());
   if (U_FAILURE(status) || language.size() < 2 || language.size() > 3 ||
-      !std::all_of(language.begin(), language.end(), isLower))
+      !std::all_of(language.begin(), language.end(), isLower)) {
     return std::string(posixIdentifier);
+  }
   return buffer.data();
 }
 
@@ -72,8 +74,9 @@ Locale::Locale(std::string_view identifier) : identifier_(canonical(identifier))
 Locale Locale::current(LocaleCategory category) {
   if (const Locale* locale = ScopedLocale::inPlace()) return *locale;
   const char* own = category == LocaleCategory::dates ? "LC_TIME" : "LC_NUMERIC";
-  for (const char* variable : {"LC_ALL", own, "LANG"})
+  for (const char* variable : {"LC_ALL", own, "LANG"}) {
     if (const std::string_view value = environment(variable); !value.empty()) return Locale(value);
+  }
   return Locale("C");
 }
 

@@ -44,8 +44,9 @@ bool writesPlainDates(const Locale& locale) {
   const std::string_view identifier = locale.identifier();
   if (identifier == "en_US_POSIX") return true;
   const std::string_view language = locale.languageCode();
-  if (!std::binary_search(std::begin(plainLanguages), std::end(plainLanguages), language))
+  if (!std::binary_search(std::begin(plainLanguages), std::end(plainLanguages), language)) {
     return false;
+  }
   if (identifier.size() == 2) return true;
   return identifier.size() == 5 && std::find(std::begin(otherCalendars), std::end(otherCalendars),
                                              identifier.substr(3)) == std::end(otherCalendars);
@@ -80,8 +81,9 @@ PlainDateReading readPlainDate(std::string_view text, sys_seconds& clockTime) {
   const minutes minute{read(text.substr(14, 2))};
   const seconds second{read(text.substr(17, 2))};
   if (date.year() < year{1583}) return PlainDateReading::undecided;
-  if (!date.ok() || hour >= days{1} || minute >= hours{1} || second >= minutes{1})
+  if (!date.ok() || hour >= days{1} || minute >= hours{1} || second >= minutes{1}) {
     return PlainDateReading::noDate;
+  }
   clockTime = sys_days(date) + hour + minute + second;
   return PlainDateReading::date;
 }

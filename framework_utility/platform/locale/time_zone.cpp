@@ -110,8 +110,9 @@ TimeZone TimeZone::current() {
   static std::mutex mutex;
   static std::optional<std::pair<std::string, TimeZone>> known;
   const std::lock_guard lock(mutex);
-  if (!known || known->first != source)
+  if (!known || known->first != source) {
     known.emplace(source, setting || !source.empty() ? zoneOfSetting(source) : zoneOfSystemFile());
+  }
   return known->second;
 }
 

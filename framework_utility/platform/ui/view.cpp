@@ -90,8 +90,9 @@ void UIView::setUserInteractionEnabled(bool enabled) {
 const UIView* UIView::superview() const { return contents_->superview; }
 
 const UIWindow* UIView::window() const {
-  for (const UIView* view = this; view; view = view->superview())
+  for (const UIView* view = this; view; view = view->superview()) {
     if (const auto* window = dynamic_cast<const UIWindow*>(view)) return window;
+  }
   return nullptr;
 }
 
@@ -100,9 +101,11 @@ const std::vector<std::shared_ptr<UIView>>& UIView::subviews() const { return co
 void UIView::addSubview(std::shared_ptr<UIView> view) {
   if (!view) return;
   // Only a view with subviews can stand above this one: leaves are added without a walk.
-  if (view.get() == this || !view->contents_->subviews.empty())
-    for (const UIView* above = this; above; above = above->contents_->superview)
+  if (view.get() == this || !view->contents_->subviews.empty()) {
+    for (const UIView* above = this; above; above = above->contents_->superview) {
       if (above == view.get()) stop("UIView: addSubview: a view cannot be put into itself");
+    }
+  }
   view->removeFromSuperview();
   view->contents_->superview = this;
   contents_->subviews.push_back(std::move(view));

@@ -41,8 +41,9 @@ Rect frameIn(NSKeyedUnarchiver& coder) {
 }
 
 std::shared_ptr<UICollectionViewLayout> layoutIn(NSKeyedUnarchiver& coder) {
-  if (auto layout = objectIn<UICollectionViewLayout>(coder.decodeObjectForKey(layoutKey)))
+  if (auto layout = objectIn<UICollectionViewLayout>(coder.decodeObjectForKey(layoutKey))) {
     return layout;
+  }
   coder.failWithError(
       detail::coderError(CoderError::readCorrupt, "a collection view has no layout"));
   return std::make_shared<UICollectionViewLayout>();  // of a view that nobody will see
@@ -72,8 +73,9 @@ UIView::UIView(NSKeyedUnarchiver& coder) : UIView(frameIn(coder)) {
   UIView::setHidden(coder.decodeBoolForKey(hiddenKey));
   UIView::setUserInteractionEnabled(!coder.decodeBoolForKey(interactionDisabledKey));
   const std::optional<Value> subviews = coder.decodeObjectForKey(subviewsKey);
-  if (const auto* views = subviews ? subviews->as<Array>() : nullptr)
+  if (const auto* views = subviews ? subviews->as<Array>() : nullptr) {
     for (const Value& view : *views) UIView::addSubview(objectIn<UIView>(view));
+  }
 }
 
 void UIView::encodeWithCoder(NSKeyedArchiver& coder) const {
@@ -94,9 +96,10 @@ UIImageView::UIImageView(NSKeyedUnarchiver& coder) : UIView(coder) {}
 
 void UIImageView::encodeWithCoder(NSKeyedArchiver& coder) const {
   UIView::encodeWithCoder(coder);
-  if (image_ || highlightedImage_)
+  if (image_ || highlightedImage_) {
     coder.failWithError(
         detail::coderError(CoderError::invalidValue, "a view's pictures cannot be archived"));
+  }
 }
 
 void UICollectionViewLayout::encodeWithCoder(NSKeyedArchiver&) const {}

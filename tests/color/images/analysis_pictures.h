@@ -32,9 +32,11 @@ inline PixelAt all(const Pixel& pixel) {
 inline CGImage bitmapOf(std::size_t width, std::size_t height, const PixelAt& pixel,
                         CGImageAlphaInfo info = CGImageAlphaInfo::premultipliedLast) {
   std::vector<std::uint8_t> bytes;
-  for (std::size_t y = 0; y < height; ++y)
-    for (std::size_t x = 0; x < width; ++x)
+  for (std::size_t y = 0; y < height; ++y) {
+    for (std::size_t x = 0; x < width; ++x) {
       for (const std::uint8_t component : pixel(x, y)) bytes.push_back(component);
+    }
+  }
   return *CGImage::create(layoutOf(width, height, 4, info), CGColorSpace::createDeviceRGB(),
                           dataOf(bytes));
 }

@@ -86,13 +86,14 @@ TEST_F(ColorAnalysisOfFilesTest, WithoutAReadableColourPictureThereIsNoResult) {
                {write("empty.png", Data()), 259},
                {write("cut.jpg", Data(std::span(jpeg).first(100))), 259},
                {write("large.jpg", jpeg), 263}};
-  for (const auto quality : {full, low})
+  for (const auto quality : {full, low}) {
     for (const auto& [url, code] : cases) {
       Error error;
       EXPECT_FALSE(analyzeImageAtUrl(url, quality, 0, {.mostPixels = 89'999}, &error))
           << url.absoluteString();
       EXPECT_EQ(error.code(), code) << url.absoluteString();
     }
+  }
 }
 
 }  // namespace

@@ -36,8 +36,9 @@ TEST(ColorAnalysisTest, RawValuesAreLengths) {
     EXPECT_EQ(fromRawValue<UIImageAnalyzeColorQuality>(rawValue), quality);
     EXPECT_EQ(static_cast<std::int64_t>(quality), rawValue);
   }
-  for (const std::int64_t other : {-1, 1, 49, 251})
+  for (const std::int64_t other : {-1, 1, 49, 251}) {
     EXPECT_FALSE(fromRawValue<UIImageAnalyzeColorQuality>(other)) << other;
+  }
 }
 
 TEST(ColorAnalysisTest, AColourIsTheMiddleOfItsBucket) {
@@ -91,8 +92,9 @@ TEST(ColorAnalysisTest, TheCountEndsTheSelection) {
   EXPECT_EQ(colorsOf(image, full, 2), "0000FF 00FF00");
   for (const std::int64_t count :
        {std::int64_t{0}, std::int64_t{-1}, std::int64_t{3},
-        std::numeric_limits<std::int64_t>::min(), std::numeric_limits<std::int64_t>::max()})
+        std::numeric_limits<std::int64_t>::min(), std::numeric_limits<std::int64_t>::max()}) {
     EXPECT_EQ(colorsOf(image, full, count), "0000FF 00FF00 FF0000") << count;
+  }
 }
 
 TEST(ColorAnalysisTest, OfEqualCountsTheSmallerKeyComesFirst) {
@@ -181,17 +183,20 @@ TEST(ColorAnalysisTest, EqualsTheStepsOneByOne) {
                                          CGColorSpace::createDeviceRGB(), dataOf(bytes)));
 
     std::map<double, std::int64_t> counted;
-    for (std::size_t x = 0; x < width; ++x)
+    for (std::size_t x = 0; x < width; ++x) {
       for (std::size_t y = 0; y < height; ++y) {
         const std::uint8_t* pixel = &bytes[(y * width + x) * 4];
         if (pixel[3] == 0) continue;
         ++counted[std::round(pixel[0] / 10.0) + std::round(pixel[1] / 10.0) * 1000 +
                   std::round(pixel[2] / 10.0) * 1'000'000];
       }
+    }
     std::vector<std::pair<double, std::int64_t>> sorted;
-    for (const auto& [key, count] : counted)
-      if (static_cast<double>(count) > std::round(static_cast<double>(height) * 0.01))
+    for (const auto& [key, count] : counted) {
+      if (static_cast<double>(count) > std::round(static_cast<double>(height) * 0.01)) {
         sorted.emplace_back(key, count);
+      }
+    }
     std::stable_sort(sorted.begin(), sorted.end(),
                      [](const auto& a, const auto& b) { return a.second > b.second; });
     UIImageAnalyzeResult expected;
@@ -203,8 +208,9 @@ TEST(ColorAnalysisTest, EqualsTheStepsOneByOne) {
             return std::abs(candidate.red - other.red) <= 0.25 &&
                    std::abs(candidate.green - other.green) <= 0.25 &&
                    std::abs(candidate.blue - other.blue) <= 0.25;
-          }))
+          })) {
         expected.colors.push_back(candidate);
+      }
       if (expected.colors.size() == 6) break;
     }
     EXPECT_EQ(colorsOf(image, full, 6), colorsIn(expected)) << seed;
@@ -239,19 +245,23 @@ TEST(ColorAnalysisTest, WithoutAnRGBBitmapThereIsNoResult) {
   const UIImage mask = alone(CGColorSpace::createDeviceRGB(), 1, alphaOnly);
   EXPECT_FALSE(hasAlpha(mask));
   for (const UIImage& image : {mask, alone(CGColorSpace::createDeviceGray(), 1, none),
-                               alone(CGColorSpace::createDeviceCMYK(), 4, none)})
+                               alone(CGColorSpace::createDeviceCMYK(), 4, none)}) {
     for (const auto quality : {full, low}) EXPECT_EQ(colorsOf(image, quality), "none");
+  }
   // Less than a point, and more points than any bitmap has.
-  for (const double scale : {2.0, 1e300, std::numeric_limits<double>::infinity(), 1e-5})
-    for (const auto quality : {full, low})
+  for (const double scale : {2.0, 1e300, std::numeric_limits<double>::infinity(), 1e-5}) {
+    for (const auto quality : {full, low}) {
       EXPECT_EQ(colorsOf(imageOf(1, 1, all(red), scale), quality), "none") << scale;
+    }
+  }
   EXPECT_EQ(colorsOf(imageOf(9, 1, all(red), 2), low), "none") << "half a point high";
 }
 
 TEST(ColorAnalysisDeathTest, SizesThatAreNoIntegersStopTheProcess) {
-  for (const double scale : {1e-300, 1e-18, 1e-9, 5e-324})
+  for (const double scale : {1e-300, 1e-18, 1e-9, 5e-324}) {
     EXPECT_DEATH((void)colorsOf(imageOf(100, 100, all(red), scale)), "not finite, or too large")
         << scale;
+  }
 }
 
 }  // namespace

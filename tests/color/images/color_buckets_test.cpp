@@ -23,8 +23,9 @@ using Counts = std::vector<std::pair<Bucket, std::int64_t>>;
 
 Counts counted(const ColorBuckets& buckets, std::int64_t threshold = 0) {
   Counts counts;
-  for (const auto& [red, green, blue, count] : buckets.above(threshold))
+  for (const auto& [red, green, blue, count] : buckets.above(threshold)) {
     counts.push_back({{blue, green, red}, count});
+  }
   return counts;
 }
 
@@ -33,9 +34,11 @@ Counts countedOneByOne(const std::vector<std::uint8_t>& rgba, bool isOpaque) {
     return static_cast<std::uint32_t>(std::round(component / 10.0));
   };
   std::map<Bucket, std::int64_t> counts;
-  for (std::size_t i = 0; i < rgba.size(); i += 4)
-    if (isOpaque || rgba[i + 3] != 0)
+  for (std::size_t i = 0; i < rgba.size(); i += 4) {
+    if (isOpaque || rgba[i + 3] != 0) {
       ++counts[{tens(rgba[i + 2]), tens(rgba[i + 1]), tens(rgba[i])}];
+    }
+  }
   return {counts.begin(), counts.end()};
 }
 
@@ -50,8 +53,8 @@ TEST(ColorBucketsTest, EveryComponentIsRoundedToTens) {
 }
 
 TEST(ColorBucketsTest, AnyNumberOfPixelsOnAnyVectorUnits) {
-  for (const VectorUnits units : {VectorUnits::baseline, detail::vectorUnits()})
-    for (const bool isOpaque : {false, true})
+  for (const VectorUnits units : {VectorUnits::baseline, detail::vectorUnits()}) {
+    for (const bool isOpaque : {false, true}) {
       for (const std::size_t pixels : {0U, 1U, 3U, 63U, 64U, 65U, 127U, 128U, 200U, 70'000U}) {
         SCOPED_TRACE(::testing::Message() << pixels << " pixels, opaque: " << isOpaque);
         auto rgba = testing::noise(pixels * 4, 7);
@@ -60,6 +63,8 @@ TEST(ColorBucketsTest, AnyNumberOfPixelsOnAnyVectorUnits) {
         buckets.add(rgba.data(), pixels, isOpaque, units);
         EXPECT_EQ(counted(buckets), countedOneByOne(rgba, isOpaque));
       }
+    }
+  }
 }
 
 TEST(ColorBucketsTest, OnlyWhatIsAboveTheThreshold) {

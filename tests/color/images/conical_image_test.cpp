@@ -223,8 +223,9 @@ TEST(InterpolatedColorTest, GoesByTheNearestStopsOnEitherSide) {
     EXPECT_DOUBLE_EQ(color->green, c.expected) << c.position << ' ' << c.expected;
   }
   EXPECT_FALSE(interpolatedColor(0.5, {}, {0, 1}));
-  for (const double taken : {0.8, 7.0, nan})  // and not taken
+  for (const double taken : {0.8, 7.0, nan}) {  // and not taken
     EXPECT_DEATH(interpolatedColor(0.9, {grey(0), grey(1)}, {0, 0.2, taken}), "has no color");
+  }
 }
 
 }  // namespace

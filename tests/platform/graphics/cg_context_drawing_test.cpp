@@ -77,9 +77,10 @@ TEST(CGContextDrawingTest, CellsThatMeetLeaveNoPixelUncoveredAndNoneTwice) {
       context->setFillColor(white);
       context->fillRect({-100, -100, 300, 300});
       const auto pixels = pixelsOf(*context);
-      for (std::size_t p = 0; p < sum.size(); ++p)
+      for (std::size_t p = 0; p < sum.size(); ++p) {
         // Outside the fan a triangle that lies the wrong way round counts against the others.
         sum[p] += pixels[4 * p + 3];
+      }
     }
     const bool isInside = middle.x > -30 && middle.x < 90 && middle.y > -30 && middle.y < 90;
     ASSERT_TRUE(isInside);
@@ -143,11 +144,14 @@ TEST(CGContextDrawingTest, ReducedImagesAreAveragesAndEnlargedOnesLines) {
   drawInRect(UIImage(large), *context, {3, 5, 30, 20});
   const auto average = detail::reducedImage(large, 30);
   const auto expected = testing::bytesOf(average->pixels());
-  for (std::size_t y = 0; y < 20; ++y)
-    for (std::size_t x = 0; x < 30; ++x)
-      for (std::size_t c = 0; c < 3; ++c)
+  for (std::size_t y = 0; y < 20; ++y) {
+    for (std::size_t x = 0; x < 30; ++x) {
+      for (std::size_t c = 0; c < 3; ++c) {
         ASSERT_NEAR(pixelsOf(*context)[4 * ((y + 5) * 40 + x + 3) + c],
                     expected[4 * (y * 30 + x) + c], 1);
+      }
+    }
+  }
 
   // Black and white, stretched: grey between their middles, no seam of the clear ground at the
   // edge.
@@ -164,10 +168,13 @@ TEST(CGContextDrawingTest, TurnedImagesShowTheSamePlaces) {
   // Red grows to the right and green downwards, so that a colour tells where it is from.
   constexpr std::size_t side = 100;
   std::vector<std::uint8_t> bytes;
-  for (std::size_t y = 0; y < side; ++y)
-    for (std::size_t x = 0; x < side; ++x)
-      for (const std::size_t c : {2 * x, 2 * y, std::size_t{0}, std::size_t{255}})
+  for (std::size_t y = 0; y < side; ++y) {
+    for (std::size_t x = 0; x < side; ++x) {
+      for (const std::size_t c : {2 * x, 2 * y, std::size_t{0}, std::size_t{255}}) {
         bytes.push_back(static_cast<std::uint8_t>(c));
+      }
+    }
+  }
   const CGImage image = *CGImage::create(layoutOf(side, side, 4, premultipliedLast),
                                          CGColorSpace::createDeviceRGB(), dataOf(bytes));
   const auto context = contextOf(200, 200);

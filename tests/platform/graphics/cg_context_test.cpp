@@ -241,8 +241,9 @@ TEST(CGContextTest, PointsFollowTheTransform) {
         const double py = up * std::cos(angle) - right * std::sin(angle);
         const auto levels = gradient.levelsAt(gradient.positionOf(px, py));
         const auto pixel = pixelAt(image, x, y);
-        for (std::size_t c = 0; c < 4; ++c)
+        for (std::size_t c = 0; c < 4; ++c) {
           ASSERT_NEAR(pixel[c], static_cast<double>(levels[c]), 1) << x << ' ' << y;
+        }
       }
     }
   }

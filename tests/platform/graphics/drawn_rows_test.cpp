@@ -29,10 +29,13 @@ CGImage imageOf(const CGImageLayout& layout, const std::vector<std::uint8_t>& by
 /// One pixel a letter, top row first: red, green, blue, black, and blank for none.
 CGImage pictureOf(const std::vector<std::string>& rows) {
   std::vector<std::uint8_t> bytes;
-  for (const std::string& row : rows)
-    for (const char pixel : row)
-      for (const bool part : {pixel == 'r', pixel == 'g', pixel == 'b', pixel != ' '})
+  for (const std::string& row : rows) {
+    for (const char pixel : row) {
+      for (const bool part : {pixel == 'r', pixel == 'g', pixel == 'b', pixel != ' '}) {
         bytes.push_back(part ? 255 : 0);
+      }
+    }
+  }
   return imageOf(layoutOf(rows[0].size(), rows.size(), 4, premultipliedLast), bytes);
 }
 
@@ -43,8 +46,9 @@ std::vector<std::uint8_t> drawn(const CGImage& image, PixelSize bitmap, Size are
   for (std::size_t y = 0; rows && y < bitmap.height; ++y) {
     const auto [pixels, isOpaque] = rows->row(y);
     bytes.insert(bytes.end(), pixels, pixels + bitmap.width * 4);
-    for (std::size_t x = 0; isOpaque && x < bitmap.width; ++x)
+    for (std::size_t x = 0; isOpaque && x < bitmap.width; ++x) {
       bytes[(y * bitmap.width + x) * 4 + 3] = 255;
+    }
   }
   return bytes;
 }
@@ -61,8 +65,8 @@ TEST(DrawnRowsTest, APictureOfTheBitmapsSizeStaysAsItIs) {
   constexpr std::size_t width = 37;
   constexpr std::size_t height = 5;
   for (const CGImageAlphaInfo info :
-       {none, premultipliedLast, premultipliedFirst, last, first, noneSkipLast, noneSkipFirst})
-    for (const std::size_t bits : {8U, 16U})
+       {none, premultipliedLast, premultipliedFirst, last, first, noneSkipLast, noneSkipFirst}) {
+    for (const std::size_t bits : {8U, 16U}) {
       for (const CGImageByteOrder order :
            {CGImageByteOrder::unspecified, CGImageByteOrder::little32, CGImageByteOrder::big32}) {
         CGImageLayout layout = layoutOf(width, height, info == none ? 3 : 4, info, bits, order);
@@ -76,6 +80,8 @@ TEST(DrawnRowsTest, APictureOfTheBitmapsSizeStaysAsItIs) {
                   std::vector(expected->data(), expected->data() + expected->size()))
             << static_cast<int>(info) << ' ' << bits;
       }
+    }
+  }
 }
 
 TEST(DrawnRowsTest, EachPixelIsTheAverageOfWhatItShows) {
@@ -96,22 +102,27 @@ TEST(DrawnRowsTest, EachPixelIsTheAverageOfWhatItShows) {
     const auto found =
         drawn(imageOf(layoutOf(width, height, 4, premultipliedLast), bytes), bitmap, area);
     ASSERT_EQ(found.size(), bitmap.width * bitmap.height * 4);
-    for (std::size_t y = 0; y < bitmap.height; ++y)
+    for (std::size_t y = 0; y < bitmap.height; ++y) {
       for (std::size_t x = 0; x < bitmap.width; ++x) {
         std::array<double, 4> expected{};
         // The area's lower left corner is the bitmap's.
         const double top =
             static_cast<double>(y) + area.height - static_cast<double>(bitmap.height);
-        for (std::size_t sy = 0; sy < height; ++sy)
-          for (std::size_t sx = 0; sx < width; ++sx)
-            for (std::size_t c = 0; c < 4; ++c)
+        for (std::size_t sy = 0; sy < height; ++sy) {
+          for (std::size_t sx = 0; sx < width; ++sx) {
+            for (std::size_t c = 0; c < 4; ++c) {
               expected[c] += overlap(top, sy, height, area.height) *
                              overlap(static_cast<double>(x), sx, width, area.width) *
                              bytes[(sy * width + sx) * 4 + c];
-        for (std::size_t c = 0; c < 4; ++c)
+            }
+          }
+        }
+        for (std::size_t c = 0; c < 4; ++c) {
           ASSERT_NEAR(found[(y * bitmap.width + x) * 4 + c], expected[c], 0.5 + 1e-9)
               << x << ", " << y;
+        }
       }
+    }
   }
 }
 
@@ -129,8 +140,9 @@ TEST(DrawnRowsTest, RowsComeInAnyOrder) {
   auto downwards = DrawnRows::create(image, {5, 7}, {5, 7});
   auto upwards = DrawnRows::create(image, {5, 7}, {5, 7});
   std::vector<std::vector<std::uint8_t>> rows;
-  for (std::size_t y = 0; y < 7; ++y)
+  for (std::size_t y = 0; y < 7; ++y) {
     rows.emplace_back(downwards->row(y).pixels, downwards->row(y).pixels + 20);
+  }
   for (std::size_t y = 7; y-- > 0;) {
     const std::uint8_t* pixels = upwards->row(y).pixels;
     EXPECT_EQ(std::vector(pixels, pixels + 20), rows[y]) << y;
@@ -152,8 +164,9 @@ TEST(DrawnRowsTest, AnythingElseHasNoRows) {
   for (const CGImage& other : {alone(CGColorSpace::createDeviceGray(), 1, none),
                                alone(CGColorSpace::createDeviceGray(), 2, premultipliedLast),
                                alone(CGColorSpace::createDeviceCMYK(), 4, none),
-                               alone(CGColorSpace::createDeviceRGB(), 1, alphaOnly)})
+                               alone(CGColorSpace::createDeviceRGB(), 1, alphaOnly)}) {
     EXPECT_FALSE(DrawnRows::create(other, {2, 2}, {2, 2}));
+  }
 }
 
 }  // namespace

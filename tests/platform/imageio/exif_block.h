@@ -53,9 +53,10 @@ struct TestBlock {
     const std::uint32_t size = detail::tiffTypeSize(type);
     const std::uint32_t terms = size == 8 ? 2 : 1;
     TestEntry entry{tag, type, static_cast<std::uint32_t>(values.size()) / terms, {}};
-    for (const std::int64_t value : values)
+    for (const std::int64_t value : values) {
       detail::appendTiffInteger(entry.value, static_cast<std::uint64_t>(value), size / terms,
                                 order);
+    }
     return entry;
   }
 
@@ -80,8 +81,9 @@ struct TestBlock {
     at += gps.empty() ? 0 : sizeOf(gps);
     append(block, first, thumbnail.empty() ? 0 : at);
     for (const std::vector<TestEntry>* directory :
-         std::initializer_list<const std::vector<TestEntry>*>{&second, &interop, &gps})
+         std::initializer_list<const std::vector<TestEntry>*>{&second, &interop, &gps}) {
       if (!directory->empty()) append(block, *directory, 0);
+    }
     if (thumbnail.empty()) return block;
     const auto size = static_cast<std::int64_t>(thumbnail.size());
     const auto begin = static_cast<std::int64_t>(at + 2 + 2 * 12 + 4);
@@ -98,8 +100,9 @@ struct TestBlock {
   static std::size_t even(std::size_t size) { return size + size % 2; }
   static std::size_t sizeOf(const std::vector<TestEntry>& directory) {
     std::size_t size = 2 + 12 * directory.size() + 4;
-    for (const TestEntry& entry : directory)
+    for (const TestEntry& entry : directory) {
       if (entry.value.size() > 4) size += even(entry.value.size());
+    }
     return size;
   }
   void append(Bytes& block, std::vector<TestEntry> directory, std::size_t next) const {
@@ -151,13 +154,14 @@ inline std::map<std::pair<int, int>, StoredEntry> entriesOf(const Bytes& block) 
   const auto collect = [&](auto self, int directory, std::uint32_t offset) -> void {
     for (std::uint32_t i = 0; i < reader->entryCount(offset); ++i) {
       const detail::TiffEntry entry = reader->entry(offset, i);
-      if (entry.tag == 0x8769 || entry.tag == 0x8825 || entry.tag == 0xA005)
+      if (entry.tag == 0x8769 || entry.tag == 0x8825 || entry.tag == 0xA005) {
         self(self, entry.tag, reader->unsignedInteger(entry).value_or(0));
-      else
+      } else {
         entries[{directory, entry.tag}] = {entry.type,
                                            entry.count,
                                            entry.value.size() > 4 ? entry.offset : 0,
                                            {entry.value.begin(), entry.value.end()}};
+      }
     }
   };
   collect(collect, 0, reader->firstDirectory());

@@ -90,7 +90,7 @@ TEST(ExifReadTest, CommentsBehindEachPrefix) {
     std::string stored;
     std::optional<std::string> text;
   };
-  for (const std::endian order : orders)
+  for (const std::endian order : orders) {
     for (const Case& c :
          {Case{"ASCII\0\0\0plain\0rest"s, "plain"},
           Case{"\0\0\0\0\0\0\0\0undefined  "s, "undefined"}, Case{"no prefix"s, "no prefix"},
@@ -110,6 +110,7 @@ TEST(ExifReadTest, CommentsBehindEachPrefix) {
       EXPECT_EQ(value ? std::optional(*value) : std::nullopt,
                 c.text ? std::optional(Value(*c.text)) : std::nullopt);
     }
+  }
 }
 
 TEST(ExifReadTest, LeavesOutWhatIsNoValue) {
@@ -178,15 +179,16 @@ TEST(ExifReadTest, ATruncatedBlockGivesNothingElseThanTheWholeOne) {
 TEST(ExifReadTest, EndsForEveryPointer) {
   // A directory of 65,535 records that all lead to itself.
   TestBlock block;
-  for (int i = 0; i < 65535; ++i)
+  for (int i = 0; i < 65535; ++i) {
     block.image.push_back(block.numbers(i % 2 == 0 ? 0x8769 : 0x8825, unsignedLong, {8}));
+  }
   Bytes bytes = block.bytes();
   EXPECT_TRUE(readExif(bytes).empty());
   EXPECT_TRUE(detail::mergeExif(bytes, {}, {}).empty());
 
   // Every offset of a small block in turn, past the end and backwards included.
   const Bytes whole = photograph(std::endian::big).bytes();
-  for (std::size_t at = 4; at + 4 <= whole.size(); ++at)
+  for (std::size_t at = 4; at + 4 <= whole.size(); ++at) {
     for (const std::uint32_t offset :
          {0U, 8U, static_cast<std::uint32_t>(at), static_cast<std::uint32_t>(whole.size() - 1),
           0x7FFFFFFFU, 0xFFFFFFFFU}) {
@@ -196,6 +198,7 @@ TEST(ExifReadTest, EndsForEveryPointer) {
       const Bytes merged = detail::mergeExif(bytes, properties, {});
       ASSERT_EQ(readExif(merged), properties) << at << ' ' << offset;
     }
+  }
 }
 
 }  // namespace

@@ -176,10 +176,11 @@ void expectOnlyChange(std::string_view dictionary, std::string_view key,
   for (const std::endian order : orders) {
     const Bytes block = photograph(order, foreignNote).bytes();
     Dictionary properties = readExif(block);
-    if (value)
+    if (value) {
       properties.subdictionary(dictionary).set(key, *value);
-    else
+    } else {
       properties.subdictionary(dictionary).remove(key);
+    }
     const Bytes merged = mergeExif(block, properties, {});
     EXPECT_EQ(in(readExif(merged), dictionary), in(properties, dictionary));
     auto before = entriesOf(block), after = entriesOf(merged);
@@ -404,20 +405,23 @@ TEST(ExifWriteTest, ManyRandomEditsReadBack) {
         const Choice& choice = choices[random() % std::size(choices)];
         Dictionary& dictionary = properties.subdictionary(choice.dictionary);
         const std::size_t index = random() % (choice.values.size() + 1);
-        if (index == choice.values.size())
+        if (index == choice.values.size()) {
           dictionary.remove(choice.key);
-        else
+        } else {
           dictionary.set(choice.key, choice.values[index]);
+        }
         if (dictionary.empty()) properties.remove(choice.dictionary);
       }
       block = mergeExif(block, properties, {});
       Dictionary stored = readExif(block);
       // Another word for what the resolution says.
-      for (const char* key : {"DPIWidth", "DPIHeight"})
-        if (const Value* value = stored.find(key))
+      for (const char* key : {"DPIWidth", "DPIHeight"}) {
+        if (const Value* value = stored.find(key)) {
           properties.set(key, *value);
-        else
+        } else {
           properties.remove(key);
+        }
+      }
       ASSERT_EQ(stored, properties) << round;
     }
     EXPECT_TRUE(contains(block, "private"));

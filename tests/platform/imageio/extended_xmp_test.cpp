@@ -37,8 +37,9 @@ std::multimap<std::string, std::string> said(const Data& packet) {
   detail::MetadataBudget budget;
   const auto properties = detail::parseXmpPacket(textOf(packet), budget);
   EXPECT_TRUE(properties);
-  for (const detail::XmpProperty& property : properties.value())
+  for (const detail::XmpProperty& property : properties.value()) {
     result.emplace(property.mapping->name, property.texts().front());
+  }
   return result;
 }
 
@@ -76,8 +77,9 @@ TEST(ExtendedXmp, OnePacketSaysWhatTwoDid) {
     EXPECT_EQ(said(joined), (std::multimap<std::string, std::string>{
                                 {"Make", "M"}, {"Model", "<N"}, {"Software", "S"}}));
   }
-  for (const std::string& other : {"no packet"s, "<a/>"s, packetOf("").substr(1)})
+  for (const std::string& other : {"no packet"s, "<a/>"s, packetOf("").substr(1)}) {
     EXPECT_EQ(detail::joinedXmp(main, dataOf(other)), main);
+  }
 }
 
 TEST(ExtendedXmp, SharedDeclarationsDoNotMultiply) {

@@ -43,9 +43,7 @@ TEST(ImageDestination, HasAsManyImagesAsAnnounced) {
       const std::string path = folder.path(std::to_string(announced) + std::to_string(added));
       const auto destination =
           CGImageDestination::createWithURL(URL::fileURLWithPath(path), "public.jpeg", announced);
-      for (std::size_t i = 0; i < added; ++i) {
-        destination->addImage(image);
-      }
+      for (std::size_t i = 0; i < added; ++i) destination->addImage(image);
       EXPECT_FALSE(std::filesystem::exists(path)) << "before it is finalized";
       Error error;
       EXPECT_EQ(destination->finalize(&error), isWhole);

@@ -271,9 +271,7 @@ TEST(ImageSource, ManyThreadsMayAskAtOnce) {
       EXPECT_TRUE(copy.imageAtIndex(0));
     });
   }
-  for (std::thread& thread : threads) {
-    thread.join();
-  }
+  for (std::thread& thread : threads) thread.join();
 }
 
 }  // namespace

@@ -52,9 +52,7 @@ char colorAt(const CGImage& image, std::size_t x, std::size_t y) {
   const Pixel pixel = pixelOf(image, x, y);
   unsigned bits = 0;
   for (std::size_t i = 0; i < 3; ++i) {
-    if (pixel[i] > 80 && pixel[i] < 175) {
-      return '?';
-    }
+    if (pixel[i] > 80 && pixel[i] < 175) return '?';
     bits |= pixel[i] >= 175 ? 1U << i : 0U;
   }
   constexpr std::string_view names = "krg?b??w";

@@ -235,9 +235,7 @@ TEST(JpegPixels, CmykIsFullInkAt255WhateverTheFileMeans) {
     const auto image = decode(file);
     ASSERT_TRUE(image);
     EXPECT_EQ(image->colorSpace()->model(), CGColorSpaceModel::cmyk);
-    for (std::size_t i = 0; i < 4; ++i) {
-      EXPECT_NEAR(pixelOf(*image, 8, 8)[i], expected[i], 1);
-    }
+    for (std::size_t i = 0; i < 4; ++i) EXPECT_NEAR(pixelOf(*image, 8, 8)[i], expected[i], 1);
   };
   expectInk(ink);
   file[adobe + 11] = 2;  // the transform: YCCK

@@ -27,10 +27,12 @@ Bytes phoneNote() {
   const Bytes whole = block.bytes();
   note.insert(note.end(), whole.begin() + 8, whole.end());
   // The values stand six bytes further from the start than in the block.
-  for (std::uint32_t i = 0; i < block.image.size(); ++i)
-    if (block.image[i].value.size() > 4)
+  for (std::uint32_t i = 0; i < block.image.size(); ++i) {
+    if (block.image[i].value.size() > 4) {
       note[noteDirectory + 2 + 12 * i + 11] =
           static_cast<std::byte>(std::to_integer<int>(note[noteDirectory + 2 + 12 * i + 11]) + 6);
+    }
+  }
   return note;
 }
 
@@ -73,9 +75,10 @@ TEST(MakerNoteTest, ReadsThePhonesNoteAndNoOther) {
 
 TEST(MakerNoteTest, ADamagedNoteIsNotRead) {
   const Bytes whole = phoneNote();
-  for (std::size_t size = 0; size < noteDirectory + 2 + 7 * 12 + 4; ++size)
+  for (std::size_t size = 0; size < noteDirectory + 2 + 7 * 12 + 4; ++size) {
     EXPECT_FALSE(
         readMakerNote(Bytes(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(size))));
+  }
   Bytes unsorted = whole;
   unsorted[noteDirectory + 3] = std::byte{9};
   EXPECT_FALSE(readMakerNote(unsorted));
@@ -92,8 +95,9 @@ TEST(MakerNoteTest, RemovingTheContentIdentifierTouchesNothingElse) {
   const StoredEntry removed = expected.at(17);
   expected.erase(17);
   EXPECT_EQ(noteEntries(merged), expected);
-  for (std::uint32_t i = 0; i < removed.count; ++i)
+  for (std::uint32_t i = 0; i < removed.count; ++i) {
     ASSERT_EQ(merged[removed.offset + i], std::byte{0});
+  }
 }
 
 TEST(MakerNoteTest, AnAddedEntryMovesOnlyWhatStandsInItsWay) {

@@ -69,9 +69,7 @@ TEST(Thumbnail, BoundsTheLargerSideAndNeverEnlarges) {
       if (image) {
         EXPECT_EQ(image->width(), lies ? height : width);
         EXPECT_EQ(image->height(), lies ? width : height);
-        if (width >= 10) {
-          EXPECT_EQ(cornersOf(*image), "rgbw");
-        }
+        if (width >= 10) EXPECT_EQ(cornersOf(*image), "rgbw");
       }
     }
   }
@@ -150,9 +148,7 @@ TEST(Thumbnail, IsTheAverageOfItsArea) {
     ASSERT_TRUE(image);
     EXPECT_EQ(image->layout().bitsPerPixel, 8U);
     double sum = 0;
-    for (std::size_t x = 0; x < image->width(); ++x) {
-      sum += pixelOf(*image, x, 5)[0];
-    }
+    for (std::size_t x = 0; x < image->width(); ++x) sum += pixelOf(*image, x, 5)[0];
     EXPECT_NEAR(sum / static_cast<double>(image->width()), 127.5, 3) << size;
   }
 }

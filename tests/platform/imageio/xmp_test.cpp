@@ -307,9 +307,7 @@ TEST(XmpValuesTest, FractionsAreTheBest) {
                         {std::nan(""), std::nullopt},
                         {1e-300, "0/1"}}) {
     EXPECT_EQ(xmpRational(c.number), c.text) << c.number;
-    if (c.text) {
-      EXPECT_NEAR(parseXmpRational(*c.text).value_or(99), c.number, 1e-9);
-    }
+    if (c.text) EXPECT_NEAR(parseXmpRational(*c.text).value_or(99), c.number, 1e-9);
   }
 }
 

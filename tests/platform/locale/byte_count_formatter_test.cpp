@@ -40,9 +40,11 @@ TEST(ByteCountFormatterTest, WritesEnglish) {
                         Case{3 * PB, "3 PB"},
                         Case{EB, "1 EB"},
                         Case{std::numeric_limits<std::int64_t>::max(), "8 EB"},
-                        Case{std::numeric_limits<std::int64_t>::min(), "-8 EB"}})
-    for (const char* locale : {"en_US", "en", "C"})
+                        Case{std::numeric_limits<std::int64_t>::min(), "-8 EB"}}) {
+    for (const char* locale : {"en_US", "en", "C"}) {
       EXPECT_EQ(text(locale, c.count), c.text) << locale << ' ' << c.count;
+    }
+  }
 }
 
 TEST(ByteCountFormatterTest, WritesTheWordsAndDigitsOfOtherLanguages) {
@@ -53,8 +55,9 @@ TEST(ByteCountFormatterTest, WritesTheWordsAndDigitsOfOtherLanguages) {
   };
   for (const Case& c : {Case{"fr_FR", 1, "1\u00a0octet"}, Case{"fr_FR", 1536 * KB, "1,5\u202fMo"},
                         Case{"de_DE", 1'234'567'898, "1,15\u00a0GB"}, Case{"ru_RU", 2 * KB, "2 кБ"},
-                        Case{"fr_FR", 2 * EB, "2\u202fEo"}})
+                        Case{"fr_FR", 2 * EB, "2\u202fEo"}}) {
     EXPECT_EQ(text(c.locale, c.count), c.text) << c.locale << ' ' << c.count;
+  }
   EXPECT_NE(text("ar_EG", 1023).find("١٬٠٢٣"), std::string::npos);
 }
 

@@ -39,9 +39,10 @@ TEST(DateFormatterTest, WritesClockTimeOfItsZoneAndLocale) {
         Case{"en_US", "America/New_York", sys_days{2024y / 1 / 1}, "2023:12:31 19:00:00"},
         Case{"th_TH", "UTC", may17, "2567:05:17 08:30:09"},
         Case{"ar_EG", "UTC", may17, "٢٠٢٤:٠٥:١٧ ٠٨:٣٠:٠٩"},
-        Case{"en_US", "UTC", sys_days{1500y / 1 / 10}, "1500:01:01 00:00:00"}})  // Julian
+        Case{"en_US", "UTC", sys_days{1500y / 1 / 10}, "1500:01:01 00:00:00"}}) {  // Julian
     EXPECT_EQ(photoFormatter(c.locale, c.zone).stringFromDate(c.date), c.text)
         << c.locale << ' ' << c.zone;
+  }
 }
 
 TEST(DateFormatterTest, ReadsStrictly) {
@@ -79,8 +80,9 @@ TEST(DateFormatterTest, ReadsStrictly) {
                              "+2024:05:17 08:30:09",
                              "-2024:05:17 08:30:09",
                              "2024:05:17 08:30:0\xff",
-                             "2024:05:17 -8:30:09"})
+                             "2024:05:17 -8:30:09"}) {
       EXPECT_FALSE(formatter.dateFromString(text)) << zone << " '" << text << '\'';
+    }
     using namespace std::string_view_literals;
     EXPECT_FALSE(formatter.dateFromString("2024:05:17 08:30:09\0"sv));
     EXPECT_FALSE(formatter.dateFromString(std::string(10'000'000, '1')));
@@ -113,7 +115,7 @@ TEST(DateFormatterTest, TheOwnPathAgreesWithTheLocaleData) {
   const char* regions[] = {"", "_AE", "_AF", "_EG", "_IN", "_IR", "_SA", "_TH", "_TW", "_US"};
   const char* zones[] = {"UTC", "Europe/Paris", "America/St_Johns", "Pacific/Apia"};
   int turn = 0;
-  for (const char* language : languages)
+  for (const char* language : languages) {
     for (const char* region : regions) {
       const Locale locale(std::string(language) + region);
       const TimeZone zone = *TimeZone::withName(zones[turn++ % 4]);
@@ -123,6 +125,7 @@ TEST(DateFormatterTest, TheOwnPathAgreesWithTheLocaleData) {
       EXPECT_EQ(own.stringFromDate(date), text) << locale << ' ' << zone;
       EXPECT_EQ(own.dateFromString(text), data.dateFromString(text)) << locale << ' ' << text;
     }
+  }
 }
 
 TEST(DateFormatterTest, WhatItWritesItReads) {
@@ -140,7 +143,7 @@ TEST(DateFormatterTest, WhatItWritesItReads) {
 TEST(DateFormatterTest, ThreadsMayShareOne) {
   const DateFormatter thai = photoFormatter("th_TH", "Europe/Paris");
   std::vector<std::thread> threads;
-  for (int i = 0; i < 4; ++i)
+  for (int i = 0; i < 4; ++i) {
     threads.emplace_back([&, i] {
       const Date date = may17 + days(i);
       for (int turn = 0; turn < 50; ++turn) {
@@ -148,6 +151,7 @@ TEST(DateFormatterTest, ThreadsMayShareOne) {
         EXPECT_FALSE(DateFormatter(photoPattern).stringFromDate(date).empty());
       }
     });
+  }
   for (std::thread& thread : threads) thread.join();
 }
 
@@ -165,9 +169,11 @@ TEST(DateFormatterTest, OtherPatterns) {
 }
 
 TEST(DateFormatterTest, DatesAtTheEndsOfTime) {
-  for (const Date date : {Date::min(), Date::max(), Date{sys_days{30'000y / 1 / 1}}})
-    for (const char* zone : {"UTC", "Europe/Paris"})
+  for (const Date date : {Date::min(), Date::max(), Date{sys_days{30'000y / 1 / 1}}}) {
+    for (const char* zone : {"UTC", "Europe/Paris"}) {
       EXPECT_FALSE(photoFormatter("en_US", zone).stringFromDate(date).empty());
+    }
+  }
   EXPECT_FALSE(photoFormatter("en_US").dateFromString("5838270:05:17 08:30:09"));
   EXPECT_EQ(photoFormatter("en_US").dateFromString("12024:05:17 08:30:09"),
             Date{sys_days{12024y / 5 / 17} + 8h + 30min + 9s});

@@ -33,8 +33,9 @@ TEST(LocaleTest, TakesTheSpellingsOfSystems) {
 
 TEST(LocaleTest, WhatIsNoIdentifierIsPlainEnglish) {
   for (const char* spelling : {"C", "POSIX", "C.UTF-8", "", "a", "123", "../../etc", "english",
-                               "\xff\xfe", "@", ".", "@calendar=gregorian"})
+                               "\xff\xfe", "@", ".", "@calendar=gregorian"}) {
     EXPECT_EQ(Locale(spelling).identifier(), "en_US_POSIX") << spelling;
+  }
   EXPECT_EQ(Locale(std::string(100'000, 'x')), Locale("C"));
   EXPECT_EQ(Locale("en_" + std::string(200, 'X')), Locale("C"));
 }

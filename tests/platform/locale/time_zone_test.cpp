@@ -31,8 +31,9 @@ TEST(TimeZoneTest, FollowsDaylightSavingAndHistory) {
 
 TEST(TimeZoneTest, UnknownNamesHaveNone) {
   for (const std::string& name : {std::string(), std::string("Europe/Nowhere"), std::string("\xff"),
-                                  std::string("../../etc/passwd"), std::string(1'000'000, 'x')})
+                                  std::string("../../etc/passwd"), std::string(1'000'000, 'x')}) {
     EXPECT_FALSE(TimeZone::withName(name)) << name.substr(0, 20);
+  }
 }
 
 TEST(TimeZoneTest, TheUsersIsThatOfTheSetting) {

@@ -79,8 +79,9 @@ std::optional<UIImage> draw(const Options& options) {
   if (options.kind == "radial") return radialImage(size, colors);
   if (options.kind == "conical") return conicalGradientImageWithColors(colors, size, 1);
   if (options.kind == "hue") return generateHueGradientImageOfSize(size, direction);
-  if (options.kind == "lightness")
+  if (options.kind == "lightness") {
     return generateSelectiveLightnessGradientImageOfSize(size, direction);
+  }
   return selectiveHueGradientImageForType(nearestHue(colors), size, direction);
 }
 
@@ -97,8 +98,9 @@ bool writeGradient(const Options& options) {
 std::string problemOf(const Options& options) {
   const bool takesNone = options.kind == "hue" || options.kind == "lightness";
   if (takesNone && !options.colors.empty()) return "--colors is not for " + options.kind;
-  if (!takesNone && options.kind != "selective" && options.colors.empty())
+  if (!takesNone && options.kind != "selective" && options.colors.empty()) {
     return "--colors is missing";
+  }
   return problemOfOutput(options.out, std::nullopt);
 }
 

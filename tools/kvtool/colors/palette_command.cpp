@@ -46,18 +46,20 @@ UIImageAnalyzeColorQuality qualityNamed(std::string_view name) {
 unsigned byteOf(double component) { return static_cast<unsigned>(std::lround(component * 255)); }
 
 void print(const std::vector<KvColor>& colors) {
-  for (const KvColor& color : colors)
+  for (const KvColor& color : colors) {
     printLine(fmt::format("{}  {:3} {:3} {:3}", color.hexString(), byteOf(color.red),
                           byteOf(color.green), byteOf(color.blue)));
+  }
 }
 
 Value jsonValue(const std::string& file, const UIImageAnalyzeResult& result) {
   Array colors;
-  for (const KvColor& color : result.colors)
+  for (const KvColor& color : result.colors) {
     colors.push_back(Dictionary{{"hex", color.hexString()},
                                 {"red", color.red},
                                 {"green", color.green},
                                 {"blue", color.blue}});
+  }
   return Dictionary{{"file", file},
                     {"containsAlpha", result.containsAlpha},
                     {"colors", Value(std::move(colors))}};
@@ -77,8 +79,9 @@ std::optional<CGImage> pictureOf(const CGImage& photo, const std::vector<KvColor
     std::uint8_t* out = std::copy_n(pixels->data() + y * photoBytes, photoBytes, picture->row(y));
     for (std::size_t x = 0; x < stripWidth; ++x) {
       const KvColor& color = colors[y * colors.size() / photo.height()];
-      for (const double component : {color.red, color.green, color.blue, color.alpha})
+      for (const double component : {color.red, color.green, color.blue, color.alpha}) {
         *out++ = static_cast<std::uint8_t>(byteOf(component));
+      }
     }
   }
   const bool hasAlpha = detail::carriesAlpha(photo.alphaInfo());
@@ -119,8 +122,9 @@ bool printPalette(const std::string& file, const Options& options,
     if (options.files.size() > 1) printLine(input->name());
     print(result->colors);
   }
-  if (!folder)
+  if (!folder) {
     return options.png.empty() || draw(*input, result->colors, options.limits, options.png);
+  }
   const std::string target = folder->claim(file, stemOf(file) + ".png");
   return !target.empty() && draw(*input, result->colors, options.limits, target);
 }
@@ -134,10 +138,12 @@ bool printPalettes(const Options& options) {
 
 std::string problemOf(const Options& options) {
   if (!options.png.empty() && options.folder) return "--png and --out-dir exclude each other";
-  if (!options.png.empty() && options.files.size() > 1)
+  if (!options.png.empty() && options.files.size() > 1) {
     return "--png takes one picture; give --out-dir for several";
-  if (options.json && isStandardOutput(options.png))
+  }
+  if (options.json && isStandardOutput(options.png)) {
     return "--json and --png - both go to standard output";
+  }
   return problemOfOutput(options.png, UTTypePNG);
 }
 

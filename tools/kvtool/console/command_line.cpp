@@ -64,15 +64,16 @@ void add(CLI::App& app, const Argument& argument) {
     return;
   }
   CLI::Option* option = nullptr;
-  if (argument.reader.takesMany)
+  if (argument.reader.takesMany) {
     option = app.add_option_function<std::vector<std::string>>(
         argument.names,
         [read](const std::vector<std::string>& texts) {
           std::for_each(texts.begin(), texts.end(), read);
         },
         argument.help);
-  else
+  } else {
     option = app.add_option_function<std::string>(argument.names, read, argument.help);
+  }
   option->type_name(argument.reader.takesMany ? "" : argument.reader.shape);
   option->required(argument.isRequired);
   if (!argument.standard.empty()) option->default_str(argument.standard);
@@ -97,16 +98,21 @@ std::string inPlainWords(const CLI::ParseError& problem, const CLI::App& app) {
     }
     return fmt::format("\"{}\" is one argument too many", extra);
   }
-  if (dynamic_cast<const CLI::RequiredError*>(&problem))
+  if (dynamic_cast<const CLI::RequiredError*>(&problem)) {
     return text.substr(0, text.rfind(" is required")) + " is missing";
-  if (dynamic_cast<const CLI::ConversionError*>(&problem))  // of a flag: what has a value is a text
+  }
+  if (dynamic_cast<const CLI::ConversionError*>(
+          &problem)) {  // of a flag: what has a value is a text
     return text.substr(text.find('-'), text.find(" =") - text.find('-')) + " takes no value";
+  }
   if (dynamic_cast<const CLI::ArgumentMismatch*>(&problem)) {
     if (text.ends_with(" missing")) return text.substr(0, text.find(':')) + " needs a value";
-    if (const std::size_t to = text.find("arguments to "); to != text.npos)
+    if (const std::size_t to = text.find("arguments to "); to != text.npos) {
       return text.substr(to + 13, text.find(',') - to - 13) + " is given twice";
-    if (const std::size_t most = text.find(": At Most"); most != text.npos)
+    }
+    if (const std::size_t most = text.find(": At Most"); most != text.npos) {
       return text.substr(0, most) + " is given twice";
+    }
   }
   return text;
 }
@@ -141,8 +147,9 @@ int runCommandLine(const ToolText& text, std::span<const Command> commands, int 
   };
   const std::string first = argc > 1 ? argv[1] : "";
   if (first.empty()) return refuse("no command is given");
-  if (first[0] != '-' && std::find(names.begin(), names.end(), first) == names.end())
+  if (first[0] != '-' && std::find(names.begin(), names.end(), first) == names.end()) {
     return refuse(fmt::format("there is no command {}{}", first, suggestion(first, names)));
+  }
 
   const Command* command = nullptr;
   try {

@@ -87,9 +87,10 @@ bool forEachFile(const std::vector<std::string>& files, std::string_view done,
   }
   clearProgress();
   const std::size_t failed = tried - worked;
-  if (files.size() > 1)
+  if (files.size() > 1) {
     write(fmt::format("kvtool: {} of {} {}{}\n", worked, tried, done,
                       failed == 0 ? "" : fmt::format(", {} failed", failed)));
+  }
   return failed == 0;
 }
 

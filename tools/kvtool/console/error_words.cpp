@@ -20,8 +20,9 @@ namespace {
 std::string clause(std::string sentence) {
   const auto isUpper = [](unsigned char letter) { return std::isupper(letter) != 0; };
   const auto wordEnd = std::find(sentence.begin(), sentence.end(), ' ');
-  if (std::count_if(sentence.begin(), wordEnd, isUpper) == 1)
+  if (std::count_if(sentence.begin(), wordEnd, isUpper) == 1) {
     sentence[0] = static_cast<char>(std::tolower(static_cast<unsigned char>(sentence[0])));
+  }
   if (sentence.ends_with('.')) sentence.pop_back();
   return sentence;
 }
@@ -63,12 +64,15 @@ std::string plainWords(const Error& error) {
   std::string words = error.localizedDescription();
   for (std::size_t i = 0; cause && i < deepest; ++i) {
     // Of a file that cannot be made it is the folder that is missing.
-    if (cause->domain() == NSCocoaErrorDomain && cause->code() == NSFileNoSuchFileError)
+    if (cause->domain() == NSCocoaErrorDomain && cause->code() == NSFileNoSuchFileError) {
       return "there is no such folder";
+    }
     if (cause->domain() == NSPOSIXErrorDomain) return wordsOf(static_cast<int>(cause->code()));
     // What the platform says of itself is for people; what the library says is for its callers.
-    if (cause->domain() == NSCocoaErrorDomain && cause->userInfo().find(NSLocalizedDescriptionKey))
+    if (cause->domain() == NSCocoaErrorDomain &&
+        cause->userInfo().find(NSLocalizedDescriptionKey)) {
       words = cause->localizedDescription();
+    }
     cause = cause->underlyingError();
   }
   return clause(words);

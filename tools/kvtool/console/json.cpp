@@ -76,10 +76,11 @@ class Writer {
   }
 
   void add(const Number& number) {
-    if (number.kind() == Number::Kind::boolean)
+    if (number.kind() == Number::Kind::boolean) {
       put(number.boolValue() ? "true" : "false");
-    else
+    } else {
       put(std::isfinite(number.doubleValue()) ? number.description() : "null");
+    }
   }
 
   void add(const Data& data) {
@@ -92,8 +93,9 @@ class Writer {
       };
       const std::uint32_t group = byte(0) << 16 | byte(1) << 8 | byte(2);
       std::array<char, 4> digits;
-      for (std::size_t k = 0; k < digits.size(); ++k)
+      for (std::size_t k = 0; k < digits.size(); ++k) {
         digits[k] = i + k <= data.size() ? alphabet[group >> (18 - 6 * k) & 63] : '=';
+      }
       put({digits.data(), digits.size()});
     }
     put("\"}");

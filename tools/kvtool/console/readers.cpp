@@ -40,8 +40,9 @@ Reader whole(T& target, int least, int most, std::string shape) {
 /// "low, medium or high"
 std::string listOf(const std::vector<std::string>& names) {
   std::string list = names.front();
-  for (std::size_t i = 1; i < names.size(); ++i)
+  for (std::size_t i = 1; i < names.size(); ++i) {
     list += (i + 1 == names.size() ? " or " : ", ") + names[i];
+  }
   return list;
 }
 
@@ -108,8 +109,9 @@ Reader wholeNumber(std::optional<int>& target, int least, int most, std::string 
 Reader amount(std::uint64_t& target, std::vector<std::pair<std::string, std::uint64_t>> units,
               std::string shape) {
   std::vector<std::string> names;
-  for (const auto& [unit, factor] : units)
+  for (const auto& [unit, factor] : units) {
     if (!unit.empty()) names.push_back(unit);
+  }
   return {
       std::move(shape), fmt::format("a number above 0, alone or with {} behind it", listOf(names)),
       [&target, units = std::move(units)](const std::string& given) {

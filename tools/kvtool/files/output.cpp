@@ -27,8 +27,9 @@ fs::path targetOf(const std::string& name) {
   constexpr int mostLinks = 40;  // as many as the system follows
   fs::path path = name;
   std::error_code problem;
-  for (int i = 0; i < mostLinks && fs::is_symlink(path, problem); ++i)
+  for (int i = 0; i < mostLinks && fs::is_symlink(path, problem); ++i) {
     path = path.parent_path() / fs::read_symlink(path, problem);
+  }
   return path;
 }
 
@@ -39,10 +40,11 @@ bool writeThrough(std::span<const std::byte> bytes, const std::string& name) {
   bool worked = output >= 0;
   while (worked && !bytes.empty()) {
     const ssize_t count = ::write(output, bytes.data(), bytes.size());
-    if (count >= 0)
+    if (count >= 0) {
       bytes = bytes.subspan(static_cast<std::size_t>(count));
-    else
+    } else {
       worked = errno == EINTR;
+    }
   }
   const int number = errno;
   const bool isClosed = output < 0 || close(output) == 0;
@@ -71,16 +73,18 @@ bool writeOutput(std::span<const std::byte> bytes, const std::string& name) {
   const fs::path target = targetOf(name);
   Error error(NSPOSIXErrorDomain, ELOOP);
   if (!fs::is_symlink(target, problem) &&
-      FileManager::defaultManager().writeAtomically(bytes, target.string(), &error))
+      FileManager::defaultManager().writeAtomically(bytes, target.string(), &error)) {
     return true;
+  }
   printProblem(name, error);
   return false;
 }
 
 OutputFolder::OutputFolder(std::string folder, const std::vector<std::string>& files)
     : folder_(std::move(folder)) {
-  for (const std::string& file : files)
+  for (const std::string& file : files) {
     if (file != "-") files_.insert(canonical(file));
+  }
 }
 
 std::string OutputFolder::claim(const std::string& file, const std::string& name) {

@@ -33,10 +33,11 @@ std::shared_ptr<std::FILE> spooledInput() {
     worked = total <= most && std::fwrite(bytes.data(), 1, count, spool.get()) == count;
   }
   if (worked && !std::ferror(stdin) && std::fflush(spool.get()) == 0) return spool;
-  if (total > most)
+  if (total > most) {
     printProblem("standard input", "there is more than 1 GiB");
-  else
+  } else {
     printProblem("standard input", Error(NSPOSIXErrorDomain, errno));
+  }
   return nullptr;
 }
 

@@ -35,11 +35,13 @@ std::optional<UTType> typeOfOutput(const std::string& out) {
 
 std::string problemOfOutput(const std::string& out, const std::optional<UTType>& type) {
   const std::optional<UTType> named = typeOfOutput(out);
-  if (type && named && *named != *type)
+  if (type && named && *named != *type) {
     return fmt::format("{} is not a name for {}", out, formatName(*type));
+  }
   const std::optional<UTType> written = type ? type : named;
-  if (written && !CGImageDestination::createInMemory(written->identifier(), 1))
+  if (written && !CGImageDestination::createInMemory(written->identifier(), 1)) {
     return fmt::format("{} is not written here, only JPEG and PNG", formatName(*written));
+  }
   return "";
 }
 

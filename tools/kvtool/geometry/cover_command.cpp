@@ -92,21 +92,23 @@ bool printCover(const Options& options) {
     return false;
   }
 
-  if (options.json)
+  if (options.json) {
     printLine(json(Dictionary{{"p1", corner(cover.p1())},
                               {"p2", corner(cover.p2())},
                               {"p3", corner(cover.p3())},
                               {"p4", corner(cover.p4())}}));
-  else if (!isStandardOutput(options.svg))
+  } else if (!isStandardOutput(options.svg)) {
     print(cover, zoom);
+  }
   if (options.svg.empty()) return true;
   const std::string svg = picture(area, cover, center);
   return writeOutput(std::as_bytes(std::span(svg)), options.svg);
 }
 
 std::string problemOf(const Options& options) {
-  if (options.json && isStandardOutput(options.svg))
+  if (options.json && isStandardOutput(options.svg)) {
     return "--json and --svg - both go to standard output";
+  }
   const std::string extension = paths::pathExtension(options.svg);
   return extension.empty() || isStandardOutput(options.svg) || extension == "svg"
              ? ""

@@ -14,13 +14,15 @@ namespace {
 /// Of the dates that a save sets. A fraction of a second belongs to the date that was there.
 void setOffsets(Dictionary& exif, const std::optional<std::string>& offset) {
   for (const char* key : {"OffsetTime", "OffsetTimeOriginal", "OffsetTimeDigitized"}) {
-    if (offset)
+    if (offset) {
       exif.set(key, *offset);
-    else
+    } else {
       exif.remove(key);
+    }
   }
-  for (const char* key : {"SubsecTime", "SubsecTimeOriginal", "SubsecTimeDigitized"})
+  for (const char* key : {"SubsecTime", "SubsecTimeOriginal", "SubsecTimeDigitized"}) {
     exif.remove(key);
+  }
 }
 
 /// Without `setLocation`, which writes an altitude, a time and a precision too.
@@ -49,8 +51,9 @@ Reader place(std::optional<Place>& target, std::string shape) {
   return {std::move(shape), "like 48.2082,16.3738 or 48.2082,16.3738,171",
           [&target](const std::string& text) {
             const std::vector<double> numbers = numbersIn(text, 2, 3);
-            if (numbers.empty() || std::abs(numbers[0]) > 90 || std::abs(numbers[1]) > 180)
+            if (numbers.empty() || std::abs(numbers[0]) > 90 || std::abs(numbers[1]) > 180) {
               return false;
+            }
             target = Place{.latitude = numbers[0], .longitude = numbers[1]};
             if (numbers.size() == 3) target->altitude = numbers[2];
             return true;
@@ -66,8 +69,9 @@ Dictionary edited(KvImageMetadata metadata, const Edits& edits) {
   metadata.setSoftware(edits.software);
   if (edits.removesLivePhoto) metadata.removeLivePhotosMetadata();
   Dictionary properties = metadata.properties().value_or(Dictionary());
-  if (edits.date)
+  if (edits.date) {
     setOffsets(properties.subdictionary(kCGImagePropertyExifDictionary), edits.date->offset);
+  }
   if (edits.place) setPlace(properties.subdictionary(kCGImagePropertyGPSDictionary), *edits.place);
   return properties;
 }

@@ -43,8 +43,9 @@ Dictionary facts(const KvImageMetadata& metadata, std::string_view path) {
   add("width", metadata.width());
   add("height", metadata.height());
   add("orientation", metadata.orientation());
-  if (const std::optional<Date> date = metadata.date())
+  if (const std::optional<Date> date = metadata.date()) {
     facts.set("date", textOf({*date, offsetOfDate(properties)}));
+  }
   add("make", metadata.cameraMake());
   add("model", metadata.cameraModel());
   add("software", metadata.software());
@@ -56,11 +57,13 @@ Dictionary facts(const KvImageMetadata& metadata, std::string_view path) {
     facts.set("longitude", location->longitude);
   }
   add("livePhotoIdentifier", metadata.livePhotoIdentifier());
-  if (const auto* profile = properties.get<std::string>(kCGImagePropertyProfileName))
+  if (const auto* profile = properties.get<std::string>(kCGImagePropertyProfileName)) {
     facts.set("profile", *profile);
+  }
   // A file's size is no property of its first image.
-  if (const auto attributes = FileManager::defaultManager().attributesOfItemAtPath(path, nullptr))
+  if (const auto attributes = FileManager::defaultManager().attributesOfItemAtPath(path, nullptr)) {
     facts.set("fileSize", attributes->size);
+  }
   return facts;
 }
 

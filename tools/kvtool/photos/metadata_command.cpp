@@ -19,12 +19,13 @@ using Row = std::pair<std::string, const Value*>;
 
 /// A value as it reads in a table: no quotation marks around a text, bytes by their number.
 void printCell(const Value& value) {
-  if (const auto* data = value.as<Data>())
+  if (const auto* data = value.as<Data>()) {
     print(fmt::format("{} bytes", data->size()));
-  else if (const auto* text = value.as<std::string>())
+  } else if (const auto* text = value.as<std::string>()) {
     writeEscaped(*text, print);
-  else
+  } else {
     writeJson(value, print);
+  }
 }
 
 std::string keyText(const Key& key) {
@@ -35,10 +36,11 @@ std::string keyText(const Key& key) {
 void addRows(std::vector<Row>& rows, const Dictionary& dictionary, const std::string& prefix) {
   for (const auto& [key, value] : dictionary) {
     const std::string name = prefix + keyText(key);
-    if (const auto* nested = value.as<Dictionary>(); nested && prefix.empty())
+    if (const auto* nested = value.as<Dictionary>(); nested && prefix.empty()) {
       addRows(rows, *nested, name + " ");
-    else
+    } else {
       rows.emplace_back(name, &value);
+    }
   }
 }
 
@@ -108,8 +110,9 @@ Examples:
   kvtool metadata -j - <photo.jpg | jq '.properties["{GPS}"]')",
       .run = [options] {
         bool all = true;
-        for (const std::string& file : options->files)
+        for (const std::string& file : options->files) {
           all = printMetadataOf(file, options->json) && all;
+        }
         return all;
       }};
 }

@@ -67,8 +67,9 @@ bool saveFile(const std::string& file, const Options& options, TargetNames& name
   const std::optional<Data> bytes = encodedPicture(*image, type, input->name(), properties,
                                                    input->source().metadataBlocksAtIndex(0));
   if (!bytes) return false;
-  if (!options.targets.out && !options.targets.folder)
+  if (!options.targets.out && !options.targets.folder) {
     return writeIntoSession(*bytes, file, type, options);
+  }
   const std::string target = names.nameFor(file, type);
   if (target.empty() || !writeOutput(*bytes, target)) return false;
   if (options.targets.folder) printLine(target);
@@ -76,8 +77,9 @@ bool saveFile(const std::string& file, const Options& options, TargetNames& name
 }
 
 std::string problemOf(const Options& options) {
-  if (!detail::staysInFolder(options.session))
+  if (!detail::staysInFolder(options.session)) {
     return "--session is a name, not \"" + options.session + "\"";
+  }
   return problemOf(options.targets, options.files.size());
 }
 

@@ -45,8 +45,9 @@ std::string homeDirectory() {
   passwd entry{};
   passwd* found = nullptr;
   while (getpwuid_r(getuid(), &entry, texts.data(), texts.size(), &found) == ERANGE &&
-         texts.size() < (1 << 20))
+         texts.size() < (1 << 20)) {
     texts.resize(texts.size() * 2);
+  }
   return found && found->pw_dir ? found->pw_dir : "/";
 }
 
@@ -72,16 +73,18 @@ std::string languageTag(std::string_view locale) {
 // As gettext chooses: `LANGUAGE` is a list and leads, unless the locale has no language at all.
 std::vector<std::string> preferredLanguages() {
   std::string locale;
-  for (const char* variable : {"LC_ALL", "LC_MESSAGES", "LANG"})
+  for (const char* variable : {"LC_ALL", "LC_MESSAGES", "LANG"}) {
     if (locale.empty()) locale = environment(variable);
+  }
   std::vector<std::string> tags;
   if (const std::string own = languageTag(locale); !own.empty()) {
     std::string list = environment("LANGUAGE") + ":" + own;
     for (std::size_t start = 0, end; start < list.size(); start = end + 1) {
       end = std::min(list.find(':', start), list.size());
       std::string tag = languageTag(std::string_view(list).substr(start, end - start));
-      if (!tag.empty() && std::find(tags.begin(), tags.end(), tag) == tags.end())
+      if (!tag.empty() && std::find(tags.begin(), tags.end(), tag) == tags.end()) {
         tags.push_back(std::move(tag));
+      }
     }
   }
   if (tags.empty()) tags.emplace_back("en");

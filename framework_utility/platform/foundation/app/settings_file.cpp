@@ -44,8 +44,9 @@ class FolderLock {
       file_ = Descriptor(uninterrupted(
           [&] { return open(path.c_str(), O_RDWR | O_CREAT | O_NOFOLLOW | O_CLOEXEC, 0600); }));
       if (!file_.isOpen() && errno != ENOENT) return;
-      if (!file_.isOpen() || uninterrupted([&] { return flock(file_.get(), LOCK_EX); }) != 0)
+      if (!file_.isOpen() || uninterrupted([&] { return flock(file_.get(), LOCK_EX); }) != 0) {
         continue;
+      }
       struct stat own {
       }, named{};
       isHeld_ = fstat(file_.get(), &own) == 0 && stat(path.c_str(), &named) == 0 &&
@@ -115,10 +116,11 @@ bool SettingsFile::change(std::string_view key, const Value* value) {
   if (!lock.isHeld() || !refresh()) return false;
   if (!std::exchange(hasLookedForLeftovers_, true)) removeLeftovers();
   Dictionary changed = settings_;
-  if (value)
+  if (value) {
     changed.set(std::string(key), *value);
-  else
+  } else {
     changed.remove(key);
+  }
   const std::optional<Data> bytes = dataWithPropertyList(changed);
   if (bytes && *bytes == bytes_) return true;
   return bytes && (!isDamaged_ || keepAside()) && writeFileAtomically(*bytes, path_) == 0;
@@ -170,8 +172,9 @@ void SettingsFile::forget() {
 /// The temporary files of writers that were killed; who holds the lock is the only writer.
 void SettingsFile::removeLeftovers() const {
   const auto names = realFileManager().contentsOfDirectoryAtPath(folder_, nullptr);
-  for (const std::string& name : names.value_or(std::vector<std::string>()))
+  for (const std::string& name : names.value_or(std::vector<std::string>())) {
     if (isTemporaryName(name)) unlink((folder_ + "/" + name).c_str());
+  }
 }
 
 }  // namespace FrameworkUtility::detail

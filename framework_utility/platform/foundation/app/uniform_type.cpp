@@ -30,8 +30,9 @@ constexpr bool isInOrder(std::size_t row) {
 }
 
 constexpr bool isTableInOrder() {
-  for (std::size_t row = 0; row < detail::declaredTypeCount; ++row)
+  for (std::size_t row = 0; row < detail::declaredTypeCount; ++row) {
     if (!isInOrder(row)) return false;
+  }
   return true;
 }
 
@@ -44,8 +45,9 @@ const detail::DeclaredType* declaredType(std::string_view identifier) {
 
 std::string asciiLowercase(std::string_view text) {
   std::string lower(text);
-  for (char& c : lower)
+  for (char& c : lower) {
     if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
+  }
   return lower;
 }
 
@@ -133,8 +135,9 @@ std::optional<UTType> UTType::typeWithFilenameExtension(std::string_view extensi
     if (lowercase == supertype.dynamic_->extension) return supertype;
     return std::nullopt;
   }
-  for (const detail::DeclaredType& type : detail::declaredTypes)
+  for (const detail::DeclaredType& type : detail::declaredTypes) {
     if (hasExtension(type, lowercase) && conforms(type, *supertype.declared_)) return UTType(type);
+  }
   return UTType(lowercase, supertype.declared_);
 }
 

@@ -58,8 +58,9 @@ class Registry {
     const NameParts parts = partsOf(codingClass.name);
     std::deque<Entry>& entries = classes_[parts.name];
     const auto isSame = [&](const Entry& entry) { return entry.parts == parts; };
-    if (std::none_of(entries.begin(), entries.end(), isSame))
+    if (std::none_of(entries.begin(), entries.end(), isSame)) {
       entries.push_back({parts, codingClass});
+    }
   }
 
   const CodingClass* find(std::string_view name) const {
@@ -67,8 +68,9 @@ class Registry {
     const NameParts parts = partsOf(name);
     const auto found = classes_.find(parts.name);
     if (found == classes_.end()) return nullptr;
-    for (const Entry& entry : found->second)
+    for (const Entry& entry : found->second) {
       if (areAlike(entry.parts, parts)) return &entry.codingClass;
+    }
     return nullptr;
   }
 

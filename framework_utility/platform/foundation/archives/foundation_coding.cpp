@@ -49,8 +49,9 @@ std::optional<Value> decodeDictionary(NSKeyedUnarchiver& coder) {
   const std::optional<Array> keys = coder.decodeObjectsForKey(keysKey);
   std::optional<Array> values = coder.decodeObjectsForKey(objectsKey);
   if (!keys || !values) return std::nullopt;
-  if (keys->size() != values->size())
+  if (keys->size() != values->size()) {
     return corrupt(coder, "a dictionary has more keys than values, or fewer");
+  }
   Dictionary dictionary;
   dictionary.reserve(keys->size());
   for (std::size_t i = 0; i < keys->size(); ++i) {
@@ -192,10 +193,11 @@ void encodeFoundationValue(const Value& value, NSKeyedArchiver& coder) {
   } else if (const auto* entries = value.as<Dictionary>()) {
     encodeEntries(*entries, coder);
   } else if (const auto* moment = value.as<Date>()) {
-    if (const std::optional<double> seconds = secondsSinceReferenceDate(*moment))
+    if (const std::optional<double> seconds = secondsSinceReferenceDate(*moment)) {
       coder.encodeDouble(*seconds, timeKey);
-    else
+    } else {
       coder.failWithError(coderError(CoderError::invalidValue, "a date is out of range"));
+    }
   } else if (const auto* address = value.as<URL>()) {
     coder.encodeObject(std::nullopt, baseKey);
     coder.encodeObject(Value(address->absoluteString()), relativeKey);

@@ -129,8 +129,9 @@ class NSKeyedArchiver::Archive {
 
   /// Fills the place in the table with what `encode` writes, then adds the class's record.
   std::uint64_t addParts(const CodingClass& codingClass, std::uint64_t number, const auto& encode) {
-    if (depth_ == limits_.depth || depth_ == largestDepth)
+    if (depth_ == limits_.depth || depth_ == largestDepth) {
       failBecause("the graph of objects is too deep");
+    }
     if (error_) return number;
     Dictionary parts;
     Dictionary* const outer = std::exchange(current_, &parts);

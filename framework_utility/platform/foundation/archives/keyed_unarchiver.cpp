@@ -114,9 +114,10 @@ class NSKeyedUnarchiver::Archive {
   void failBecause(const std::string& reason) { fail(coderError(CoderError::readCorrupt, reason)); }
 
   void read(std::span<const std::byte> data, const ArchiveLimits& limits) {
-    if (data.empty())
+    if (data.empty()) {
       return failBecause(
           "data is empty; did you forget to send -finishEncoding to the NSKeyedArchiver?");
+    }
     if (data.size() > limits.bytes) return failBecause("the archive is too large");
     list_ = propertyListWithData(
         data, {.expansion = limits.expansion, .values = valuesOf(limits.objects)});
@@ -131,8 +132,9 @@ class NSKeyedUnarchiver::Archive {
     const auto* objects = list->get<Array>(objectsKey);
     current_ = list->get<Dictionary>(topKey);
     if (!archiver || *archiver != archiverName || !version || !(*version == archiveVersion) ||
-        !objects || !current_ || objects->size() > limits.objects)
+        !objects || !current_ || objects->size() > limits.objects) {
       return false;
+    }
     table_ = *objects;
     isOpen_.resize(table_.size());
     return true;
@@ -239,11 +241,15 @@ class NSKeyedUnarchiver::Archive {
       return nullptr;
     }
     if (const CodingClass* own = codingClassNamed(*name)) return own;
-    for (const std::string_view others : {classHintsKey, classesKey})
-      if (const auto* names = record->get<Array>(others))
-        for (const Value& other : *names)
-          if (const auto* text = other.as<std::string>())
+    for (const std::string_view others : {classHintsKey, classesKey}) {
+      if (const auto* names = record->get<Array>(others)) {
+        for (const Value& other : *names) {
+          if (const auto* text = other.as<std::string>()) {
             if (const CodingClass* found = codingClassNamed(*text)) return found;
+          }
+        }
+      }
+    }
     failAt(key, "is of class '" + *name + "', which is unknown");
     return nullptr;
   }
@@ -255,8 +261,9 @@ class NSKeyedUnarchiver::Archive {
     if (!isKnown && !isKindOfAny(codingClass, *classes_)) {
       std::string reason = "was of unexpected class '" + std::string(codingClass.name) +
                            "'. Allowed classes are '{(";
-      for (const std::string_view one : *classes_)
+      for (const std::string_view one : *classes_) {
         (reason += reason.ends_with('(') ? "" : ", ") += one;
+      }
       failAt(key, reason += ")}'.");
       return false;
     }
@@ -298,8 +305,9 @@ namespace {
 
 std::optional<Value> rootOf(NSKeyedUnarchiver& coder, Error* error) {
   std::optional<Value> root = coder.decodeTopLevelObjectForKey(NSKeyedArchiveRootObjectKey);
-  if (!root && error)
+  if (!root && error) {
     *error = coder.error().value_or(coderError(CoderError::valueNotFound, "the root is nil"));
+  }
   return root;
 }
 
@@ -338,16 +346,18 @@ std::int64_t NSKeyedUnarchiver::decodeInt64ForKey(std::string_view key) {
   const Number* number = archive_->number(key, Archive::Kind::whole);
   if (!number) return 0;
   if (number->kind() != Number::Kind::unsignedInteger ||
-      std::in_range<std::int64_t>(number->unsignedIntegerValue()))
+      std::in_range<std::int64_t>(number->unsignedIntegerValue())) {
     return number->integerValue();
+  }
   archive_->failAt(key, "does not fit in 64 bits with a sign");
   return 0;
 }
 
 float NSKeyedUnarchiver::decodeFloatForKey(std::string_view key) {
   const double wide = decodeDoubleForKey(key);
-  if (!std::isfinite(wide) || std::abs(wide) <= std::numeric_limits<float>::max())
+  if (!std::isfinite(wide) || std::abs(wide) <= std::numeric_limits<float>::max()) {
     return static_cast<float>(wide);
+  }
   archive_->failAt(key, "does not fit in single precision");
   return 0;
 }

@@ -22,10 +22,11 @@ class Transformers {
 
   void set(Transformer transformer, std::string_view name) {
     const std::lock_guard lock(mutex_);
-    if (transformer)
+    if (transformer) {
       byName_.insert_or_assign(std::string(name), std::move(transformer));
-    else if (const auto found = byName_.find(name); found != byName_.end())
+    } else if (const auto found = byName_.find(name); found != byName_.end()) {
       byName_.erase(found);
+    }
   }
 
   Transformer find(std::string_view name) {

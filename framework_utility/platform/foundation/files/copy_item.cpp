@@ -42,14 +42,16 @@ class Flushes {
 
   Result flushAll() {
     // A queue costs about as much as some flushes, so few items go without.
-    if (queue_ == 0 && items_.size() == most && syscall(SYS_io_setup, most, &queue_) != 0)
+    if (queue_ == 0 && items_.size() == most && syscall(SYS_io_setup, most, &queue_) != 0) {
       queue_ = 0;
+    }
     std::size_t asked = 0;
     if (queue_ != 0) {
       if (Result failure = flushTogether(asked)) return failure;
     }
-    for (; asked < items_.size(); ++asked)
+    for (; asked < items_.size(); ++asked) {
       if (const int number = flush(items_[asked].get())) return writingFailed(number);
+    }
     items_.clear();
     return std::nullopt;
   }
@@ -72,8 +74,9 @@ class Flushes {
       const long got = uninterrupted(
           [&] { return syscall(SYS_io_getevents, queue_, 1L, 1L, &answer, nullptr); });
       if (got != 1) return writingFailed();
-      if (answer.res < 0 && answer.res != -EINVAL)
+      if (answer.res < 0 && answer.res != -EINVAL) {
         failure = writingFailed(static_cast<int>(-answer.res));
+      }
     }
     return failure;
   }
@@ -99,8 +102,9 @@ Result copyBytes(int from, int to) {
     const ssize_t count = uninterrupted([&] { return read(from, buffer.data(), buffer.size()); });
     if (count < 0) return readingFailed();
     if (count == 0) return std::nullopt;
-    if (const int number = writeAll(to, std::span(buffer).first(static_cast<std::size_t>(count))))
+    if (const int number = writeAll(to, std::span(buffer).first(static_cast<std::size_t>(count)))) {
       return writingFailed(number);
+    }
   }
 }
 
@@ -121,16 +125,19 @@ Result openFile(const Entry& from, const struct stat& known, Source& source) {
   constexpr int read = O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC;
   source.file =
       Descriptor(uninterrupted([&] { return openat(from.folder, from.name.c_str(), read); }));
-  if (!source.file.isOpen() || fstat(source.file.get(), &source.status) != 0)
+  if (!source.file.isOpen() || fstat(source.file.get(), &source.status) != 0) {
     return readingFailed();
+  }
   return S_ISREG(source.status.st_mode) ? std::nullopt : readingFailed(ESPIPE);
 }
 
 // Bytes, permissions and dates.
 Result copyFile(const Source& from, int to) {
   if (Result failure = copyBytes(from.file.get(), to)) return failure;
-  if (fchmod(to, from.status.st_mode & 0777) != 0 || futimens(to, datesOf(from.status).data()) != 0)
+  if (fchmod(to, from.status.st_mode & 0777) != 0 ||
+      futimens(to, datesOf(from.status).data()) != 0) {
     return writingFailed();
+  }
   return std::nullopt;
 }
 
@@ -164,8 +171,9 @@ Result copyEntry(const Entry& from, const struct stat& status, const Entry& to, 
 // The permissions and dates of a folder, once nothing more comes into it.
 Result finishFolder(const struct stat& status, const Entry& to) {
   if (fchmodat(to.folder, to.name.c_str(), status.st_mode & 0777, 0) != 0 ||
-      utimensat(to.folder, to.name.c_str(), datesOf(status).data(), AT_SYMLINK_NOFOLLOW) != 0)
+      utimensat(to.folder, to.name.c_str(), datesOf(status).data(), AT_SYMLINK_NOFOLLOW) != 0) {
     return writingFailed();
+  }
   return std::nullopt;
 }
 
@@ -205,10 +213,12 @@ Result copyContents(const Entry& from, const struct stat& status, const Entry& t
     Level next{std::move(levels.back().entries.back()), {}, {}};
     levels.back().entries.pop_back();
     const Entry entry{source.folder(), next.name};
-    if (fstatat(entry.folder, next.name.c_str(), &next.status, AT_SYMLINK_NOFOLLOW) != 0)
+    if (fstatat(entry.folder, next.name.c_str(), &next.status, AT_SYMLINK_NOFOLLOW) != 0) {
       return readingFailed();
-    if (Result failure = copyEntry(entry, next.status, {target.folder(), next.name}, flushes))
+    }
+    if (Result failure = copyEntry(entry, next.status, {target.folder(), next.name}, flushes)) {
       return failure;
+    }
     if (!S_ISDIR(next.status.st_mode)) continue;
     if (const int number = source.descend(next.name)) return readingFailed(number);
     if (source.identity() == copy) return writingFailed(EINVAL);  // moved there meanwhile
@@ -250,8 +260,9 @@ std::optional<PosixFailure> copyItem(const std::string& path, const std::string&
   if (item.failure()) return writingFailed(item.failure());
   // Asked for now to spare a long copy; giving the name is what decides.
   struct stat taken {};
-  if (fstatat(item.folder(), item.name().c_str(), &taken, AT_SYMLINK_NOFOLLOW) == 0)
+  if (fstatat(item.folder(), item.name().c_str(), &taken, AT_SYMLINK_NOFOLLOW) == 0) {
     return writingFailed(EEXIST);
+  }
 
   if (S_ISDIR(status.st_mode)) {
     if (liesIn(item.folder(), status)) return writingFailed(EINVAL);

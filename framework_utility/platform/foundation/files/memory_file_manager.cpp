@@ -27,10 +27,11 @@ std::string normalised(std::string_view path) {
     const std::size_t end = std::min(path.find('/', start), path.size());
     const std::string_view name = path.substr(start, end - start);
     start = end + 1;
-    if (name == "..")
+    if (name == "..") {
       result.erase(result.empty() ? 0 : result.rfind('/'));
-    else if (!name.empty() && name != ".")
+    } else if (!name.empty() && name != ".") {
       result.append("/").append(name);
+    }
   }
   return result;
 }
@@ -96,8 +97,9 @@ class MemoryFileManager final : public FileManager {
       return std::nullopt;
     }
     std::vector<std::string> names;
-    for (const auto& [suffix, item] : subtree(normalised(path)))
+    for (const auto& [suffix, item] : subtree(normalised(path))) {
       if (suffix.rfind('/') == 0) names.push_back(suffix.substr(1));
+    }
     return names;
   }
 
@@ -127,8 +129,9 @@ class MemoryFileManager final : public FileManager {
     int number = refusalToMake(path);
     if (intermediates == IntermediateDirectories::create) {
       for (std::size_t slash = item.find('/', 1); number == ENOENT && slash != std::string::npos;
-           slash = item.find('/', slash + 1))
+           slash = item.find('/', slash + 1)) {
         items_.try_emplace(item.substr(0, slash));
+      }
       if (number == ENOENT) number = refusalToMake(path);
       if (number == EEXIST && items_[item].kind == FileKind::directory) return true;
     }
@@ -230,8 +233,9 @@ class MemoryFileManager final : public FileManager {
     Items items{{"", items_.at(path)}};
     const std::string inside = path + "/";
     for (auto at = items_.lower_bound(inside); at != items_.end() && at->first.starts_with(inside);
-         ++at)
+         ++at) {
       items.emplace_hint(items.end(), at->first.substr(path.size()), at->second);
+    }
     return items;
   }
 

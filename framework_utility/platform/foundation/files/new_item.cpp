@@ -60,8 +60,9 @@ NewItem::NewItem(const std::string& path)
 }
 
 NewItem::~NewItem() {
-  if (folder_.isOpen() && !isNameless_ && !isInPlace_)
+  if (folder_.isOpen() && !isNameless_ && !isInPlace_) {
     removeItem(folder(), temporaryName_, ClosedFolders::open);
+  }
 }
 
 int NewItem::makeFile(mode_t mode) {

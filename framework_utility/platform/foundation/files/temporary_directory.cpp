@@ -31,8 +31,9 @@ bool makePrivateFolder(const std::string& path) {
   mkdir(path.c_str(), 0700);
   struct stat status {};
   if (lstat(path.c_str(), &status) != 0 || !S_ISDIR(status.st_mode) || status.st_uid != geteuid() ||
-      (status.st_mode & (S_IWGRP | S_IWOTH)) != 0)
+      (status.st_mode & (S_IWGRP | S_IWOTH)) != 0) {
     return false;
+  }
   return (status.st_mode & 0777) == 0700 || chmod(path.c_str(), 0700) == 0;
 }
 

@@ -30,8 +30,9 @@ std::optional<std::vector<std::byte>> bytesFromBase64(std::string_view text) {
     digitsInGroup = 0;
   }
   if (digitsInGroup == 1) return std::nullopt;
-  if (digitsInGroup >= 2)
+  if (digitsInGroup >= 2) {
     bytes.push_back(static_cast<std::byte>(bits >> (digitsInGroup == 2 ? 4 : 10)));
+  }
   if (digitsInGroup == 3) bytes.push_back(static_cast<std::byte>(bits >> 2));
   return bytes;
 }

@@ -55,10 +55,12 @@ class Reader {
     topObject_ = bigEndian(end.subspan(trailer::topObject, 8));
 
     const std::size_t endOfTable = data.size() - trailer::size;
-    if (offsetSize_ < 1 || offsetSize_ > 8 || referenceSize_ < 1 || referenceSize_ > 8)
+    if (offsetSize_ < 1 || offsetSize_ > 8 || referenceSize_ < 1 || referenceSize_ > 8) {
       return false;
-    if (table < headerSize || table > endOfTable || count > (endOfTable - table) / offsetSize_)
+    }
+    if (table < headerSize || table > endOfTable || count > (endOfTable - table) / offsetSize_) {
       return false;
+    }
     objects_ = data.first(table);
     offsets_ = data.subspan(table, count * offsetSize_);
     isOpen_.resize(count);
@@ -176,8 +178,9 @@ class Reader {
       return std::string(reinterpret_cast<const char*>(bytes->data()), bytes->size());
     }
     std::u16string units(bytes->size() / 2, u'\0');
-    for (std::size_t i = 0; i < units.size(); ++i)
+    for (std::size_t i = 0; i < units.size(); ++i) {
       units[i] = static_cast<char16_t>(bigEndian(bytes->subspan(2 * i, 2)));
+    }
     return utf8::fromUtf16(units);
   }
 
@@ -226,8 +229,10 @@ class Reader {
     dictionary.reserve(count);
     for (std::size_t i = 0; i < count; ++i) {
       const std::optional<Object> keyObject = this->object(reference(*references, i));
-      if (!keyObject || (keyObject->marker != Marker::ascii && keyObject->marker != Marker::utf16))
+      if (!keyObject ||
+          (keyObject->marker != Marker::ascii && keyObject->marker != Marker::utf16)) {
         return std::nullopt;
+      }
       std::optional<std::string> key = readText(*keyObject);
       if (!key) return std::nullopt;
       std::optional<Value> value = readObject(reference(*references, count + i));

@@ -101,8 +101,9 @@ class Writer {
   std::optional<std::size_t> placeArray(const Array& array) {
     const Container container = open(Marker::array, array.size(), array.size());
     const std::size_t own = add(container);
-    for (std::size_t i = 0; i < array.size(); ++i)
+    for (std::size_t i = 0; i < array.size(); ++i) {
       if (!refer(container.first + i, place(array[i]))) return std::nullopt;
+    }
     --depth_;
     return own;
   }
@@ -114,8 +115,9 @@ class Writer {
     std::size_t at = container.first;
     for (const auto& [key, value] : dictionary) {
       const std::optional<std::string_view> text = key.text();
-      if (!text || !refer(at, placeText(*text)) || !refer(at + count, place(value)))
+      if (!text || !refer(at, placeText(*text)) || !refer(at + count, place(value))) {
         return std::nullopt;
+      }
       ++at;
     }
     --depth_;
@@ -142,8 +144,9 @@ class Writer {
   // The bytes of objects.
 
   void put(std::uint64_t number, std::size_t size) {
-    for (std::size_t i = size; i > 0; --i)
+    for (std::size_t i = size; i > 0; --i) {
       out_.push_back(i > 8 ? std::byte{0} : static_cast<std::byte>(number >> (8 * (i - 1))));
+    }
   }
 
   void putMarker(Marker marker, std::size_t low) { put(static_cast<std::size_t>(marker) | low, 1); }
@@ -220,8 +223,9 @@ class Writer {
   void write(const Container& container) {
     putLength(container.marker, container.count);
     const std::size_t each = container.marker == Marker::dictionary ? 2 : 1;
-    for (std::size_t i = 0; i < container.count * each; ++i)
+    for (std::size_t i = 0; i < container.count * each; ++i) {
       put(references_[container.first + i], referenceSize_);
+    }
   }
 
   std::vector<Object> objects_;

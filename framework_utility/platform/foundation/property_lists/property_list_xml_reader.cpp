@@ -129,8 +129,9 @@ std::optional<Value> dataFrom(std::string_view text) {
 /// A dictionary that stands for an object's number in an archive is that number.
 Value uidOrDictionary(Dictionary dictionary) {
   const auto* number = dictionary.size() == 1 ? dictionary.get<Number>(uidKey) : nullptr;
-  if (!number || number->kind() == Number::Kind::real || number->doubleValue() < 0)
+  if (!number || number->kind() == Number::Kind::real || number->doubleValue() < 0) {
     return dictionary;
+  }
   return Value(std::make_shared<PropertyListUID>(number->unsignedIntegerValue()));
 }
 
@@ -186,8 +187,9 @@ class Reader {
       const std::span piece = rest.first(std::min(rest.size(), largestPiece));
       rest = rest.subspan(piece.size());
       if (XML_Parse(parser_.get(), reinterpret_cast<const char*>(piece.data()),
-                    static_cast<int>(piece.size()), rest.empty()) != XML_STATUS_OK)
+                    static_cast<int>(piece.size()), rest.empty()) != XML_STATUS_OK) {
         return false;
+      }
     } while (!rest.empty());
     return !isRefused_;
   }

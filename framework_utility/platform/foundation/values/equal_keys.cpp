@@ -12,9 +12,11 @@ namespace {
 constexpr std::size_t fewEntries = 16;
 
 bool hasEqualKeysAmongFew(const Dictionary& dictionary) {
-  for (const auto* a = dictionary.begin(); a != dictionary.end(); ++a)
-    for (const auto* b = dictionary.begin(); b != a; ++b)
+  for (const auto* a = dictionary.begin(); a != dictionary.end(); ++a) {
+    for (const auto* b = dictionary.begin(); b != a; ++b) {
       if (a->key == b->key) return true;
+    }
+  }
   return false;
 }
 
@@ -27,9 +29,11 @@ bool hasEqual(std::vector<std::string_view>& texts) {
 bool hasEqual(std::vector<Number>& numbers) {
   std::sort(numbers.begin(), numbers.end(),
             [](Number a, Number b) { return a.doubleValue() < b.doubleValue(); });
-  for (auto a = numbers.begin(); a != numbers.end(); ++a)
-    for (auto b = a + 1; b != numbers.end() && b->doubleValue() == a->doubleValue(); ++b)
+  for (auto a = numbers.begin(); a != numbers.end(); ++a) {
+    for (auto b = a + 1; b != numbers.end() && b->doubleValue() == a->doubleValue(); ++b) {
       if (*a == *b) return true;
+    }
+  }
   return false;
 }
 
@@ -40,10 +44,11 @@ bool hasEqualKeys(const Dictionary& dictionary) {
   std::vector<std::string_view> texts;
   std::vector<Number> numbers;
   for (const auto& [key, value] : dictionary) {
-    if (const auto text = key.text())
+    if (const auto text = key.text()) {
       texts.push_back(*text);
-    else if (!std::isnan(key.number()->doubleValue()))  // which equals nothing
+    } else if (!std::isnan(key.number()->doubleValue())) {  // which equals nothing
       numbers.push_back(*key.number());
+    }
   }
   return hasEqual(texts) || hasEqual(numbers);
 }

@@ -80,8 +80,9 @@ bool operator==(const Error& a, const Error& b) {
     const Dictionary& leftInfo = left->userInfo();
     const Dictionary& rightInfo = right->userInfo();
     if (left->code() != right->code() || left->domain() != right->domain() ||
-        leftInfo.size() != rightInfo.size())
+        leftInfo.size() != rightInfo.size()) {
       return false;
+    }
     const Error* leftCause = leftInfo.get<Error>(NSUnderlyingErrorKey);
     const Error* rightCause = rightInfo.get<Error>(NSUnderlyingErrorKey);
     const bool bothHaveCauses = leftCause && rightCause;

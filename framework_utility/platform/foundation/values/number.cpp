@@ -20,8 +20,9 @@ template <class Integer>
 std::partial_ordering compare(double real, Integer integer, double end) {
   if (std::isnan(real)) return std::partial_ordering::unordered;
   if (real >= end) return std::partial_ordering::greater;
-  if (real < static_cast<double>(std::numeric_limits<Integer>::min()))
+  if (real < static_cast<double>(std::numeric_limits<Integer>::min())) {
     return std::partial_ordering::less;
+  }
   const auto whole = static_cast<Integer>(real);
   if (whole != integer) return whole <=> integer;
   return real <=> std::trunc(real);
@@ -41,12 +42,14 @@ bool Number::boolValue() const {
 std::int64_t Number::integerValue() const {
   if (kind_ == Kind::real) {
     const double value = std::bit_cast<double>(bits_);
-    if (!(value >= -twoTo63 && value < twoTo63))
+    if (!(value >= -twoTo63 && value < twoTo63)) {
       stop("A number that is not finite, or too large, was asked for its integer value.");
+    }
     return static_cast<std::int64_t>(value);
   }
-  if (kind_ == Kind::unsignedInteger && !std::in_range<std::int64_t>(bits_))
+  if (kind_ == Kind::unsignedInteger && !std::in_range<std::int64_t>(bits_)) {
     stop("A number that is too large was asked for its integer value.");
+  }
   return static_cast<std::int64_t>(bits_);
 }
 
@@ -63,8 +66,9 @@ std::uint64_t Number::unsignedIntegerValue() const {
 std::uint32_t Number::unsignedIntValue() const {
   if (kind_ != Kind::real) return static_cast<std::uint32_t>(bits_);
   const double value = std::bit_cast<double>(bits_);
-  if (!std::isfinite(value))
+  if (!std::isfinite(value)) {
     stop("A number that is not finite was asked for its unsigned integer value.");
+  }
   return static_cast<std::uint32_t>(
       static_cast<std::int64_t>(std::fmod(std::trunc(value), twoTo32)));
 }
@@ -107,8 +111,9 @@ std::partial_ordering operator<=>(const Number& a, const Number& b) {
   const bool aIsNegative =
       a.kind_ != Kind::unsignedInteger && !std::in_range<std::int64_t>(a.bits_);
   const bool bIsNegative = !bIsUnsigned && !std::in_range<std::int64_t>(b.bits_);
-  if (aIsNegative != bIsNegative)
+  if (aIsNegative != bIsNegative) {
     return aIsNegative ? std::partial_ordering::less : std::partial_ordering::greater;
+  }
   return a.bits_ <=> b.bits_;
 }
 

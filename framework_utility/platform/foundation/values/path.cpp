@@ -72,8 +72,9 @@ bool isValidPathExtension(std::string_view extension) {
     if (extension.size() - at < 3) break;
     const auto second = static_cast<unsigned char>(extension[at + 1]);
     const auto third = static_cast<unsigned char>(extension[at + 2]);
-    if (second == 0x80 && (third == 0x8E || third == 0x8F || (third >= 0xAA && third <= 0xAE)))
+    if (second == 0x80 && (third == 0x8E || third == 0x8F || (third >= 0xAA && third <= 0xAE))) {
       return false;
+    }
     if (second == 0x81 && third >= 0xA6 && third <= 0xA9) return false;
   }
   return true;

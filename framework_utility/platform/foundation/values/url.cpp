@@ -43,8 +43,9 @@ Parts split(std::string_view text) {
   const std::size_t colon = firstOf(":/?#", text, 0);
   if (colon < text.size() && colon > 0 && text[colon] == ':' && isLetter(text[0]) &&
       std::all_of(text.begin(), text.begin() + static_cast<std::ptrdiff_t>(colon),
-                  [](char c) { return isLetter(c) || isDigit(c) || isOneOf(c, "+-."); }))
+                  [](char c) { return isLetter(c) || isDigit(c) || isOneOf(c, "+-."); })) {
     parts.scheme = text.substr(0, colon);
+  }
   std::size_t path = parts.scheme.empty() ? 0 : colon + 1;
   if (text.substr(path, 2) == "//") path = firstOf("/?#", text, path + 2);
   const std::size_t end = firstOf("?#", text, path);
@@ -95,8 +96,9 @@ bool isWellFormed(std::string_view text) {
     const char c = text[i];
     if (c == '%') {
       if (text.size() - i < 3 || hexadecimalValue(text[i + 1]) < 0 ||
-          hexadecimalValue(text[i + 2]) < 0)
+          hexadecimalValue(text[i + 2]) < 0) {
         return false;
+      }
       i += 2;
     } else if (!isLetter(c) && !isDigit(c) && !isOneOf(c, "-._~:/?#[]@!$&'()*+,;=")) {
       return false;
@@ -117,10 +119,11 @@ std::string withoutDotSegments(std::string_view path) {
     if (segment.starts_with('/')) segment.remove_prefix(1);
     path.remove_prefix(slash);
     if (segment == "..") out.erase(std::min(out.rfind('/'), out.size()));
-    if (segment != "." && segment != "..")
+    if (segment != "." && segment != "..") {
       (out += '/') += segment;
-    else if (path.empty())
+    } else if (path.empty()) {
       out += '/';
+    }
   }
   if (isRelative) out.erase(0, 1);
   return out;

@@ -28,11 +28,13 @@ void Dictionary::reserve(std::size_t entries) { entries_.reserve(entries); }
 
 const Value* Dictionary::find(const KeyView& key) const {
   if (const std::string_view* text = key.text()) {
-    for (const Entry& entry : entries_)
+    for (const Entry& entry : entries_) {
       if (entry.key.text() == *text) return &entry.value;
+    }
   } else {
-    for (const Entry& entry : entries_)
+    for (const Entry& entry : entries_) {
       if (entry.key == key) return &entry.value;
+    }
   }
   return nullptr;
 }
@@ -42,10 +44,11 @@ Value* Dictionary::find(const KeyView& key) {
 }
 
 void Dictionary::set(Key key, Value value) {
-  if (Value* present = find(key))
+  if (Value* present = find(key)) {
     *present = std::move(value);
-  else
+  } else {
     append(std::move(key), std::move(value));
+  }
 }
 
 bool Dictionary::remove(const KeyView& key) {
@@ -86,8 +89,9 @@ std::string textOf(Date date) {
   const auto day = floor<days>(date);
   // The calendar of the standard library has years of 16 bits.
   constexpr days limit{32'000 * 365};
-  if (day.time_since_epoch() > limit || day.time_since_epoch() < -limit)
+  if (day.time_since_epoch() > limit || day.time_since_epoch() < -limit) {
     return std::to_string(floor<seconds>(date).time_since_epoch().count()) + " seconds since 1970";
+  }
   const year_month_day calendar(day);
   const hh_mm_ss time(floor<seconds>(date - day));
   char text[48];
@@ -115,10 +119,11 @@ void append(std::string& out, const Dictionary& dictionary) {
   const char* separator = "";
   for (const auto& [key, value] : dictionary) {
     out += std::exchange(separator, ", ");
-    if (const auto text = key.text())
+    if (const auto text = key.text()) {
       out += *text;
-    else
+    } else {
       out += key.number()->description();
+    }
     out += " = ";
     append(out, value, true);
   }

@@ -199,10 +199,11 @@ inline std::optional<std::string_view> Key::text() const {
 }
 
 inline KeyView::KeyView(const Key& key) : key_(std::string_view()) {
-  if (const std::optional<std::string_view> text = key.text())
+  if (const std::optional<std::string_view> text = key.text()) {
     key_ = *text;
-  else
+  } else {
     key_ = *key.number();
+  }
 }
 
 inline bool operator==(const KeyView& a, const KeyView& b) { return a.key_ == b.key_; }

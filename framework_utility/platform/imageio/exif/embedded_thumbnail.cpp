@@ -32,24 +32,16 @@ std::span<const std::byte> behindEnd(std::span<const std::byte> bytes) {
   while (bytes.size() >= 2) {
     const auto at =
         static_cast<std::size_t>(std::find(bytes.begin(), bytes.end() - 1, mark) - bytes.begin());
-    if (!isInScan && at != 0) {
-      return {};
-    }
+    if (!isInScan && at != 0) return {};
     bytes = bytes.subspan(at + 1);
     const std::byte marker = bytes.front();
-    if (marker == endOfImage) {
-      return bytes.subspan(1);
-    }
-    if (marker == mark || (isInScan && (marker == std::byte{0} || isRestart(marker)))) {
-      continue;
-    }
+    if (marker == endOfImage) return bytes.subspan(1);
+    if (marker == mark || (isInScan && (marker == std::byte{0} || isRestart(marker)))) continue;
     isInScan = marker == startOfScan;
     const std::size_t length = bytes.size() < 3 ? 0
                                                 : std::to_integer<std::size_t>(bytes[1]) << 8 |
                                                       std::to_integer<std::size_t>(bytes[2]);
-    if (length < 2 || length >= bytes.size()) {
-      return {};
-    }
+    if (length < 2 || length >= bytes.size()) return {};
     bytes = bytes.subspan(1 + length);
   }
   return {};
@@ -58,12 +50,8 @@ std::span<const std::byte> behindEnd(std::span<const std::byte> bytes) {
 }  // namespace
 
 std::span<const std::byte> leadingJpeg(std::span<const std::byte> bytes) {
-  if (bytes.size() < 4 || bytes[0] != mark || bytes[1] != startOfImage) {
-    return {};
-  }
-  if (bytes[bytes.size() - 2] == mark && bytes.back() == endOfImage) {
-    return bytes;
-  }
+  if (bytes.size() < 4 || bytes[0] != mark || bytes[1] != startOfImage) return {};
+  if (bytes[bytes.size() - 2] == mark && bytes.back() == endOfImage) return bytes;
   const std::span<const std::byte> rest = behindEnd(bytes.subspan(2));
   return isZero(rest) ? bytes : bytes.first(bytes.size() - rest.size());
 }
@@ -71,9 +59,7 @@ std::span<const std::byte> leadingJpeg(std::span<const std::byte> bytes) {
 std::span<const std::byte> embeddedThumbnail(std::span<const std::byte> exif) {
   const std::optional<TiffReader> reader = TiffReader::open(exif);
   const std::uint32_t directory = reader ? reader->nextDirectory(reader->firstDirectory()) : 0;
-  if (directory == 0) {
-    return {};
-  }
+  if (directory == 0) return {};
   std::uint32_t offset = 0;
   std::uint32_t length = 0;
   const std::uint32_t count = reader->entryCount(directory);
@@ -85,9 +71,7 @@ std::span<const std::byte> embeddedThumbnail(std::span<const std::byte> exif) {
       length = reader->unsignedInteger(entry).value_or(0);
     }
   }
-  if (offset >= exif.size() || length > exif.size() - offset) {
-    return {};
-  }
+  if (offset >= exif.size() || length > exif.size() - offset) return {};
   return leadingJpeg(exif.subspan(offset, length));
 }
 

@@ -33,8 +33,9 @@ constexpr std::uint16_t descriptions[] = {
 std::optional<TiffEntry> findEntry(const TiffReader& reader, std::uint32_t directory,
                                    std::uint16_t tag) {
   const std::uint32_t count = reader.entryCount(directory);
-  for (std::uint32_t i = 0; i < count; ++i)
+  for (std::uint32_t i = 0; i < count; ++i) {
     if (reader.tag(directory, i) == tag) return reader.entry(directory, i);
+  }
   return std::nullopt;
 }
 
@@ -53,10 +54,11 @@ class Pictures {
         if (!offset || !size) break;
         const auto rest =
             reader_.block().subspan(std::min<std::size_t>(*offset, reader_.block().size()));
-        if (isJpeg)
+        if (isJpeg) {
           add(*offset, leadingJpeg(rest.first(std::min<std::size_t>(*size, rest.size()))).size());
-        else if (*size <= rest.size())
+        } else if (*size <= rest.size()) {
           add(*offset, *size);
+        }
       }
     }
     const std::optional<TiffEntry> children = findEntry(reader_, directory, childrenTag);
@@ -77,8 +79,9 @@ class Pictures {
       add(directory, tiffDirectorySize(count));
       for (std::uint32_t i = 0; i < count; ++i) {
         const TiffEntry entry = reader_.entry(directory, i);
-        if (entry.value.size() > tiffInlineSize && entry.value.size() <= longestValue)
+        if (entry.value.size() > tiffInlineSize && entry.value.size() <= longestValue) {
           add(entry.offset, entry.value.size());
+        }
       }
     }
   }
@@ -89,8 +92,9 @@ class Pictures {
   /// Whether all of its records are there, and all of their values.
   bool isSound(std::uint32_t directory, std::uint32_t count) const {
     if (count != reader_.u16(reader_.block().data() + directory)) return false;
-    for (std::uint32_t i = 0; i < count; ++i)
+    for (std::uint32_t i = 0; i < count; ++i) {
       if (reader_.entry(directory, i).isDamaged()) return false;
+    }
     return true;
   }
 

@@ -52,8 +52,9 @@ class Reading {
     for (std::uint32_t i = 0; i < count; ++i) {
       const TiffEntry entry = reader_.entry(offset, i);
       if (which == ExifDirectory::exif && entry.tag == makerNoteTag &&
-          !std::exchange(sawNote_, true))
+          !std::exchange(sawNote_, true)) {
         note_ = entry.value;
+      }
       const ExifTag* tag = exifTag(which, entry.tag);
       // Of records with the same tag the first one counts.
       if (!tag || seen.test(static_cast<std::size_t>(tag - tags))) continue;
@@ -63,8 +64,9 @@ class Reading {
         continue;
       }
       const Value* value = appendExifValue(values, *tag, reader_, entry);
-      if (value && !tag->auxiliaryKey.empty())
+      if (value && !tag->auxiliaryKey.empty()) {
         auxiliary_.append(Key::withConstant(tag->auxiliaryKey), *value);
+      }
     }
     return values;
   }
@@ -77,16 +79,19 @@ class Reading {
   }
 
   static void addTopLevel(const Dictionary& image, Dictionary& properties) {
-    if (const Number* orientation = image.get<Number>(kCGImagePropertyTIFFOrientation))
+    if (const Number* orientation = image.get<Number>(kCGImagePropertyTIFFOrientation)) {
       properties.set(Key::withConstant(kCGImagePropertyOrientation), *orientation);
+    }
     const double inInches = unitsPerInch(image);
     if (inInches == 0) return;
     for (const auto& [resolution, key] :
          {std::pair<std::string_view, std::string_view>{"XResolution", "DPIWidth"},
-          {"YResolution", "DPIHeight"}})
-      if (const Number* number = image.get<Number>(resolution))
+          {"YResolution", "DPIHeight"}}) {
+      if (const Number* number = image.get<Number>(resolution)) {
         properties.set(Key::withConstant(key),
                        inInches == 1 ? *number : Number(number->doubleValue() * inInches));
+      }
+    }
   }
 
   static void add(std::string_view key, Dictionary&& values, Dictionary& properties) {
@@ -110,17 +115,20 @@ class Reading {
 }  // namespace
 
 void readExif(std::span<const std::byte> tiff, Dictionary& properties, MetadataBudget& budget) {
-  if (const std::optional<TiffReader> reader = TiffReader::open(tiff))
+  if (const std::optional<TiffReader> reader = TiffReader::open(tiff)) {
     Reading(*reader, budget).addTo(properties);
+  }
 }
 
 std::optional<Number> readExifOrientation(std::span<const std::byte> tiff) {
   const std::optional<TiffReader> reader = TiffReader::open(tiff);
   const std::uint32_t directory = reader ? reader->firstDirectory() : 0;
   const std::uint32_t count = reader ? reader->entryCount(directory) : 0;
-  for (std::uint32_t i = 0; i < count; ++i)
-    if (reader->tag(directory, i) == exifOrientationTag)
+  for (std::uint32_t i = 0; i < count; ++i) {
+    if (reader->tag(directory, i) == exifOrientationTag) {
       return reader->number(reader->entry(directory, i));
+    }
+  }
   return std::nullopt;
 }
 

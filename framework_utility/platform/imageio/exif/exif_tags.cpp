@@ -206,8 +206,9 @@ const ExifTag* exifTag(ExifDirectory directory, std::uint16_t tag) {
 
 const ExifTag* exifTag(ExifDirectory directory, const Key& key) {
   const std::optional<std::string_view> text = key.text();
-  for (const ExifTag& tag : exifTags(directory))
+  for (const ExifTag& tag : exifTags(directory)) {
     if (text == tag.key) return &tag;
+  }
   return nullptr;
 }
 

@@ -82,8 +82,9 @@ std::vector<std::byte> exifText(std::string_view text) {
 std::optional<std::string> readExifComment(std::span<const std::byte> bytes, std::endian order) {
   const std::string_view prefix = characters(bytes).substr(0, prefixSize);
   if (prefix == unicodePrefix) return readUtf16(bytes.subspan(prefixSize), order);
-  if (prefix == asciiPrefix || prefix == undefinedPrefix)
+  if (prefix == asciiPrefix || prefix == undefinedPrefix) {
     return readExifText(bytes.subspan(prefixSize));
+  }
   if (prefix != jisPrefix) return readExifText(bytes);
   // ISO-2022-JP is ASCII until an escape.
   const std::string_view text = characters(bytes.subspan(prefixSize));

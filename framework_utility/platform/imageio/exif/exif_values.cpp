@@ -44,13 +44,15 @@ std::optional<TiffValue> version(const Array& numbers) {
   for (std::size_t i = 0; i < numbers.size(); ++i) {
     const Number* number = numbers[i].as<Number>();
     const double value = number ? number->doubleValue() : -1;
-    if (!(value >= 0 && value < (i == 0 ? 100 : 10)) || value != std::floor(value))
+    if (!(value >= 0 && value < (i == 0 ? 100 : 10)) || value != std::floor(value)) {
       return std::nullopt;
+    }
     parts[i] = static_cast<std::int64_t>(value);
   }
   TiffValue stored{TiffType::undefined, 4, {}};
-  for (const std::int64_t digit : {parts[0] / 10, parts[0] % 10, parts[1], parts[2]})
+  for (const std::int64_t digit : {parts[0] / 10, parts[0] % 10, parts[1], parts[2]}) {
     stored.bytes.push_back(static_cast<std::byte>('0' + digit));
+  }
   return stored;
 }
 
@@ -139,8 +141,9 @@ std::optional<std::string> readTime(const TiffReader& reader, const TiffEntry& e
 // "HH:MM:SS", with parts of a second if need be.
 std::optional<TiffValue> time(std::string_view text, std::endian order) {
   constexpr std::size_t maximumDecimals = 7;
-  if (text.size() < 8 || text.size() > 9 + maximumDecimals || text[2] != ':' || text[5] != ':')
+  if (text.size() < 8 || text.size() > 9 + maximumDecimals || text[2] != ':' || text[5] != ':') {
     return std::nullopt;
+  }
   if (text.size() > 8 && (text[8] != '.' || text.size() == 9)) return std::nullopt;
   std::array<Rational, 3> parts{};
   for (std::size_t i = 0; i < text.size(); ++i) {
@@ -203,8 +206,9 @@ bool appendNumber(std::vector<std::byte>& bytes, double value, TiffType type, st
     case TiffType::singleFloat:
       // Its 24 bits give 5.6 back as something else, so only what it holds exactly.
       if (!(std::abs(value) <= std::numeric_limits<float>::max()) ||
-          static_cast<double>(static_cast<float>(value)) != value)
+          static_cast<double>(static_cast<float>(value)) != value) {
         return false;
+      }
       appendTiffInteger(bytes, std::bit_cast<std::uint32_t>(static_cast<float>(value)), 4, order);
       return true;
     case TiffType::doubleFloat:
@@ -221,8 +225,9 @@ bool appendNumber(std::vector<std::byte>& bytes, double value, TiffType type, st
 
 std::optional<TiffValue> exifNumbers(const ExifTag& tag, std::span<const Value> values,
                                      std::optional<TiffType> storedType, std::endian order) {
-  if (storedType)
+  if (storedType) {
     if (std::optional<TiffValue> stored = tiffNumbers(values, *storedType, order)) return stored;
+  }
   return tiffNumbers(values, tag.type, order);
 }
 
@@ -250,8 +255,9 @@ std::optional<TiffValue> tiffNumbers(std::span<const Value> values, TiffType typ
   TiffValue stored{type, static_cast<std::uint32_t>(values.size()), {}};
   for (const Value& value : values) {
     const Number* number = value.as<Number>();
-    if (!number || !appendNumber(stored.bytes, number->doubleValue(), type, order))
+    if (!number || !appendNumber(stored.bytes, number->doubleValue(), type, order)) {
       return std::nullopt;
+    }
   }
   return stored;
 }
@@ -265,8 +271,9 @@ const Value* appendExifValue(Dictionary& values, const ExifTag& tag, const TiffR
   };
   if (tag.shape == ExifShape::text ||
       (entry.type == TiffType::ascii && tag.shape != ExifShape::comment &&
-       tag.shape != ExifShape::version))
+       tag.shape != ExifShape::version)) {
     return isText(entry) ? append(std::optional(readExifText(entry.value))) : nullptr;
+  }
   switch (tag.shape) {
     case ExifShape::text:
       break;
@@ -304,8 +311,9 @@ std::optional<TiffValue> exifValue(const ExifTag& tag, const Value& value,
       if (number) return exifNumbers(tag, std::span(&value, 1), storedType, order);
       break;
     case ExifShape::array:
-      if (array && (tag.count == 0 || array->size() == tag.count))
+      if (array && (tag.count == 0 || array->size() == tag.count)) {
         return exifNumbers(tag, *array, storedType, order);
+      }
       break;
     case ExifShape::version:
       if (array) return version(*array);

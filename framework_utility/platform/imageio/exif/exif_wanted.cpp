@@ -56,8 +56,9 @@ ExifWanted exifWanted(const Dictionary& before, const Dictionary& properties) {
                     .exif = copied(properties, kCGImagePropertyExifDictionary),
                     .gps = copied(properties, kCGImagePropertyGPSDictionary),
                     .makerNote = copied(properties, kCGImagePropertyMakerAppleDictionary)};
-  if (const Number* orientation = properties.get<Number>(kCGImagePropertyOrientation))
+  if (const Number* orientation = properties.get<Number>(kCGImagePropertyOrientation)) {
     wanted.image.set(kCGImagePropertyTIFFOrientation, *orientation);
+  }
   splitTimeStamp(wanted.gps);
   splitAltitude(copied(before, kCGImagePropertyGPSDictionary), wanted.gps);
   return wanted;

@@ -94,8 +94,9 @@ class Merge {
     const std::string_view key = exifTag(which, tag)->key;
     const bool isAsked = wanted.find(key) != nullptr;
     if (!isAsked) supplied_.emplace_back(which, tag);
-    if (!isAsked || tag == pixelXDimensionTag || tag == pixelYDimensionTag)
+    if (!isAsked || tag == pixelXDimensionTag || tag == pixelYDimensionTag) {
       wanted.set(Key::withConstant(key), std::move(value));
+    }
   }
 
   TiffDirectory directoryAt(std::uint32_t offset) const {
@@ -138,8 +139,9 @@ class Merge {
     for (const auto& [key, value] : wanted) {
       const ExifTag* tag = exifTag(which, key);
       if (!tag || stored.test(static_cast<std::size_t>(tag - tags))) continue;
-      if (std::optional<TiffValue> added = exifValue(*tag, value, std::nullopt, plan_.order))
+      if (std::optional<TiffValue> added = exifValue(*tag, value, std::nullopt, plan_.order)) {
         result.add(tag->tag, std::move(*added));
+      }
     }
   }
 
@@ -165,12 +167,13 @@ class Merge {
     const bool keeps = wanted && before ? *before == *wanted : !wanted && !before;
     std::optional<TiffValue> value;
     if (!keeps && wanted) value = exifValue(tag, *wanted, entry.type, plan_.order);
-    if (keeps)
+    if (keeps) {
       keep(entry, result);
-    else if (value)
+    } else if (value) {
       result.replace(entry, std::move(*value));
-    else
+    } else {
       plan_.drop(entry);
+    }
     return keeps;
   }
 
@@ -207,14 +210,16 @@ class Merge {
     std::optional<TiffEntry> source;
     forEachEntry(at_.exif, [&](const TiffEntry& entry) {
       if (entry.tag != makerNoteTag) return;
-      if (source)
+      if (source) {
         plan_.drop(entry);
-      else
+      } else {
         source = entry;
+      }
     });
     if (!source || source->isDamaged()) {
-      if (TiffValue note = makerNote({}); !note.bytes.empty())
+      if (TiffValue note = makerNote({}); !note.bytes.empty()) {
         exif.add(makerNoteTag, std::move(note));
+      }
       return;
     }
     if (entriesBefore(kCGImagePropertyMakerAppleDictionary) == wanted_.makerNote) {

@@ -22,8 +22,9 @@ constexpr std::uint32_t directoryOffset = 14;  // Behind signature, version and 
 constexpr std::uint32_t entryLimit = 256;      // Phones write about fifty.
 
 bool isAscending(const TiffReader& note, std::uint32_t count) {
-  for (std::uint32_t i = 1; i < count; ++i)
+  for (std::uint32_t i = 1; i < count; ++i) {
     if (note.tag(directoryOffset, i) <= note.tag(directoryOffset, i - 1)) return false;
+  }
   return true;
 }
 
@@ -31,16 +32,19 @@ bool isAscending(const TiffReader& note, std::uint32_t count) {
 std::optional<TiffReader> openNote(std::span<const std::byte> note) {
   if (note.size() < directoryOffset + tiffDirectorySize(0)) return std::nullopt;
   if (!std::equal(signature.begin(), signature.end(), note.begin(),
-                  [](char a, std::byte b) { return std::byte(a) == b; }))
+                  [](char a, std::byte b) { return std::byte(a) == b; })) {
     return std::nullopt;
+  }
   const std::byte order = note[12];
-  if (order != note[13] || (order != std::byte{'M'} && order != std::byte{'I'}))
+  if (order != note[13] || (order != std::byte{'M'} && order != std::byte{'I'})) {
     return std::nullopt;
+  }
   const TiffReader reader(note, order == std::byte{'M'} ? std::endian::big : std::endian::little);
   const std::uint32_t count = reader.u16(note.data() + directoryOffset);
   if (count > entryLimit || directoryOffset + tiffDirectorySize(count) > note.size() ||
-      !isAscending(reader, count))
+      !isAscending(reader, count)) {
     return std::nullopt;
+  }
   return reader;
 }
 
@@ -79,9 +83,10 @@ bool appendEntry(Dictionary& entries, const TiffReader& note, const TiffEntry& e
 std::optional<TiffValue> noteNumbers(std::span<const Value> numbers,
                                      std::optional<TiffType> storedType, std::endian order) {
   if (storedType == TiffType::undefined) storedType.reset();  // Those are bytes, no numbers.
-  for (const TiffType type :
-       {storedType.value_or(TiffType::signedLong), TiffType::signedLong, TiffType::signedRational})
+  for (const TiffType type : {storedType.value_or(TiffType::signedLong), TiffType::signedLong,
+                              TiffType::signedRational}) {
     if (std::optional<TiffValue> stored = tiffNumbers(numbers, type, order)) return stored;
+  }
   return std::nullopt;
 }
 
@@ -90,10 +95,12 @@ std::optional<TiffValue> noteValue(const Value& value, std::optional<TiffType> s
   const auto withBytes = [](TiffType type, std::vector<std::byte> bytes) {
     return TiffValue{type, static_cast<std::uint32_t>(bytes.size()), std::move(bytes)};
   };
-  if (const std::string* text = value.as<std::string>())
+  if (const std::string* text = value.as<std::string>()) {
     return withBytes(TiffType::ascii, exifText(*text));
-  if (const Data* data = value.as<Data>())
+  }
+  if (const Data* data = value.as<Data>()) {
     return withBytes(TiffType::undefined, {data->begin(), data->end()});
+  }
   if (value.as<Dictionary>()) {
     const std::optional<Data> list = dataWithPropertyList(value);
     if (!list) return std::nullopt;
@@ -128,8 +135,9 @@ std::optional<Dictionary> readMakerNote(std::span<const std::byte> note, Metadat
   entries.reserve(count);
   for (std::uint32_t i = 0; i < count; ++i) {
     const TiffEntry entry = reader->entry(directoryOffset, i);
-    if (!appendEntry(entries, *reader, entry, budget))
+    if (!appendEntry(entries, *reader, entry, budget)) {
       budget.leaveOut(kCGImagePropertyMakerAppleDictionary);
+    }
   }
   return entries;
 }
@@ -156,20 +164,22 @@ std::vector<std::byte> mergeMakerNote(std::span<const std::byte> note, const Dic
       const std::string key = std::to_string(entry.tag);
       const Value* const stored = before.find(key);
       const Value* const wanted = entries.find(key);
-      if (wanted && stored ? *stored == *wanted : !wanted && !stored)
+      if (wanted && stored ? *stored == *wanted : !wanted && !stored) {
         directory.keep(entry);
-      else if (std::optional<TiffValue> value =
-                   wanted ? noteValue(*wanted, entry.type, plan.order) : std::nullopt)
+      } else if (std::optional<TiffValue> value =
+                     wanted ? noteValue(*wanted, entry.type, plan.order) : std::nullopt) {
         directory.replace(entry, std::move(*value));
-      else
+      } else {
         plan.drop(entry);
+      }
     }
   }
   for (const auto& [key, wanted] : entries) {
     const std::optional<std::uint16_t> tag = tagOf(key);
     if (!tag || std::binary_search(known.begin(), known.end(), *tag)) continue;
-    if (std::optional<TiffValue> value = noteValue(wanted, std::nullopt, plan.order))
+    if (std::optional<TiffValue> value = noteValue(wanted, std::nullopt, plan.order)) {
       directory.add(*tag, std::move(*value));
+    }
   }
   if (directory.records.empty() || directory.records.size() > entryLimit) return {};
   directory.sortRecords();

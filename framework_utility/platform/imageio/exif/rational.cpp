@@ -22,8 +22,9 @@ std::optional<Rational> nearestRational(double value, std::int64_t limit) {
     // No step is larger than the limit, and no term than its square: all fits 64 bits.
     auto step = static_cast<std::int64_t>(std::min(whole, static_cast<double>(limit)));
     if (last.numerator > 0) step = std::min(step, (limit - before.numerator) / last.numerator);
-    if (last.denominator > 0)
+    if (last.denominator > 0) {
       step = std::min(step, (limit - before.denominator) / last.denominator);
+    }
     const Rational next{step * last.numerator + before.numerator,
                         step * last.denominator + before.denominator};
     if (static_cast<double>(step) < whole) {

@@ -23,11 +23,13 @@ std::vector<ByteRange> united(std::vector<ByteRange> ranges) {
   std::sort(ranges.begin(), ranges.end(),
             [](const ByteRange& a, const ByteRange& b) { return a.begin < b.begin; });
   std::vector<ByteRange> result;
-  for (const ByteRange& range : ranges)
-    if (!result.empty() && range.begin <= result.back().end)
+  for (const ByteRange& range : ranges) {
+    if (!result.empty() && range.begin <= result.back().end) {
       result.back().end = std::max(result.back().end, range.end);
-    else
+    } else {
       result.push_back(range);
+    }
+  }
   return result;
 }
 
@@ -160,12 +162,14 @@ class Layout {
       const ByteRange place{at, at + stored.size()};
       if (place.end > plan_.source.size() ||
           !std::equal(stored.begin(), stored.end(),
-                      plan_.source.begin() + static_cast<std::ptrdiff_t>(at)))
+                      plan_.source.begin() + static_cast<std::ptrdiff_t>(at))) {
         changes_.push_back(place);
+      }
     };
     writeHeader(compare);
-    for (std::size_t i = 0; i < plan_.directories.size(); ++i)
+    for (std::size_t i = 0; i < plan_.directories.size(); ++i) {
       if (isPlaced_[i]) writeDirectory(plan_.directories[i], compare);
+    }
     changes_ = united(std::move(changes_));
   }
 
@@ -186,9 +190,11 @@ class Layout {
   // tag behind them, which do not count.
   void claimUnchangedValues() {
     std::vector<std::uint64_t> sizes;
-    for (const TiffDirectory& directory : plan_.directories)
-      for (const TiffRecord& record : directory.records)
+    for (const TiffDirectory& directory : plan_.directories) {
+      for (const TiffRecord& record : directory.records) {
         if (mustMove(record)) sizes.push_back(record.value.size());
+      }
+    }
     std::sort(sizes.begin(), sizes.end());
     std::uint64_t moved = 0;
     std::size_t count = 0;
@@ -219,17 +225,19 @@ class Layout {
       dropped_.insert(dropped_.end(), plan_.dropped.begin(), plan_.dropped.end());
       for (std::size_t i = 0; i < plan_.directories.size(); ++i) {
         if (!isPlaced_[i]) dropped_.push_back(plan_.directories[i].place);
-        for (const TiffRecord& record : plan_.directories[i].records)
+        for (const TiffRecord& record : plan_.directories[i].records) {
           if (!record.unchanged) dropped_.push_back(record.place);
+        }
       }
     } else {
       dropped_ = {{0, kept_.back().end}};
     }
     bytes_.resize(std::max<std::size_t>(bytes_.size(), kept_.back().end));
     std::vector<ByteRange> free = without(united(std::move(dropped_)), kept_);
-    for (const ByteRange& range : free)
+    for (const ByteRange& range : free) {
       std::fill(bytes_.begin() + static_cast<std::ptrdiff_t>(range.begin),
                 bytes_.begin() + static_cast<std::ptrdiff_t>(range.end), std::byte{0});
+    }
     return FreeSpace(std::move(free), bytes_.size());
   }
 
@@ -238,23 +246,32 @@ class Layout {
     for (std::size_t i = 0; i < plan_.directories.size(); ++i) {
       TiffDirectory& directory = plan_.directories[i];
       if (inPlace_ && !isPlaced_[i] && !directory.place.empty() &&
-          space.takeAt(directory.place.begin, sizeOf(directory)))
+          space.takeAt(directory.place.begin, sizeOf(directory))) {
         isPlaced_[i] = true;
+      }
     }
-    for (TiffDirectory& directory : plan_.directories)
-      for (TiffRecord& record : directory.records)
+    for (TiffDirectory& directory : plan_.directories) {
+      for (TiffRecord& record : directory.records) {
         if (!record.unchanged && !isInline(record) &&
             !(inPlace_ && record.value.size() <= record.place.size() &&
-              space.takeAt(record.place.begin, record.value.size())))
+              space.takeAt(record.place.begin, record.value.size()))) {
           record.place = {};
-    for (std::size_t i = 0; i < plan_.directories.size(); ++i)
-      if (!isPlaced_[i])
+        }
+      }
+    }
+    for (std::size_t i = 0; i < plan_.directories.size(); ++i) {
+      if (!isPlaced_[i]) {
         plan_.directories[i].place.begin = space.take(sizeOf(plan_.directories[i]));
+      }
+    }
     isPlaced_.assign(isPlaced_.size(), true);
-    for (TiffDirectory& directory : plan_.directories)
-      for (TiffRecord& record : directory.records)
-        if (!isInline(record) && record.place.empty())
+    for (TiffDirectory& directory : plan_.directories) {
+      for (TiffRecord& record : directory.records) {
+        if (!isInline(record) && record.place.empty()) {
           record.place.begin = space.take(record.value.size());
+        }
+      }
+    }
     isLaidOut_ = true;
   }
 
@@ -265,8 +282,9 @@ class Layout {
     writeHeader(write);
     for (const TiffDirectory& directory : plan_.directories) {
       writeDirectory(directory, write);
-      for (const TiffRecord& record : directory.records)
+      for (const TiffRecord& record : directory.records) {
         if (!isInline(record)) write(record.place.begin, record.value);
+      }
     }
   }
 
@@ -274,8 +292,9 @@ class Layout {
   template <class Write>
   void writeHeader(Write write) const {
     std::vector<std::byte> header = plan_.header;
-    if (!plan_.hasFixedDirectory)
+    if (!plan_.hasFixedDirectory) {
       storeTiffInteger(header.data() + header.size() - 4, offsetOf(0), 4, plan_.order);
+    }
     write(0, header);
   }
   template <class Write>
@@ -294,8 +313,9 @@ class Layout {
       store(2, static_cast<std::uint16_t>(record.type), 2);
       store(4, record.count, 4);
       store(8, isInline(record) && !record.child ? 0 : offsetIn(record), 4);
-      if (isInline(record) && !record.child)
+      if (isInline(record) && !record.child) {
         std::copy(record.value.begin(), record.value.end(), bytes.begin() + 8);
+      }
       write(at, all);
       at += tiffRecordSize;
     }

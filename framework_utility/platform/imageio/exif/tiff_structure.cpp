@@ -87,9 +87,10 @@ std::optional<std::uint32_t> TiffReader::unsignedInteger(const TiffEntry& entry,
 }
 
 void storeTiffInteger(std::byte* bytes, std::uint64_t number, std::size_t size, std::endian order) {
-  for (std::size_t i = 0; i < size; ++i)
+  for (std::size_t i = 0; i < size; ++i) {
     bytes[order == std::endian::big ? size - 1 - i : i] =
         static_cast<std::byte>(number >> (8 * i) & 0xFF);
+  }
 }
 
 void appendTiffInteger(std::vector<std::byte>& bytes, std::uint64_t number, std::size_t size,

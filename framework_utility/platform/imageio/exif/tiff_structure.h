@@ -153,8 +153,9 @@ inline TiffEntry TiffReader::entry(std::uint32_t directory, std::uint32_t index)
   const std::uint32_t unit = tiffTypeSize(entry.type);
   const std::uint64_t size = unit == 0 ? tiffInlineSize : std::uint64_t{unit} * entry.count;
   if (size > tiffInlineSize) entry.offset = u32(record + 8);
-  if (entry.offset + size <= block_.size())
+  if (entry.offset + size <= block_.size()) {
     entry.value = block_.subspan(entry.offset, static_cast<std::size_t>(size));
+  }
   return entry;
 }
 

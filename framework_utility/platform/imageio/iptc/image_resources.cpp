@@ -45,8 +45,10 @@ std::optional<Resource> firstResource(std::span<const std::byte> bytes) {
   constexpr std::byte signature[] = {std::byte{'8'}, std::byte{'B'}, std::byte{'I'},
                                      std::byte{'M'}};
   constexpr std::size_t nameBegin = signatureSize + numberSize;
-  if (bytes.size() <= nameBegin || !std::equal(signature, signature + signatureSize, bytes.data()))
+  if (bytes.size() <= nameBegin ||
+      !std::equal(signature, signature + signatureSize, bytes.data())) {
     return std::nullopt;
+  }
   const std::size_t nameSize = padded(1 + std::to_integer<std::size_t>(bytes[nameBegin]));
   const std::size_t begin = nameBegin + nameSize + sizeSize;
   if (begin > bytes.size()) return std::nullopt;
@@ -67,8 +69,9 @@ void append(std::vector<std::byte>& out, std::span<const std::byte> bytes) {
 void appendResource(std::vector<std::byte>& out, std::span<const std::byte> header,
                     std::span<const std::byte> data) {
   append(out, header);
-  for (int shift = 24; shift >= 0; shift -= 8)
+  for (int shift = 24; shift >= 0; shift -= 8) {
     out.push_back(std::byte{static_cast<std::uint8_t>(data.size() >> shift)});
+  }
   append(out, data);
   if (data.size() % 2 != 0) out.push_back(std::byte{0});
 }

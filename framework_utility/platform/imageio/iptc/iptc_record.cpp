@@ -209,8 +209,9 @@ struct Planned {
 std::vector<Planned> plannedDatasets(const Record& record, const Dictionary& before,
                                      const Dictionary& after) {
   std::vector<Planned> plan;
-  for (const Dataset& dataset : record.datasets)
+  for (const Dataset& dataset : record.datasets) {
     plan.push_back({dataset.record, dataset.number, dataset.whole, {}});
+  }
   for (const Mapping& mapping : mappings) {
     const Value* was = before.find(mapping.key);
     const Value* is = after.find(mapping.key);
@@ -219,18 +220,20 @@ std::vector<Planned> plannedDatasets(const Record& record, const Dictionary& bef
       return each.record == applicationRecord && each.number == mapping.dataset;
     };
     auto place = std::find_if(plan.begin(), plan.end(), isOld);
-    if (place == plan.end())
+    if (place == plan.end()) {
       place = std::find_if(plan.begin(), plan.end(), [&](const Planned& each) {
         return each.record > applicationRecord ||
                (each.record == applicationRecord && each.number > mapping.dataset);
       });
+    }
     const auto index = place - plan.begin();
     plan.erase(std::remove_if(place, plan.end(), isOld), plan.end());
     std::vector<std::string> texts = textsOf(is);
     if (!mapping.isRepeated && texts.size() > 1) texts.resize(1);
     std::vector<Planned> written;
-    for (std::string& text : texts)
+    for (std::string& text : texts) {
       written.push_back({applicationRecord, mapping.dataset, {}, std::move(text)});
+    }
     plan.insert(plan.begin() + index, std::make_move_iterator(written.begin()),
                 std::make_move_iterator(written.end()));
   }
@@ -246,8 +249,9 @@ bool isMarkedUtf8(const Record& record) {
 // Marks the record, and writes anew in UTF-8 the known texts that were kept.
 void convertToUtf8(std::vector<Planned>& plan) {
   for (Planned& each : plan) {
-    if (each.kept.empty() || each.record != applicationRecord || !findMapping(each.number))
+    if (each.kept.empty() || each.record != applicationRecord || !findMapping(each.number)) {
       continue;
+    }
     const std::span<const std::byte> data = firstDataset(each.kept)->data;
     if (utf8::isValid(asText(data))) continue;
     each.text = decoded(data);
@@ -273,8 +277,9 @@ std::vector<std::byte> mergeIptcRecord(std::span<const std::byte> bytes, const D
   const Record record = parseRecord(bytes);
   std::vector<Planned> plan = plannedDatasets(record, entriesOf(record, budget), entries);
   const auto isWritten = [](const Planned& each) { return each.kept.empty(); };
-  if (std::none_of(plan.begin(), plan.end(), isWritten) && plan.size() == record.datasets.size())
+  if (std::none_of(plan.begin(), plan.end(), isWritten) && plan.size() == record.datasets.size()) {
     return {bytes.begin(), bytes.end()};
+  }
 
   const bool hasContent = std::any_of(plan.begin(), plan.end(), [](const Planned& each) {
     return each.record > envelopeRecord && each.number != version;
@@ -294,10 +299,11 @@ std::vector<std::byte> mergeIptcRecord(std::span<const std::byte> bytes, const D
 
   std::vector<std::byte> out;
   for (const Planned& each : plan) {
-    if (isWritten(each))
+    if (isWritten(each)) {
       appendDataset(out, each.record, each.number, each.text);
-    else
+    } else {
       out.insert(out.end(), each.kept.begin(), each.kept.end());
+    }
   }
   out.insert(out.end(), record.rest.begin(), record.rest.end());
   return out;

@@ -17,9 +17,7 @@ CGColorSpace spaceFor(const Data& profile, const JpegReader& reader) {
   const std::size_t components = reader.bytesPerPixel() == 1 ? 1 : reader.isCmyk() ? 4 : 3;
   if (!profile.empty()) {
     const std::optional<CGColorSpace> space = CGColorSpace::createWithICCData(profile);
-    if (space && space->numberOfComponents() == components) {
-      return *space;
-    }
+    if (space && space->numberOfComponents() == components) return *space;
   }
   return components == 1   ? CGColorSpace::createDeviceGray()
          : components == 4 ? CGColorSpace::createDeviceCMYK()

@@ -72,9 +72,7 @@ class EncoderRows {
     }
     if (!rows.isInPlace_ && rows.colors_ != JCS_CMYK) {
       rows.converter_ = RGBARows::of(image, AlphaForm::premultiplied);
-      if (!rows.converter_) {
-        return std::nullopt;
-      }
+      if (!rows.converter_) return std::nullopt;
     }
     return rows;
   }
@@ -87,9 +85,7 @@ class EncoderRows {
     const std::size_t width = image_.width();
     const auto* stored = reinterpret_cast<const std::uint8_t*>(image_.pixels().data()) +
                          y * image_.layout().bytesPerRow;
-    if (isInPlace_ || (isInPlaceWhereOpaque_ && isOpaque(stored, width))) {
-      return stored;
-    }
+    if (isInPlace_ || (isInPlaceWhereOpaque_ && isOpaque(stored, width))) return stored;
     converted_.resize(4 * width);
     std::uint8_t* row = converted_.data();
     if (colors_ == JCS_CMYK) {  // inverted, as the Adobe segment that libjpeg writes means it
@@ -100,9 +96,7 @@ class EncoderRows {
     converter_->read(y, row);
     layOnWhite(row, width);
     if (colors_ == JCS_GRAYSCALE) {  // three equal components; the first of them
-      for (std::size_t x = 1; x < width; ++x) {
-        row[x] = row[4 * x];
-      }
+      for (std::size_t x = 1; x < width; ++x) row[x] = row[4 * x];
     }
     return row;
   }
@@ -147,13 +141,9 @@ bool writeImageResources(JpegWriter& writer, Bytes resources) {
 }
 
 bool writeXmp(JpegWriter& writer, const MetadataBlocks& blocks) {
-  if (blocks.xmp.empty()) {
-    return true;
-  }
+  if (blocks.xmp.empty()) return true;
   const std::optional<XmpParts> xmp = xmpForSegments(blocks.xmp, blocks.extendedXmp);
-  if (!xmp) {
-    return true;
-  }
+  if (!xmp) return true;
   const Bytes extension = xmp->extension;
   const std::string name = extension.empty() ? "" : xmpExtensionName(xmp->packet);
   const std::size_t pieceSize = JpegWriter::maximumSegmentSize - extendedXmpHead(name, 0, 0).size();
@@ -189,9 +179,7 @@ bool profileFits(const EncodeRequest& request, const CGImage& image, const Encod
 bool encodeJpeg(const CGImage& image, const EncodeRequest& request, std::vector<std::byte>& out,
                 Error* error) {
   std::optional<EncoderRows> rows = EncoderRows::of(image);
-  if (!rows) {
-    return cannotEncode("JPEG cannot hold the colours of this image", error);
-  }
+  if (!rows) return cannotEncode("JPEG cannot hold the colours of this image", error);
   const MetadataBlocks& blocks = request.blocks;
   const bool hasExif = fits(jpegExifSignature, blocks.exif);
   JpegWriter writer(out);
@@ -208,9 +196,7 @@ bool encodeJpeg(const CGImage& image, const EncodeRequest& request, std::vector<
     return cannotEncode(writer.problem(), error);
   }
   for (std::size_t y = 0; y < image.height(); ++y) {
-    if (!writer.writeRow(rows->row(y))) {
-      return cannotEncode(writer.problem(), error);
-    }
+    if (!writer.writeRow(rows->row(y))) return cannotEncode(writer.problem(), error);
   }
   return writer.finish() || cannotEncode(writer.problem(), error);
 }

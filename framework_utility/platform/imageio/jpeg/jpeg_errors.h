@@ -20,9 +20,7 @@ struct JpegErrors : jpeg_error_mgr {
 /// The way out destroys nothing: whatever `work` creates must need no destruction.
 template <class Work>
 bool jpegSucceeds(JpegErrors& errors, const Work& work) {
-  if (setjmp(errors.returnPoint) != 0) {
-    return false;
-  }
+  if (setjmp(errors.returnPoint) != 0) return false;
   work();
   return true;
 }

@@ -31,9 +31,7 @@ std::size_t numberAt(std::span<const std::byte> bytes, std::size_t offset) {
 /// The MD5 of the bytes in capital hexadecimal digits; empty when memory is short.
 std::string digest(std::span<const std::byte> bytes) {
   const cmsHANDLE md5 = cmsMD5alloc(nullptr);
-  if (!md5) {
-    return {};
-  }
+  if (!md5) return {};
   cmsMD5add(md5, reinterpret_cast<const cmsUInt8Number*>(bytes.data()),
             static_cast<cmsUInt32Number>(bytes.size()));
   cmsProfileID id;
@@ -58,22 +56,16 @@ Data joinExtendedXmp(std::span<const Data> segments, std::string_view name) {
         std::memcmp(bytes.data() + jpegExtendedXmpSignature.size(), name.data(), nameSize) != 0) {
       continue;
     }
-    if (length.value_or(numberAt(bytes, headSize - 8)) != numberAt(bytes, headSize - 8)) {
-      return {};
-    }
+    if (length.value_or(numberAt(bytes, headSize - 8)) != numberAt(bytes, headSize - 8)) return {};
     length = numberAt(bytes, headSize - 8);
     portions[numberAt(bytes, headSize - 4)] = bytes.subspan(headSize);
   }
   std::size_t end = 0;
   for (const auto& [offset, portion] : portions) {
-    if (offset != end) {
-      return {};
-    }
+    if (offset != end) return {};
     end += portion.size();
   }
-  if (end != length) {
-    return {};
-  }
+  if (end != length) return {};
   std::vector<std::byte> packet;
   packet.reserve(end);
   for (const auto& [offset, portion] : portions) {
@@ -86,18 +78,14 @@ std::string extendedXmpHead(std::string_view name, std::size_t length, std::size
   std::string head(jpegExtendedXmpSignature);
   head += name;
   for (const std::size_t number : {length, offset}) {
-    for (const int shift : {24, 16, 8, 0}) {
-      head += static_cast<char>(number >> shift & 255);
-    }
+    for (const int shift : {24, 16, 8, 0}) head += static_cast<char>(number >> shift & 255);
   }
   return head;
 }
 
 std::optional<XmpParts> xmpForSegments(const Data& packet, const Data& extension) {
   const bool isNamed = extension.empty() || xmpExtensionName(packet).size() == nameSize;
-  if (isNamed && packet.size() <= longestPacket) {
-    return XmpParts{packet, extension};
-  }
+  if (isNamed && packet.size() <= longestPacket) return XmpParts{packet, extension};
   std::optional<XmpParts> parts({packet, extension});
   if (packet.size() > longestPacket - roomForName) {
     parts = splitXmp(extension.empty() ? packet : joinedXmp(packet, extension),
@@ -105,9 +93,7 @@ std::optional<XmpParts> xmpForSegments(const Data& packet, const Data& extension
   }
   const std::optional<Data> named =
       parts ? withXmpExtensionName(parts->packet, digest(parts->extension)) : std::nullopt;
-  if (!named) {
-    return std::nullopt;
-  }
+  if (!named) return std::nullopt;
   return XmpParts{*named, parts->extension};
 }
 

@@ -81,18 +81,12 @@ bool startsWith(Bytes bytes, std::string_view text) {
 }
 
 Data joined(std::span<const Data> pieces) {
-  if (pieces.size() == 1) {
-    return pieces.front();
-  }
+  if (pieces.size() == 1) return pieces.front();
   std::size_t size = 0;
-  for (const Data& piece : pieces) {
-    size += piece.size();
-  }
+  for (const Data& piece : pieces) size += piece.size();
   std::vector<std::byte> all;
   all.reserve(size);
-  for (const Data& piece : pieces) {
-    all.insert(all.end(), piece.begin(), piece.end());
-  }
+  for (const Data& piece : pieces) all.insert(all.end(), piece.begin(), piece.end());
   return Data(std::move(all));
 }
 
@@ -160,25 +154,17 @@ class HeaderReader {
   };
 
   CGImageSourceStatus walk() {
-    if (!startsWith(window_.at(0, 2), "\xFF\xD8")) {
-      return CGImageSourceStatus::unknownType;
-    }
+    if (!startsWith(window_.at(0, 2), "\xFF\xD8")) return CGImageSourceStatus::unknownType;
     offset_ = 2;
     for (int i = 0; i < maximumSegments; ++i) {
       Segment segment;
-      if (const auto status = next(segment); status != CGImageSourceStatus::complete) {
-        return status;
-      }
-      if (segment.marker == endOfImage) {
-        return CGImageSourceStatus::incomplete;
-      }
+      if (const auto status = next(segment); status != CGImageSourceStatus::complete) return status;
+      if (segment.marker == endOfImage) return CGImageSourceStatus::incomplete;
       if (segment.marker == startOfScan) {
         return header_.width > 0 ? CGImageSourceStatus::complete : CGImageSourceStatus::invalidData;
       }
       if (isStartOfFrame(segment.marker)) {
-        if (!readFrame(segment)) {
-          return CGImageSourceStatus::invalidData;
-        }
+        if (!readFrame(segment)) return CGImageSourceStatus::invalidData;
       } else {
         readApplicationSegment(segment);
       }
@@ -191,9 +177,7 @@ class HeaderReader {
     // Fill bytes may stand before a marker; some cameras leave others there too.
     for (int stray = 0; stray < maximumStrayBytes; ++stray) {
       const Bytes bytes = window_.at(offset_, 4);
-      if (bytes.size() < 2) {
-        return CGImageSourceStatus::incomplete;
-      }
+      if (bytes.size() < 2) return CGImageSourceStatus::incomplete;
       const std::size_t marker = byteAt(bytes, 1);
       if (byteAt(bytes, 0) != 0xFF || marker == 0 || marker == 0xFF ||
           isBare(static_cast<unsigned>(marker))) {
@@ -201,16 +185,10 @@ class HeaderReader {
         continue;
       }
       segment.marker = static_cast<unsigned>(marker);
-      if (segment.marker == endOfImage) {
-        return CGImageSourceStatus::complete;
-      }
-      if (bytes.size() < 4) {
-        return CGImageSourceStatus::incomplete;
-      }
+      if (segment.marker == endOfImage) return CGImageSourceStatus::complete;
+      if (bytes.size() < 4) return CGImageSourceStatus::incomplete;
       const std::size_t length = shortAt(bytes, 2);  // counts itself
-      if (length < 2 || segment.marker == startOfImage) {
-        return CGImageSourceStatus::invalidData;
-      }
+      if (length < 2 || segment.marker == startOfImage) return CGImageSourceStatus::invalidData;
       segment.offset = offset_ + 4;
       segment.size = length - 2;
       offset_ += 2 + length;
@@ -223,9 +201,7 @@ class HeaderReader {
   /// False for a second frame or an impossible one.
   bool readFrame(const Segment& segment) {
     const Bytes bytes = window_.at(segment.offset, segment.size);
-    if (header_.width > 0 || bytes.size() < 6) {
-      return false;
-    }
+    if (header_.width > 0 || bytes.size() < 6) return false;
     const std::size_t components = byteAt(bytes, 5);
     header_.bitsPerComponent = byteAt(bytes, 0);
     header_.height = shortAt(bytes, 1);
@@ -280,9 +256,7 @@ class HeaderReader {
         segment.marker >= application2 && segment.marker <= application5 &&
         (startsWith(bytes, "\xFF\xD8\xFF") || startsWith(bytes, {"QVGA\0\xFF\xD8\xFF", 8}) ||
          startsWith(bytes, "BGTH\xFF\xD8\xFF"));
-    if (isPicture || segment.marker != picture_) {
-      picture_ = isPicture ? segment.marker : 0;
-    }
+    if (isPicture || segment.marker != picture_) picture_ = isPicture ? segment.marker : 0;
     return picture_ == 0 &&
            std::none_of(std::begin(notKept), std::end(notKept), [&](const Kind& kind) {
              return kind.marker == segment.marker && startsWith(bytes, kind.signature);
@@ -300,9 +274,7 @@ class HeaderReader {
 
   /// JFIF 1.02: version, unit of density, densities, thumbnail.
   void readJfif(Bytes bytes) {
-    if (hasJfif_ || bytes.size() < 12 || !startsWith(bytes, {"JFIF\0", 5})) {
-      return;
-    }
+    if (hasJfif_ || bytes.size() < 12 || !startsWith(bytes, {"JFIF\0", 5})) return;
     hasJfif_ = true;
     const std::size_t minor = byteAt(bytes, 6);
     const std::size_t unit = byteAt(bytes, 7);
@@ -329,15 +301,11 @@ class HeaderReader {
     if (blocks.exif.empty()) {
       // The last byte of the signature is padding, and not always 0.
       blocks.exif = contents(segment, jpegExifSignature.substr(0, jpegExifSignature.size() - 1), 1);
-      if (!blocks.exif.empty()) {
-        return true;
-      }
+      if (!blocks.exif.empty()) return true;
     }
     if (blocks.xmp.empty()) {
       blocks.xmp = contents(segment, jpegXmpSignature);
-      if (!blocks.xmp.empty()) {
-        return true;
-      }
+      if (!blocks.xmp.empty()) return true;
     }
     if (!contents(segment, jpegExtendedXmpSignature).empty()) {
       extendedXmp_.push_back(window_.shared(segment.offset, segment.size));
@@ -377,9 +345,7 @@ class HeaderReader {
     std::vector<Data> pieces;
     for (ProfileChunk& chunk : profileChunks_) {
       pieces.push_back(std::move(chunk.bytes));
-      if (chunk.number != pieces.size() || chunk.count != profileChunks_.size()) {
-        return {};
-      }
+      if (chunk.number != pieces.size() || chunk.count != profileChunks_.size()) return {};
     }
     return joined(pieces);
   }

@@ -99,9 +99,7 @@ bool JpegReader::start() {
         std::min<std::uint64_t>(request_.limits.mostMemory, std::numeric_limits<long>::max()));
     const bool hasSeveralScans = jpeg_has_multiple_scans(&info_) != FALSE;
     jpeg_start_decompress(&info_);
-    if (hasSeveralScans && source_.ended) {
-      ERREXIT(&info_, JERR_INPUT_EOF);
-    }
+    if (hasSeveralScans && source_.ended) ERREXIT(&info_, JERR_INPUT_EOF);
   });
 }
 
@@ -128,9 +126,7 @@ bool JpegReader::readRows(std::byte* rows, std::size_t bytesPerRow, std::size_t 
       jpeg_read_scanlines(&info_, &row, 1);
       // The programs that write an Adobe segment store CMYK inverted.
       if (isCmyk() && info_.saw_Adobe_marker) {
-        for (std::size_t x = 0; x < 4 * width(); ++x) {
-          row[x] = static_cast<JSAMPLE>(~row[x]);
-        }
+        for (std::size_t x = 0; x < 4 * width(); ++x) row[x] = static_cast<JSAMPLE>(~row[x]);
       }
     }
   });

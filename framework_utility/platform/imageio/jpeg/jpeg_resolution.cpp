@@ -27,9 +27,7 @@ constexpr auto density = fieldOf<std::uint16_t>;
 
 std::optional<JpegResolution> stored(const Dictionary* jfif) {
   const Array* version = jfif ? jfif->get<Array>(kCGImagePropertyJFIFVersion) : nullptr;
-  if (!version || version->size() != 3) {
-    return std::nullopt;
-  }
+  if (!version || version->size() != 3) return std::nullopt;
   const auto part = [&](std::size_t index) {
     const Number* number = (*version)[index].as<Number>();
     return number ? number->doubleValue() : 0;
@@ -48,12 +46,8 @@ std::optional<JpegResolution> jpegResolution(const Dictionary& properties, bool 
   const Dictionary* jfif = properties.get<Dictionary>(kCGImagePropertyJFIFDictionary);
   std::optional<JpegResolution> result = stored(jfif);
   const bool isStored = result.has_value();
-  if (!isStored && !isNeeded) {
-    return std::nullopt;
-  }
-  if (!isStored) {
-    result.emplace();
-  }
+  if (!isStored && !isNeeded) return std::nullopt;
+  if (!isStored) result.emplace();
   const auto isSaid = [&](double dots, std::string_view tiffKey, std::uint16_t inFile) {
     return dots == tiffDotsPerInch(properties, tiffKey) || dots == (result->unit == 1   ? 1
                                                                     : result->unit == 2 ? 2.54

@@ -29,15 +29,11 @@ JpegWriter::JpegWriter(std::vector<std::byte>& out) : destination_(out) {
   destination_.empty_output_buffer = [](j_compress_ptr info) -> boolean {
     auto& destination = *static_cast<Destination*>(info->dest);
     destination.free_in_buffer = 0;  // libjpeg leaves it at its value of the last flush
-    if (!destination.flush()) {
-      ERREXIT1(info, JERR_OUT_OF_MEMORY, 0);
-    }
+    if (!destination.flush()) ERREXIT1(info, JERR_OUT_OF_MEMORY, 0);
     return TRUE;
   };
   destination_.term_destination = [](j_compress_ptr info) {
-    if (!static_cast<Destination*>(info->dest)->flush()) {
-      ERREXIT1(info, JERR_OUT_OF_MEMORY, 0);
-    }
+    if (!static_cast<Destination*>(info->dest)->flush()) ERREXIT1(info, JERR_OUT_OF_MEMORY, 0);
   };
 }
 
@@ -76,9 +72,7 @@ bool JpegWriter::writeSegment(int marker, std::string_view signature,
     for (const char character : signature) {
       jpeg_write_m_byte(&info_, static_cast<unsigned char>(character));
     }
-    for (const std::byte byte : contents) {
-      jpeg_write_m_byte(&info_, std::to_integer<int>(byte));
-    }
+    for (const std::byte byte : contents) jpeg_write_m_byte(&info_, std::to_integer<int>(byte));
   });
 }
 

@@ -93,8 +93,9 @@ std::optional<std::uint32_t> resolution(const EncodeRequest& request, const Dict
   if (!perInch) return stored;
   const double dots = perInch->doubleValue();
   const bool isTiffs = dots == tiffDotsPerInch(request.properties, side + "Resolution");
-  if (stored ? isTiffs || dots == pngDotsPerInch(*stored) : isTiffs && isOfPng(request))
+  if (stored ? isTiffs || dots == pngDotsPerInch(*stored) : isTiffs && isOfPng(request)) {
     return stored;
+  }
   return asResolution(dots / 0.0254);
 }
 
@@ -102,8 +103,9 @@ bool writeResolution(PngWriter& writer, const EncodeRequest& request, const Dict
   const auto x = resolution(request, png, "X", "DPIWidth");
   const auto y = resolution(request, png, "Y", "DPIHeight");
   if (x && y) return writer.writeChunk("pHYs", ChunkData().number(*x).number(*y).byte(1));
-  for (const FormatPart& part : partsOf(request))
+  for (const FormatPart& part : partsOf(request)) {
     if (part.kind == pngType("pHYs")) return writer.writeChunk("pHYs", part.contents);
+  }
   return true;
 }
 
@@ -141,8 +143,9 @@ bool writeColorSpace(PngWriter& writer, const Data& profile, bool isGray,
                      const EncodeRequest& request, const Dictionary& png) {
   const CGColorSpace plain =
       isGray ? CGColorSpace::createDeviceGray() : CGColorSpace::createDeviceRGB();
-  if (profile.empty() || profile == plain.iccData())
+  if (profile.empty() || profile == plain.iccData()) {
     return writeStandardColors(writer, request, png, isGray);
+  }
   const std::vector<std::byte> packed = deflated(profile);
   if (packed.empty()) return false;
   return writer.writeChunk("iCCP", ChunkData().text("ICC profile").byte(0).byte(0).append(packed));
@@ -237,8 +240,9 @@ bool encode(const CGImage& image, const EncodeRequest& request, std::vector<std:
             Error* error) {
   const std::optional<RGBARows> rows = RGBARows::of(image, AlphaForm::straight);
   if (!rows) return cannotEncode("PNG cannot hold the colours of this image", error);
-  if (image.width() > 0x7FFFFFFF || image.height() > 0x7FFFFFFF)
+  if (image.width() > 0x7FFFFFFF || image.height() > 0x7FFFFFFF) {
     return cannotEncode("a side of more than 2147483647 pixels does not fit into PNG", error);
+  }
   const std::optional<CGColorSpace>& space = image.colorSpace();
   const bool isGray = !space || space->model() == CGColorSpaceModel::monochrome;
   const bool isCmyk = space && space->model() == CGColorSpaceModel::cmyk;

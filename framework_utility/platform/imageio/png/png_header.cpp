@@ -247,10 +247,11 @@ class HeaderReader {
     tellInflation();
     if (!text) return;
     if (isProperty) {
-      if (text->isWithin(texts_))
+      if (text->isWithin(texts_)) {
         set(keyword, text->utf8());
-      else
+      } else {
         texts_.leaveOut(kCGImagePropertyPNGDictionary);
+      }
     } else if (isRaw) {
       const std::string_view digits(reinterpret_cast<const char*>(text->bytes.data()),
                                     text->bytes.size());
@@ -263,8 +264,9 @@ class HeaderReader {
   /// It stands in an iTXt chunk, which is UTF-8; some writers choose another.
   static Data asUtf8(const PngText& text) {
     const auto isAscii = [](std::byte byte) { return (byte & std::byte{0x80}) == std::byte{0}; };
-    if (!text.isLatin1 || std::all_of(text.bytes.begin(), text.bytes.end(), isAscii))
+    if (!text.isLatin1 || std::all_of(text.bytes.begin(), text.bytes.end(), isAscii)) {
       return text.bytes;
+    }
     const std::string utf8 = text.utf8();
     return Data(std::as_bytes(std::span(utf8)));
   }

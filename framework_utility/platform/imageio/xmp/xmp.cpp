@@ -119,8 +119,9 @@ std::string rewrittenItems(std::string_view packet, const std::vector<XmpItem>& 
     declaration = " xmlns:rdf=\"http://www.w3.org/1999/02/22-rdf-syntax-ns#\"";
   }
   std::string_view between;
-  if (items.size() > 1)
+  if (items.size() > 1) {
     between = packet.substr(first.element.end, items[1].element.begin - first.element.end);
+  }
   if (between.size() > enough || between.find_first_not_of(blanks) != between.npos) between = {};
   std::string out;
   for (const std::string& text : texts) {
@@ -137,25 +138,30 @@ void setTexts(TextEdits& edits, std::string_view packet, const XmpProperty& prop
               const std::vector<std::string>& texts) {
   if (texts == property.texts() && property.isEditable) return;
   const bool holdsOne = property.items.empty() || property.mapping->form == XmpForm::languages;
-  if (!property.isEditable || texts.empty() || (holdsOne && texts.size() != 1))
+  if (!property.isEditable || texts.empty() || (holdsOne && texts.size() != 1)) {
     return edits.replace(property.whole, {});
+  }
   if (property.items.empty()) return edits.replace(property.content, escaped(texts.front()));
-  if (property.mapping->form != XmpForm::languages)
+  if (property.mapping->form != XmpForm::languages) {
     return edits.replace({property.items.front().element.begin, property.items.back().element.end},
                          rewrittenItems(packet, property.items, texts));
+  }
   // Writers often repeat the default text under the language that it is in; translations stay.
   const XmpItem& old = *property.defaultItem();
-  for (const XmpItem& item : property.items)
-    if (&item == &old || (item.text == old.text && !property.isLeftOut))
+  for (const XmpItem& item : property.items) {
+    if (&item == &old || (item.text == old.text && !property.isLeftOut)) {
       edits.replace(item.content, escaped(texts.front()));
+    }
+  }
 }
 
 // The entry, null when it is missing. The orientation at the top level is the one that counts.
 const Value* findEntry(const Dictionary& properties, std::string_view dictionary,
                        std::string_view key) {
   if (key.empty()) return nullptr;
-  if (dictionary == "{TIFF}" && key == "Orientation")
+  if (dictionary == "{TIFF}" && key == "Orientation") {
     if (const Value* top = properties.find(key); top && top->as<Number>()) return top;
+  }
   const auto* entries = properties.get<Dictionary>(dictionary);
   return entries ? entries->find(key) : nullptr;
 }
@@ -179,8 +185,9 @@ std::vector<std::string> textsFor(const XmpMapping& mapping, const Dictionary& p
   if (!entry) return {};
   Dictionary entries;
   entries.set(mapping.key, *entry);
-  if (const Value* second = findEntry(properties, mapping.dictionary, mapping.secondKey))
+  if (const Value* second = findEntry(properties, mapping.dictionary, mapping.secondKey)) {
     entries.set(mapping.secondKey, *second);
+  }
   return xmpTexts(mapping, entries);
 }
 
@@ -212,10 +219,12 @@ Dictionary readXmp(std::span<const std::byte> packet, const Dictionary& properti
 }
 
 void addXmp(Dictionary&& entries, Dictionary& properties) {
-  for (const auto& [dictionary, values] : entries)
-    for (const auto& [key, value] : *values.as<Dictionary>())
+  for (const auto& [dictionary, values] : entries) {
+    for (const auto& [key, value] : *values.as<Dictionary>()) {
       properties.subdictionary(dictionary)
           .set(key, std::move(*entries.find(dictionary)->as<Dictionary>()->find(key)));
+    }
+  }
 }
 
 std::vector<std::byte> mergeXmp(std::span<const std::byte> packet, const Dictionary& before,
@@ -238,8 +247,9 @@ std::vector<std::byte> mergeXmp(std::span<const std::byte> packet, const Diction
           edits.replace(property.whole, {});
           break;
         default:
-          if (!haveSameEntries(mapping, before, after))
+          if (!haveSameEntries(mapping, before, after)) {
             setTexts(edits, text.text(), property, textsFor(mapping, after));
+          }
       }
     }
   }

@@ -23,8 +23,9 @@ std::optional<double> parseInteger(std::string_view text) {
 
 // As EXIF's numbers are read: an integer when it is one.
 Value valueOfNumber(double number) {
-  if (number == std::trunc(number) && std::abs(number) <= 0x1p53)
+  if (number == std::trunc(number) && std::abs(number) <= 0x1p53) {
     return Value(static_cast<std::int64_t>(number));
+  }
   return Value(number);
 }
 
@@ -109,8 +110,9 @@ std::vector<std::string> textsOfList(const Value& value, XmpForm form) {
     if (text && form == list) {
       texts.push_back(*text);
     } else if (number && form != list) {
-      if (std::optional<std::string> said = textOfNumber(*number, form))
+      if (std::optional<std::string> said = textOfNumber(*number, form)) {
         texts.push_back(*std::move(said));
+      }
     }
   };
   const Array* array = value.as<Array>();
@@ -137,16 +139,18 @@ std::optional<std::string> textOfEntries(XmpForm form, const Entries& entries) {
     case gpsDate: {
       // A time stamp that came from a location is a whole date, which wins.
       auto date = parseXmpDate(entries.text());
-      if (!date)
+      if (!date) {
         date = parseXmpDate(std::string(entries.secondText()).append(" ").append(entries.text()));
+      }
       if (!date) break;
       date->offset = std::chrono::minutes(0);
       text = xmpDate(*date);
       break;
     }
     case coordinate:
-      if (number && entries.secondText().size() == 1)
+      if (number && entries.secondText().size() == 1) {
         return xmpCoordinate({number->doubleValue(), entries.secondText().front()});
+      }
       break;
     case altitude:
       // XMP's rational has no sign here and the reference may be missing: left to EXIF.
@@ -213,8 +217,9 @@ Dictionary xmpEntries(const XmpMapping& mapping, std::vector<std::string> texts)
       }
       break;
     case dateTime:
-      if (const auto date = parseXmpDate(first); date && date->time)
+      if (const auto date = parseXmpDate(first); date && date->time) {
         entries.set(mapping.key, exifDay(*date) + ' ' + exifTime(*date));
+      }
       break;
     case iptcDate:
       if (const auto date = parseXmpDate(first)) {
@@ -254,8 +259,9 @@ std::vector<std::string> xmpTexts(const XmpMapping& mapping, const Dictionary& d
       return texts;
     }
     default:
-      if (std::optional<std::string> said = textOfEntries(mapping.form, entries))
+      if (std::optional<std::string> said = textOfEntries(mapping.form, entries)) {
         texts.push_back(*std::move(said));
+      }
       return texts;
   }
 }

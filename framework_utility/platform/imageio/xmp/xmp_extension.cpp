@@ -90,8 +90,9 @@ class Outline : XmlWalk {
 
   void enterRdf() {
     rdfDepth_ = depth_;
-    for (Declaration& declaration : declared_)
+    for (Declaration& declaration : declared_) {
       namespaces_.insert_or_assign(std::move(declaration.prefix), std::move(declaration.uri));
+    }
     declared_.clear();
   }
 
@@ -105,13 +106,14 @@ class Outline : XmlWalk {
     forEachAttribute([&](const XmlAttribute& attribute) {
       const std::string_view prefix =
           attribute.name.substr(0, std::min(attribute.name.find(':'), attribute.name.size()));
-      if (attribute.name == "xmlns")
+      if (attribute.name == "xmlns") {
         description.prefixes.emplace_back();
-      else if (prefix == "xmlns")
+      } else if (prefix == "xmlns") {
         description.prefixes.push_back(attribute.name.substr(prefix.size() + 1));
-      else if (isPlain && prefix != "xml" && prefix.size() < attribute.name.size() &&
-               !attribute.name.ends_with(":about"))
+      } else if (isPlain && prefix != "xml" && prefix.size() < attribute.name.size() &&
+                 !attribute.name.ends_with(":about")) {
         addProperty({.range = attribute.whole, .isAttribute = true});
+      }
     });
     std::sort(description.prefixes.begin(), description.prefixes.end());
   }
@@ -140,9 +142,11 @@ class Outline : XmlWalk {
 /// What is seen at one place and not, or as something else, at another.
 Namespaces missing(const Namespaces& here, const Namespaces& there) {
   Namespaces result;
-  for (const auto& [prefix, uri] : here)
-    if (const auto other = there.find(prefix); other == there.end() || other->second != uri)
+  for (const auto& [prefix, uri] : here) {
+    if (const auto other = there.find(prefix); other == there.end() || other->second != uri) {
       result.emplace_hint(result.end(), prefix, uri);
+    }
+  }
   return result;
 }
 
@@ -150,8 +154,9 @@ Namespaces missing(const Namespaces& here, const Namespaces& there) {
 std::string declarations(const Namespaces& missing, const Description& description) {
   std::string out;
   for (const auto& [prefix, uri] : missing) {
-    if (std::binary_search(description.prefixes.begin(), description.prefixes.end(), prefix))
+    if (std::binary_search(description.prefixes.begin(), description.prefixes.end(), prefix)) {
       continue;
+    }
     out.append(prefix.empty() ? " xmlns" : " xmlns:").append(prefix).append("=\"");
     appendXmlEscaped(out, uri);
     out += '"';
@@ -176,8 +181,9 @@ std::optional<XmpProperty> extensionNameIn(std::string_view packet) {
   MetadataBudget budget;
   std::optional<std::vector<XmpProperty>> properties = parseXmpPacket(packet, budget);
   if (!properties) return std::nullopt;
-  for (XmpProperty& property : *properties)
+  for (XmpProperty& property : *properties) {
     if (property.mapping->form == XmpForm::extensionName) return std::move(property);
+  }
   return std::nullopt;
 }
 
@@ -190,8 +196,9 @@ std::string xmpExtensionName(const Data& packet) {
 
 std::optional<Data> withXmpExtensionName(const Data& packet, std::string_view name) {
   std::string text(textOf(packet));
-  if (const std::optional<XmpProperty> old = extensionNameIn(text))
+  if (const std::optional<XmpProperty> old = extensionNameIn(text)) {
     text.erase(old->whole.begin, old->whole.size());
+  }
   if (!name.empty()) {
     const std::unique_ptr<const Outline> outline = Outline::of(text);
     if (!outline) return std::nullopt;
@@ -227,8 +234,9 @@ std::optional<XmpParts> splitXmp(const Data& packet, std::size_t limit) {
   if (!outline) return std::nullopt;
 
   std::vector<TextRange> longest;
-  for (const Description& description : outline->descriptions())
+  for (const Description& description : outline->descriptions()) {
     for (const Property& property : description.properties) longest.push_back(property.range);
+  }
   std::stable_sort(longest.begin(), longest.end(),
                    [](const TextRange& a, const TextRange& b) { return a.size() > b.size(); });
   std::size_t rest = text.size();
@@ -252,11 +260,12 @@ std::optional<XmpParts> splitXmp(const Data& packet, std::size_t limit) {
       const bool goes = moved != longest.end() && moved->begin == property.range.begin;
       if (goes) ++moved;
       isMoved |= goes;
-      if (property.isAttribute && !goes)
+      if (property.isAttribute && !goes) {
         staying.push_back({property.range.begin - description.tag.begin,
                            property.range.end - description.tag.begin});
-      else if (!property.isAttribute && goes)
+      } else if (!property.isAttribute && goes) {
         elements += property.range.in(text);
+      }
     }
     if (!isMoved) continue;
     std::string tag = without(description.tag.in(text), staying);

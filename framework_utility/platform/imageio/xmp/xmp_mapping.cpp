@@ -190,17 +190,20 @@ const XmpMapping* findXmpMapping(std::string_view name) {
   if (bar == std::string_view::npos) return nullptr;
   for (const Namespace& space : namespaces) {
     if (space.uri != name.substr(0, bar)) continue;
-    for (const XmpMapping& mapping : space.properties)
+    for (const XmpMapping& mapping : space.properties) {
       if (mapping.name == name.substr(bar + 1)) return &mapping;
+    }
   }
   return nullptr;
 }
 
 bool mentionsMappedNamespace(std::string_view packet, XmpUse use) {
   constexpr std::string_view scheme = "http://";
-  for (std::size_t at = 0; (at = packet.find(scheme, at)) != packet.npos; at += scheme.size())
-    for (const Namespace& space : namespaces)
+  for (std::size_t at = 0; (at = packet.find(scheme, at)) != packet.npos; at += scheme.size()) {
+    for (const Namespace& space : namespaces) {
       if (isUsedFor(space, use) && packet.substr(at, space.uri.size()) == space.uri) return true;
+    }
+  }
   return false;
 }
 

@@ -63,9 +63,10 @@ class PacketParser : XmlWalk {
         XmpItem& item = property_.items.emplace_back();
         item.element.begin = tag().begin;
         item.content.begin = tag().end;
-        for (; *attributes; attributes += 2)
+        for (; *attributes; attributes += 2) {
           item.isDefaultLanguage |=
               attributes[0] == xmlLanguage && std::string_view(attributes[1]) == "x-default";
+        }
         return Node::item;
       }
       case Node::item:

@@ -27,8 +27,9 @@ std::optional<double> parseDecimal(std::string_view text) {
   double number = 0;
   const char* const end = text.data() + text.size();
   const auto [stop, error] = std::from_chars(text.data(), end, number);
-  if (text.empty() || error != std::errc{} || stop != end || !std::isfinite(number))
+  if (text.empty() || error != std::errc{} || stop != end || !std::isfinite(number)) {
     return std::nullopt;
+  }
   return number;
 }
 
@@ -162,8 +163,9 @@ std::optional<XmpDate> parseXmpDate(std::string_view text) {
   if (!day) return std::nullopt;
   XmpDate date{.day = std::chrono::year(*year) / *month / *day};
   if (!date.day.ok()) return std::nullopt;
-  if (scanner.take("T ") != 0 && !(scanTime(scanner, date) && scanOffset(scanner, date)))
+  if (scanner.take("T ") != 0 && !(scanTime(scanner, date) && scanOffset(scanner, date))) {
     return std::nullopt;
+  }
   return scanner.isAtEnd() ? std::optional(date) : std::nullopt;
 }
 

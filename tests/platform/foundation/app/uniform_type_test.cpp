@@ -69,11 +69,13 @@ TEST(UTTypeTest, UndeclaredExtensionsGiveDynamicTypesThatGoToTheirNameAndBack) {
 }
 
 TEST(UTTypeTest, RefusesWhatIsNoExtensionAndNoIdentifier) {
-  for (const char* extension : {"", "a b", "a/b", "jpg ", "\u202Egpj"})
+  for (const char* extension : {"", "a b", "a/b", "jpg ", "\u202Egpj"}) {
     EXPECT_EQ(typeFor(extension), "none") << extension;
+  }
   for (const char* identifier : {"", "public.hic", "PUBLIC.JPEG", "dyn.a", "dyn.ah62d4rv4ge81g6x",
-                                 "dyn.ah62d4rv4ge81g6xya", "dyn.ALOUD", "dyn.age80q55t "})
+                                 "dyn.ah62d4rv4ge81g6xya", "dyn.ALOUD", "dyn.age80q55t "}) {
     EXPECT_FALSE(UTType::typeWithIdentifier(identifier)) << identifier;
+  }
 }
 
 TEST(UTTypeTest, ConformanceReachesUpThroughEveryParent) {
@@ -85,8 +87,9 @@ TEST(UTTypeTest, ConformanceReachesUpThroughEveryParent) {
         {UTTypeImage, UTTypeJPEG, false},
         {UTType("com.apple.m4a-audio"), UTType("public.movie"), true},
         {UTType("com.apple.application-bundle"), UTType("public.executable"), true},
-        {UTType("com.apple.framework"), UTTypePackage, false}})
+        {UTType("com.apple.framework"), UTTypePackage, false}}) {
     EXPECT_EQ(type.conformsToType(other), conforms) << type << ' ' << other;
+  }
 }
 
 TEST(UTTypeTest, APlaceMovedFromKeepsItsName) {
@@ -104,8 +107,9 @@ TEST(UTTypeTest, AppendsThePreferredExtensionUnlessTheNameHasOneOfTheType) {
                                              {"puppy", UTTypeImage, "puppy"},
                                              {"v1.2 final", UTTypePNG, "v1.2 final.png"},
                                              {"track.GPX", dynamic, "track.GPX"},
-                                             {"track.srt", dynamic, "track.srt.gpx"}})
+                                             {"track.srt", dynamic, "track.srt.gpx"}}) {
     EXPECT_EQ(appendingPathExtensionForType(name, type), expected) << name;
+  }
 }
 
 }  // namespace

@@ -78,8 +78,9 @@ TEST_F(UserDefaultsTest, SettingsOutliveTheProcess) {
     defaults()->setObject(1, "removed");
     defaults()->removeObjectForKey("removed");
   })));
-  for (const auto& [key, value] : values)
+  for (const auto& [key, value] : values) {
     EXPECT_EQ(defaults()->objectForKey(*key.text()), value) << *key.text();
+  }
   EXPECT_FALSE(defaults()->objectForKey("removed"));
   EXPECT_EQ(stored(), values);
   EXPECT_EQ(std::filesystem::status(suiteFolder()).permissions(),
@@ -92,8 +93,9 @@ TEST_F(UserDefaultsTest, SuitesAreSeparateAndNamedByFileNames) {
   EXPECT_EQ(defaults(), UserDefaults::withSuiteName(suite));
   EXPECT_TRUE(UserDefaults::withSuiteName(std::string(255, 'x')));
   using namespace std::string_view_literals;
-  for (const std::string_view name : {""sv, "."sv, ".."sv, "a/b"sv, "../x"sv, "a\0b"sv})
+  for (const std::string_view name : {""sv, "."sv, ".."sv, "a/b"sv, "../x"sv, "a\0b"sv}) {
     EXPECT_FALSE(UserDefaults::withSuiteName(name)) << name;
+  }
   EXPECT_FALSE(UserDefaults::withSuiteName(std::string(256, 'x')));
 }
 
@@ -179,9 +181,11 @@ TEST_F(UserDefaultsTest, ADamagedFileCountsAsEmptyAndIsKeptAside) {
     EXPECT_EQ(stored(), (Dictionary{{"key", 1}}));
   }
   std::vector<std::string> kept;
-  for (const auto& entry : std::filesystem::directory_iterator(suiteFolder()))
-    if (entry.path().filename().string().starts_with("defaults-damaged-"))
+  for (const auto& entry : std::filesystem::directory_iterator(suiteFolder())) {
+    if (entry.path().filename().string().starts_with("defaults-damaged-")) {
       kept.push_back(*testing::contentsOf(FileManager::defaultManager(), entry.path().string()));
+    }
+  }
   EXPECT_THAT(kept, ::testing::UnorderedElementsAreArray(aside));
 }
 
@@ -220,17 +224,20 @@ TEST_F(UserDefaultsTest, OtherProcessesWritesAreSeenAtOnce) {
 TEST_F(UserDefaultsTest, ProcessesAndThreadsLoseNothing) {
   constexpr int processes = 4, threads = 2, settings = 25;
   std::vector<pid_t> children;
-  for (int process = 0; process < processes; ++process)
+  for (int process = 0; process < processes; ++process) {
     children.push_back(inChild([&] {
       std::vector<std::thread> running;
-      for (int thread = 0; thread < threads; ++thread)
+      for (int thread = 0; thread < threads; ++thread) {
         running.emplace_back([&, thread] {
-          for (int i = 0; i < settings; ++i)
+          for (int i = 0; i < settings; ++i) {
             defaults()->setObject(i, std::to_string(process) + "." + std::to_string(thread) + "." +
                                          std::to_string(i));
+          }
         });
+      }
       for (std::thread& thread : running) thread.join();
     }));
+  }
   for (const pid_t child : children) EXPECT_TRUE(succeeded(child));
   ASSERT_TRUE(stored());
   EXPECT_EQ(stored()->size(), static_cast<std::size_t>(processes * threads * settings));
@@ -263,8 +270,9 @@ TEST_F(UserDefaultsTest, AKillLeavesTheOldSettingsOrTheNew) {
   for (int kill = 0; kill < kills; ++kill) {
     if (progress->ended[0] + progress->ended[1] == 0) longest += longest / 4;
     pid_t children[writers];
-    for (int writer = 0; writer < writers; ++writer)
+    for (int writer = 0; writer < writers; ++writer) {
       children[writer] = inChild([&] { write(writer); });
+    }
     usleep(500 + randomUnsignedInteger() % longest);
     for (const pid_t child : children) ::kill(child, SIGKILL);
     for (const pid_t child : children) waitpid(child, nullptr, 0);

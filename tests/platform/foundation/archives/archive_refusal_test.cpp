@@ -110,9 +110,10 @@ TEST(ArchiveRefusalTest, WhatIsNoArchiveIsRefused) {
 /// Levels of lists, each with two references to the next.
 Data doubling(std::uint64_t levels) {
   Array objects;
-  for (std::uint64_t level = 1; level <= levels; ++level)
+  for (std::uint64_t level = 1; level <= levels; ++level) {
     objects.push_back(Dictionary{{"NS.objects", references({level + 1, level + 1})},
                                  {"$class", reference(levels + 2)}});
+  }
   objects.push_back(1);
   objects.push_back(classRecord("NSArray"));
   return archiveOf(std::move(objects));
@@ -214,9 +215,10 @@ TEST(ArchiveRefusalTest, HostileTablesAreRefusedSoon) {
   EXPECT_EQ(reasonFor(deep.bytes()), "incomprehensible archive");
 
   Array objects;  // lists, each in the one before
-  for (std::uint64_t i = 1; i <= 20'000; ++i)
+  for (std::uint64_t i = 1; i <= 20'000; ++i) {
     objects.push_back(
         Dictionary{{"NS.objects", references({i + 1})}, {"$class", reference(20'001)}});
+  }
   objects.push_back(classRecord("NSArray"));
   const Data data = archiveOf(std::move(objects));
   NSKeyedUnarchiver coder(data, {.depth = 1'000'000});

@@ -27,8 +27,9 @@ using namespace testing;
 
 /// A list's values with its references as texts, "#2", so that lists can be compared.
 Value withReferences(const Value& value) {
-  if (const auto number = PropertyListUID::numberIn(value))
+  if (const auto number = PropertyListUID::numberIn(value)) {
     return Value("#" + std::to_string(*number));
+  }
   if (const auto* array = value.as<Array>()) {
     Array all;
     for (const Value& element : *array) all.push_back(withReferences(element));
@@ -202,10 +203,11 @@ TEST(KeyedArchiveTest, ReadsWhatOtherWritersWrite) {
     }
   }
   for (const char* name : {"Other.Stroke", "_TtC5Other6Stroke", "_TtC6Sketch7Stroke", "_TtC6Sketch",
-                           "_TtC9999999999999999999999Sketch", "Sketch."})
+                           "_TtC9999999999999999999999Sketch", "Sketch."}) {
     EXPECT_FALSE(unarchived(
         archiveOf({Dictionary{{"width", 2.0F}, {"$class", reference(2)}}, classRecord(name)})))
         << name;
+  }
 }
 
 TEST(KeyedArchiveTest, NumbersAreReadAsWhatTheyAre) {
@@ -349,8 +351,9 @@ TEST(KeyedArchiveTest, ARootThatCannotBeMadeIsMissing) {
 // ---- an independent reader
 
 TEST(KeyedArchiveTest, PythonReadsWhatIsWrittenAndWritesWhatIsRead) {
-  if (std::system("python3 -c 'import plistlib' 2>/dev/null") != 0)
+  if (std::system("python3 -c 'import plistlib' 2>/dev/null") != 0) {
     GTEST_SKIP() << "the package python3 is not installed";
+  }
   const TemporaryFolder folder;
   const Data written = *archived(list({boxed(Stroke{0.1F, -3}), "Grüße", Data()}));
   std::ofstream(folder.path("ours"), std::ios::binary)

@@ -49,8 +49,9 @@ TEST(ValueTransformerTest, ArchivesAreTransformedSecurely) {
 
   EXPECT_FALSE(transformer->transformedValue(std::nullopt));
   EXPECT_FALSE(transformer->reverseTransformedValue(std::nullopt));
-  for (const Value& other : {Value(), Value("text"), Value(Data())})
+  for (const Value& other : {Value(), Value("text"), Value(Data())}) {
     EXPECT_FALSE(transformer->transformedValue(other)) << other;
+  }
   EXPECT_FALSE(transformer->reverseTransformedValue(Value(Error("Domain", 1))));
 }
 

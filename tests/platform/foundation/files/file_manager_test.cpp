@@ -37,9 +37,10 @@ class FileManagerTest : public ::testing::TestWithParam<Form> {
     } else {
       root = folder_.path();
     }
-    if (GetParam() == Form::failing)
+    if (GetParam() == Form::failing) {
       own_ = makeFailingFileManager(FileManager::defaultManager(),
                                     [](auto, auto) { return std::nullopt; });
+    }
   }
 
   std::string at(std::string_view name) const { return root + "/" + std::string(name); }

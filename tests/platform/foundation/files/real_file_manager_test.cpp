@@ -181,8 +181,9 @@ TEST_F(RealFileManagerTest, RefusalsForWantOfPermissionAreReportedAndLeaveNothin
     for (const char* part : {"/1", "/2", "/3"}) {
       if (!files.createDirectoryAtPath(tree + part, IntermediateDirectories::create, nullptr) ||
           !files.writeAtomically(bytesOf("x"), tree + part + "/f", nullptr) ||
-          chmod((tree + part).c_str(), 0500) != 0)
+          chmod((tree + part).c_str(), 0500) != 0) {
         return false;
+      }
     }
     chmod((tree + "/2/f").c_str(), 0000);
     const bool copied = files.copyItemAtPath(tree, "open/copy", nullptr);
@@ -278,8 +279,9 @@ void refuse(int call, unsigned argument, unsigned mask, unsigned value, int numb
   };
   const sock_fprog filter{std::size(program), program};
   if (prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0) != 0 ||
-      prctl(PR_SET_SECCOMP, SECCOMP_MODE_FILTER, &filter) != 0)
+      prctl(PR_SET_SECCOMP, SECCOMP_MODE_FILTER, &filter) != 0) {
     _exit(3);
+  }
 }
 
 TEST_F(RealFileManagerTest, AFolderThatCannotBeFlushedIsAFailure) {
@@ -308,9 +310,10 @@ TEST_F(RealFileManagerTest, AFolderThatCannotBeFlushedIsAFailure) {
 }
 
 TEST_F(RealFileManagerTest, AFolderIsCopiedWithoutFlushingWhatIsNotItsOwn) {
-  for (int i = 0; i < 70; ++i)
+  for (int i = 0; i < 70; ++i) {
     ASSERT_TRUE(files.createDirectoryAtPath(at("tree/") + std::to_string(i) + "/inner",
                                             IntermediateDirectories::create, nullptr));
+  }
   EXPECT_TRUE(runInChild([&] {
     refuse(SYS_syncfs, 0, 0, 0, EIO);
     return files.copyItemAtPath("tree", "copy", nullptr);
@@ -361,9 +364,7 @@ TEST_F(RealFileManagerTest, AnInterruptedProcessLeavesTheOldFileOrTheNewOne) {
     ASSERT_LE(left.size(), signal == SIGKILL ? 2u : 1u) << "round " << round;
     for (const std::string& name : left) {
       EXPECT_TRUE(name == "f" || contentsOf(files, at(name)) == fresh);
-      if (name != "f") {
-        ASSERT_TRUE(files.removeItemAtPath(at(name), nullptr));
-      }
+      if (name != "f") ASSERT_TRUE(files.removeItemAtPath(at(name), nullptr));
     }
   }
   RecordProperty("replaced", replaced);
@@ -393,8 +394,9 @@ TEST_F(RealFileManagerTest, ProcessesThatSaveAtOnceEachSaveWhole) {
     const pid_t child = fork();
     if (child == 0) {
       const std::string text(100'000, letter);
-      for (int i = 0; i < 50; ++i)
+      for (int i = 0; i < 50; ++i) {
         if (!files.writeAtomically(bytesOf(text), file, nullptr)) _exit(1);
+      }
       _exit(0);
     }
     children.push_back(child);

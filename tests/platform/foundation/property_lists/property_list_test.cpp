@@ -242,8 +242,9 @@ TEST(PropertyListTest, DamageIsRefused) {
 }
 
 TEST(PropertyListTest, PythonReadsWhatIsWrittenAndWritesWhatIsRead) {
-  if (std::system("python3 -c 'import plistlib' 2>/dev/null") != 0)
+  if (std::system("python3 -c 'import plistlib' 2>/dev/null") != 0) {
     GTEST_SKIP() << "the package python3 is not installed";
+  }
   const testing::TemporaryFolder folder;
   Dictionary value = sample;
   value.set("uid", Value(std::make_shared<PropertyListUID>(300)));

@@ -121,8 +121,9 @@ TEST(PropertyListXMLTest, ADocumentTypeDeclaresNothing) {
       "<!DOCTYPE plist SYSTEM \"file:///etc/hostname\" [ ]>",
       "<!DOCTYPE plist [<!ENTITY % a SYSTEM \"file:///etc/hostname\"> %a;]>",
   };
-  for (const char* type : types)
+  for (const char* type : types) {
     EXPECT_FALSE(readBytes(std::string(type) + "<plist><true/></plist>")) << type;
+  }
   EXPECT_TRUE(readBytes("<!DOCTYPE plist SYSTEM \"file:///none.dtd\"><plist><true/></plist>"));
 }
 

@@ -56,8 +56,9 @@ TEST(NumberTest, NothingIsRoundedBeforeTheComparison) {
       EXPECT_EQ(a == b, &a == &b) << a << ' ' << b;
       EXPECT_EQ(a <= b, &a <= &b) << a << ' ' << b;
     }
-    for (const auto& [a, c] : {std::pair{b, Number(nan)}, {nan, b}, {nan, nan}})
+    for (const auto& [a, c] : {std::pair{b, Number(nan)}, {nan, b}, {nan, nan}}) {
       EXPECT_EQ(a <=> c, std::partial_ordering::unordered) << a << ' ' << c;
+    }
   }
   EXPECT_FALSE(Number(nan) == Number(nan));
 }

@@ -42,8 +42,9 @@ TEST(PathTest, NamesAndExtensions) {
 
 TEST(PathTest, OneSlashBetweenComponents) {
   for (const auto& [path, component] :
-       {std::pair{"/a", "b"}, {"/a/", "b"}, {"/a", "/b"}, {"/a//", "//b"}})
+       {std::pair{"/a", "b"}, {"/a/", "b"}, {"/a", "/b"}, {"/a//", "//b"}}) {
     EXPECT_EQ(appendingPathComponent(path, component), "/a/b") << path << ' ' << component;
+  }
   EXPECT_EQ(appendingPathComponent("/", "b"), "/b");
   EXPECT_EQ(appendingPathComponent("", "b"), "b");
   EXPECT_EQ(appendingPathComponent("a", ""), "a");
@@ -59,8 +60,9 @@ TEST(PathTest, OnlyValidExtensionsAreAppended) {
     EXPECT_FALSE(isValidPathExtension(invalid)) << invalid;
     EXPECT_EQ(appendingPathExtension("/p/", invalid), "/p/") << invalid;
   }
-  for (const char* valid : {"jpg", "e.f", "é", "\u200D", "\u2029", "\u2070", "\u2065"})
+  for (const char* valid : {"jpg", "e.f", "é", "\u200D", "\u2029", "\u2070", "\u2065"}) {
     EXPECT_TRUE(isValidPathExtension(valid)) << valid;
+  }
 }
 
 }  // namespace

@@ -85,8 +85,9 @@ TEST(URLTest, OtherAddresses) {
             "https://host/a%20b?q");
   EXPECT_EQ(URL::withString("mailto:a@b.c")->appendingPathComponent("d").absoluteString(),
             "mailto:a@b.c");
-  for (const char* text : {"", "a b", "100%.jpg", "%2", "%GG", "a\x01", "ü", "a#b#c", "<a>"})
+  for (const char* text : {"", "a b", "100%.jpg", "%2", "%GG", "a\x01", "ü", "a#b#c", "<a>"}) {
     EXPECT_FALSE(URL::withString(text)) << text;
+  }
 }
 
 /// The examples of RFC 3986, section 5.4.
@@ -128,8 +129,9 @@ TEST(URLTest, OneAddressNamesAnother) {
       {"g?y/../x", "http://a/b/c/g?y/../x"},
       {"g#s/../x", "http://a/b/c/g#s/../x"},
   };
-  for (const auto& [text, expected] : cases)
+  for (const auto& [text, expected] : cases) {
     EXPECT_EQ(URL::withString(text, base)->absoluteString(), expected) << text;
+  }
   EXPECT_EQ(URL::withString("g", *URL::withString("http://a?q"))->absoluteString(), "http://a/g");
   EXPECT_EQ(URL::withString("../g", *URL::withString("a/b/c"))->absoluteString(), "a/g");
   EXPECT_EQ(URL::withString("..", *URL::withString("a"))->absoluteString(), "./");

@@ -18,8 +18,9 @@ class Thing : public NSObject {
 
 std::vector<std::string> keysOf(const Dictionary& dictionary) {
   std::vector<std::string> keys;
-  for (const auto& [key, value] : dictionary)
+  for (const auto& [key, value] : dictionary) {
     keys.push_back(key.text() ? std::string(*key.text()) : key.number()->description());
+  }
   return keys;
 }
 
