@@ -1,6 +1,6 @@
 // A PNG file from its signature to its pixels, and what was read of it written and read again.
 
-#include <framework_utility/platform/imageio/png/png_codec.h>
+#include <framework_utility/platform/imageio/formats/png/png_codec.h>
 
 #include <cstddef>
 #include <cstdint>

@@ -1,6 +1,6 @@
-#include <framework_utility/platform/imageio/metadata_codec.h>
-#include <framework_utility/platform/imageio/xmp/xmp_extension.h>
-#include <framework_utility/platform/imageio/xmp/xmp_packet.h>
+#include <framework_utility/platform/imageio/metadata/metadata_codec.h>
+#include <framework_utility/platform/imageio/metadata/xmp/xmp_extension.h>
+#include <framework_utility/platform/imageio/metadata/xmp/xmp_packet.h>
 
 #include <cstddef>
 #include <cstdint>

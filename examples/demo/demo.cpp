@@ -9,8 +9,8 @@
 #include <framework_utility/imageio/session_manager.h>
 #include <framework_utility/platform/foundation/files/files.h>
 #include <framework_utility/platform/foundation/values/path.h>
-#include <framework_utility/platform/imageio/metadata_blocks.h>
-#include <framework_utility/platform/imageio/property_keys.h>
+#include <framework_utility/platform/imageio/metadata/metadata_blocks.h>
+#include <framework_utility/platform/imageio/metadata/property_keys.h>
 
 #include <algorithm>
 #include <chrono>

@@ -4,7 +4,7 @@
 #include <framework_utility/platform/foundation/app/user_defaults.h>
 #include <framework_utility/platform/foundation/files/files.h>
 #include <framework_utility/platform/foundation/values/random.h>
-#include <framework_utility/platform/imageio/codec_module.h>
+#include <framework_utility/platform/imageio/formats/codec_module.h>
 #include <framework_utility/platform/imageio/image_destination.h>
 
 #include <memory>

@@ -1,6 +1,6 @@
 #include <framework_utility/imageio/image_metadata.h>
 
-#include <framework_utility/platform/imageio/property_keys.h>
+#include <framework_utility/platform/imageio/metadata/property_keys.h>
 #include <framework_utility/platform/locale/locale.h>
 #include <framework_utility/platform/locale/time_zone.h>
 

@@ -43,7 +43,9 @@ TEST_F(ThumbnailTest, TheLargerSideBoundsBothAndNothingIsEnlarged) {
     SCOPED_TRACE(::testing::Message() << c.asked.width << 'x' << c.asked.height);
     const std::optional<UIImage> thumbnail = thumbnailForImageAtURL(url, c.asked);
     ASSERT_EQ(thumbnail.has_value(), c.given.has_value());
-    if (thumbnail) EXPECT_EQ(thumbnail->size(), *c.given);
+    if (thumbnail) {
+      EXPECT_EQ(thumbnail->size(), *c.given);
+    }
   }
 }
 

@@ -1,6 +1,6 @@
 #include <framework_utility/color/images/color_analysis.h>
 #include <framework_utility/platform/imageio/image_source.h>
-#include <framework_utility/platform/imageio/property_keys.h>
+#include <framework_utility/platform/imageio/metadata/property_keys.h>
 #include <tests/imageio/pictures.h>
 #include <tests/support/run_program.h>
 #include <tests/support/temporary_folder.h>

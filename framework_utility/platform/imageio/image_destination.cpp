@@ -1,9 +1,9 @@
 #include <framework_utility/platform/imageio/image_destination.h>
 
 #include <framework_utility/platform/foundation/files/files.h>
-#include <framework_utility/platform/imageio/image_codec.h>
-#include <framework_utility/platform/imageio/metadata_codec.h>
-#include <framework_utility/platform/imageio/property_keys.h>
+#include <framework_utility/platform/imageio/formats/image_codec.h>
+#include <framework_utility/platform/imageio/metadata/metadata_codec.h>
+#include <framework_utility/platform/imageio/metadata/property_keys.h>
 
 #include <algorithm>
 #include <string>

@@ -1,16 +1,16 @@
 #include <framework_utility/platform/imageio/image_source.h>
 
+#include <framework_utility/platform/foundation/files/byte_source.h>
 #include <framework_utility/platform/foundation/files/files.h>
 #include <framework_utility/platform/graphics/image_transform.h>
-#include <framework_utility/platform/imageio/byte_source.h>
-#include <framework_utility/platform/imageio/decode_request.h>
-#include <framework_utility/platform/imageio/exif/embedded_thumbnail.h>
-#include <framework_utility/platform/imageio/foreign_format.h>
-#include <framework_utility/platform/imageio/image_codec.h>
+#include <framework_utility/platform/imageio/formats/decode_request.h>
+#include <framework_utility/platform/imageio/formats/foreign_format.h>
+#include <framework_utility/platform/imageio/formats/image_codec.h>
+#include <framework_utility/platform/imageio/formats/profile_description.h>
 #include <framework_utility/platform/imageio/image_source_error.h>
-#include <framework_utility/platform/imageio/metadata_codec.h>
-#include <framework_utility/platform/imageio/profile_description.h>
-#include <framework_utility/platform/imageio/property_keys.h>
+#include <framework_utility/platform/imageio/metadata/exif/embedded_thumbnail.h>
+#include <framework_utility/platform/imageio/metadata/metadata_codec.h>
+#include <framework_utility/platform/imageio/metadata/property_keys.h>
 
 #include <algorithm>
 #include <atomic>

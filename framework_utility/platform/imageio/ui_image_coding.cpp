@@ -4,10 +4,10 @@
 
 #include <framework_utility/platform/foundation/app/uniform_type.h>
 #include <framework_utility/platform/graphics/ui_image.h>
-#include <framework_utility/platform/imageio/image_codec.h>
+#include <framework_utility/platform/imageio/formats/image_codec.h>
 #include <framework_utility/platform/imageio/image_destination.h>
 #include <framework_utility/platform/imageio/image_source.h>
-#include <framework_utility/platform/imageio/property_keys.h>
+#include <framework_utility/platform/imageio/metadata/property_keys.h>
 
 #include <algorithm>
 #include <array>

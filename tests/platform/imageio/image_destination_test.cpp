@@ -2,8 +2,8 @@
 #include <framework_utility/platform/graphics/ui_image.h>
 #include <framework_utility/platform/imageio/image_destination.h>
 #include <framework_utility/platform/imageio/image_source.h>
-#include <framework_utility/platform/imageio/property_keys.h>
-#include <tests/platform/imageio/jpeg_file.h>
+#include <framework_utility/platform/imageio/metadata/property_keys.h>
+#include <tests/platform/imageio/formats/jpeg_file.h>
 #include <tests/support/temporary_folder.h>
 
 #include <gtest/gtest.h>

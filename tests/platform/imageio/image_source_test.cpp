@@ -2,10 +2,10 @@
 #include <framework_utility/platform/graphics/ui_image.h>
 #include <framework_utility/platform/imageio/image_source.h>
 #include <framework_utility/platform/imageio/image_source_error.h>
-#include <framework_utility/platform/imageio/metadata_blocks.h>
-#include <framework_utility/platform/imageio/property_keys.h>
-#include <tests/platform/imageio/jpeg_file.h>
-#include <tests/platform/imageio/png_file.h>
+#include <framework_utility/platform/imageio/metadata/metadata_blocks.h>
+#include <framework_utility/platform/imageio/metadata/property_keys.h>
+#include <tests/platform/imageio/formats/jpeg_file.h>
+#include <tests/platform/imageio/formats/png_file.h>
 #include <tests/support/is_error.h>
 #include <tests/support/temporary_folder.h>
 

@@ -1,7 +1,7 @@
 #include <framework_utility/platform/graphics/ui_image.h>
 #include <framework_utility/platform/imageio/image_source.h>
-#include <framework_utility/platform/imageio/metadata_blocks.h>
-#include <tests/platform/imageio/jpeg_file.h>
+#include <framework_utility/platform/imageio/metadata/metadata_blocks.h>
+#include <tests/platform/imageio/formats/jpeg_file.h>
 
 #include <gtest/gtest.h>
 
@@ -69,7 +69,9 @@ TEST(Thumbnail, BoundsTheLargerSideAndNeverEnlarges) {
       if (image) {
         EXPECT_EQ(image->width(), lies ? height : width);
         EXPECT_EQ(image->height(), lies ? width : height);
-        if (width >= 10) EXPECT_EQ(cornersOf(*image), "rgbw");
+        if (width >= 10) {
+          EXPECT_EQ(cornersOf(*image), "rgbw");
+        }
       }
     }
   }

@@ -3,7 +3,7 @@
 #include <framework_utility/platform/foundation/app/uniform_type.h>
 #include <framework_utility/platform/foundation/values/value.h>
 #include <framework_utility/platform/graphics/cg_image.h>
-#include <framework_utility/platform/imageio/metadata_blocks.h>
+#include <framework_utility/platform/imageio/metadata/metadata_blocks.h>
 
 #include <memory>
 #include <optional>

@@ -364,7 +364,9 @@ TEST_F(RealFileManagerTest, AnInterruptedProcessLeavesTheOldFileOrTheNewOne) {
     ASSERT_LE(left.size(), signal == SIGKILL ? 2u : 1u) << "round " << round;
     for (const std::string& name : left) {
       EXPECT_TRUE(name == "f" || contentsOf(files, at(name)) == fresh);
-      if (name != "f") ASSERT_TRUE(files.removeItemAtPath(at(name), nullptr));
+      if (name != "f") {
+        ASSERT_TRUE(files.removeItemAtPath(at(name), nullptr));
+      }
     }
   }
   RecordProperty("replaced", replaced);

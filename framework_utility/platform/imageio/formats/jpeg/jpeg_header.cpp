@@ -1,0 +1,371 @@
+#include <framework_utility/platform/imageio/formats/jpeg/jpeg_header.h>
+
+#include <framework_utility/platform/foundation/app/uniform_type.h>
+#include <framework_utility/platform/imageio/formats/jpeg/jpeg_extended_xmp.h>
+#include <framework_utility/platform/imageio/metadata/metadata_budget.h>
+#include <framework_utility/platform/imageio/metadata/property_keys.h>
+
+#include <algorithm>
+#include <cstring>
+#include <iterator>
+#include <memory>
+#include <span>
+#include <utility>
+#include <vector>
+
+namespace FrameworkUtility::detail {
+
+namespace {
+
+using Bytes = std::span<const std::byte>;
+
+/// What is read at a time behind the beginning, which a source has at hand. Segments that are
+/// stepped over lie between, so that more would be read in vain.
+constexpr std::size_t beginningSize = 16 * 1024;
+constexpr std::size_t windowSize = 4 * 1024;
+/// More segments, stray bytes or metadata than these have no photograph, only an attack.
+constexpr int maximumSegments = 10'000;
+constexpr int maximumStrayBytes = 64 * 1024;
+constexpr std::size_t maximumMetadataSize = 32 * 1024 * 1024;
+constexpr std::size_t maximumResourcesSize = 16 * 1024 * 1024;
+
+// Markers of ITU-T T.81, table B.1.
+constexpr unsigned startOfImage = 0xD8;
+constexpr unsigned endOfImage = 0xD9;
+constexpr unsigned startOfScan = 0xDA;
+constexpr unsigned application0 = 0xE0;
+constexpr unsigned application1 = 0xE1;
+constexpr unsigned application2 = 0xE2;
+constexpr unsigned application5 = 0xE5;
+constexpr unsigned application8 = 0xE8;
+constexpr unsigned application13 = 0xED;
+constexpr unsigned application14 = 0xEE;
+constexpr unsigned application15 = 0xEF;
+constexpr unsigned comment = 0xFE;
+
+struct Kind {
+  unsigned marker;
+  std::string_view signature;
+};
+/// What is read elsewhere and written anew, or true of the old pixels only.
+constexpr Kind notKept[] = {
+    {application0, {"JFIF\0", 5}},        {application0, {"JFXX\0", 5}},
+    {application1, {"Exif\0", 5}},        {application1, jpegXmpSignature},
+    {application2, jpegProfileSignature}, {application2, {"MPF\0", 4}},
+    {application8, {"SPIFF\0", 6}},       {application13, jpegResourcesSignature},
+    {application14, {"Adobe", 5}}};
+
+/// SOF0 to SOF15; the three numbers left out are other tables'.
+constexpr bool isStartOfFrame(unsigned marker) {
+  return marker >= 0xC0 && marker <= 0xCF && marker != 0xC4 && marker != 0xC8 && marker != 0xCC;
+}
+
+/// SOF2, SOF6, SOF10 and SOF14.
+constexpr bool isProgressive(unsigned marker) { return (marker & 3) == 2; }
+
+/// TEM and the restart markers, which stand alone.
+constexpr bool isBare(unsigned marker) {
+  return marker == 0x01 || (marker >= 0xD0 && marker <= 0xD7);
+}
+
+std::size_t byteAt(Bytes bytes, std::size_t offset) {
+  return std::to_integer<std::size_t>(bytes[offset]);
+}
+
+std::size_t shortAt(Bytes bytes, std::size_t offset) {
+  return byteAt(bytes, offset) << 8 | byteAt(bytes, offset + 1);
+}
+
+bool startsWith(Bytes bytes, std::string_view text) {
+  return bytes.size() >= text.size() && std::memcmp(bytes.data(), text.data(), text.size()) == 0;
+}
+
+Data joined(std::span<const Data> pieces) {
+  if (pieces.size() == 1) return pieces.front();
+  std::size_t size = 0;
+  for (const Data& piece : pieces) size += piece.size();
+  std::vector<std::byte> all;
+  all.reserve(size);
+  for (const Data& piece : pieces) all.insert(all.end(), piece.begin(), piece.end());
+  return Data(std::move(all));
+}
+
+/// The piece of the source that was read last; a new one is read when an offset lies outside.
+class Window {
+ public:
+  explicit Window(const ByteSource& source)
+      : source_(source), piece_(std::make_shared<const Data>(source.bytes(0, beginningSize))) {}
+
+  /// Fewer bytes at the end of the source. Good until the next call.
+  Bytes at(std::uint64_t offset, std::size_t count) {
+    if (offset < start_ || offset + count > start_ + piece_->size()) {
+      start_ = offset;
+      piece_ = std::make_shared<const Data>(source_.bytes(offset, std::max(count, windowSize)));
+    }
+    const Bytes rest = Bytes(*piece_).subspan(static_cast<std::size_t>(offset - start_));
+    return rest.first(std::min(count, rest.size()));
+  }
+
+  Data shared(std::uint64_t offset, std::size_t count) {
+    const Bytes bytes = at(offset, count);
+    return Data::withBytesNoCopy(bytes, piece_);
+  }
+
+ private:
+  const ByteSource& source_;
+  std::uint64_t start_ = 0;
+  std::shared_ptr<const Data> piece_;
+};
+
+class HeaderReader {
+ public:
+  explicit HeaderReader(const ByteSource& source) : source_(source), window_(source) {}
+
+  ImageHeader read() {
+    const CGImageSourceStatus status = walk();
+    if (status != CGImageSourceStatus::complete) {
+      ImageHeader failed;
+      failed.status = status;
+      return failed;
+    }
+    header_.status = status;
+    header_.iccProfile = profile();
+    header_.blocks.imageResources = joined(imageResources_);
+    if (!extendedXmp_.empty()) {
+      header_.blocks.extendedXmp =
+          joinExtendedXmp(extendedXmp_, xmpExtensionName(header_.blocks.xmp));
+    }
+    header_.blocks.format = UTTypeJPEG.identifier();
+    budget_.tell(header_.formatProperties);
+    return std::move(header_);
+  }
+
+ private:
+  struct Segment {
+    unsigned marker = 0;
+    std::uint64_t offset = 0;  // of the contents, behind the length
+    std::size_t size = 0;
+  };
+
+  struct ProfileChunk {
+    std::size_t number = 0;  // from 1
+    std::size_t count = 0;
+    Data bytes;
+  };
+
+  CGImageSourceStatus walk() {
+    if (!startsWith(window_.at(0, 2), "\xFF\xD8")) return CGImageSourceStatus::unknownType;
+    offset_ = 2;
+    for (int i = 0; i < maximumSegments; ++i) {
+      Segment segment;
+      if (const auto status = next(segment); status != CGImageSourceStatus::complete) return status;
+      if (segment.marker == endOfImage) return CGImageSourceStatus::incomplete;
+      if (segment.marker == startOfScan) {
+        return header_.width > 0 ? CGImageSourceStatus::complete : CGImageSourceStatus::invalidData;
+      }
+      if (isStartOfFrame(segment.marker)) {
+        if (!readFrame(segment)) return CGImageSourceStatus::invalidData;
+      } else {
+        readApplicationSegment(segment);
+      }
+    }
+    return CGImageSourceStatus::invalidData;
+  }
+
+  /// Steps to the next marker and over its segment.
+  CGImageSourceStatus next(Segment& segment) {
+    // Fill bytes may stand before a marker; some cameras leave others there too.
+    for (int stray = 0; stray < maximumStrayBytes; ++stray) {
+      const Bytes bytes = window_.at(offset_, 4);
+      if (bytes.size() < 2) return CGImageSourceStatus::incomplete;
+      const std::size_t marker = byteAt(bytes, 1);
+      if (byteAt(bytes, 0) != 0xFF || marker == 0 || marker == 0xFF ||
+          isBare(static_cast<unsigned>(marker))) {
+        ++offset_;
+        continue;
+      }
+      segment.marker = static_cast<unsigned>(marker);
+      if (segment.marker == endOfImage) return CGImageSourceStatus::complete;
+      if (bytes.size() < 4) return CGImageSourceStatus::incomplete;
+      const std::size_t length = shortAt(bytes, 2);  // counts itself
+      if (length < 2 || segment.marker == startOfImage) return CGImageSourceStatus::invalidData;
+      segment.offset = offset_ + 4;
+      segment.size = length - 2;
+      offset_ += 2 + length;
+      return offset_ <= source_.size() ? CGImageSourceStatus::complete
+                                       : CGImageSourceStatus::incomplete;
+    }
+    return CGImageSourceStatus::invalidData;
+  }
+
+  /// False for a second frame or an impossible one.
+  bool readFrame(const Segment& segment) {
+    const Bytes bytes = window_.at(segment.offset, segment.size);
+    if (header_.width > 0 || bytes.size() < 6) return false;
+    const std::size_t components = byteAt(bytes, 5);
+    header_.bitsPerComponent = byteAt(bytes, 0);
+    header_.height = shortAt(bytes, 1);
+    header_.width = shortAt(bytes, 3);
+    header_.model = components == 1   ? CGColorSpaceModel::monochrome
+                    : components == 3 ? CGColorSpaceModel::rgb
+                    : components == 4 ? CGColorSpaceModel::cmyk
+                                      : CGColorSpaceModel::unknown;
+    if (isProgressive(segment.marker)) {
+      header_.formatProperties.subdictionary(kCGImagePropertyJFIFDictionary)
+          .set(kCGImagePropertyJFIFIsProgressive, true);
+    }
+    return header_.width > 0 && header_.height > 0 && header_.bitsPerComponent >= 2 &&
+           header_.bitsPerComponent <= 16 && components > 0 && bytes.size() == 6 + 3 * components;
+  }
+
+  void readApplicationSegment(const Segment& segment) {
+    bool isRead = false;
+    switch (segment.marker) {
+      case application0:
+        readJfif(window_.at(segment.offset, std::min<std::size_t>(segment.size, 14)));
+        break;
+      case application1:
+        isRead = readExifOrXmp(segment);
+        break;
+      case application2:
+        readProfileChunk(segment);
+        break;
+      case application13:
+        if (const Data bytes = contents(segment, jpegResourcesSignature); !bytes.empty()) {
+          addResources(bytes);
+        }
+        break;
+      default:
+        break;
+    }
+    const bool isPart = segment.marker == comment ||
+                        (segment.marker >= application0 && segment.marker <= application15);
+    if (isPart && !isRead && isKept(segment)) {
+      if (Data all = contents(segment, ""); !all.empty()) {
+        header_.blocks.formatParts.push_back({segment.marker, std::move(all)});
+      }
+    }
+  }
+
+  /// Some cameras put a large picture into segments that follow one another; only the first of them
+  /// can be told.
+  bool isKept(const Segment& segment) {
+    constexpr std::size_t enough = 64;
+    const Bytes bytes = window_.at(segment.offset, std::min(segment.size, enough));
+    const bool isPicture =
+        segment.marker >= application2 && segment.marker <= application5 &&
+        (startsWith(bytes, "\xFF\xD8\xFF") || startsWith(bytes, {"QVGA\0\xFF\xD8\xFF", 8}) ||
+         startsWith(bytes, "BGTH\xFF\xD8\xFF"));
+    if (isPicture || segment.marker != picture_) picture_ = isPicture ? segment.marker : 0;
+    return picture_ == 0 &&
+           std::none_of(std::begin(notKept), std::end(notKept), [&](const Kind& kind) {
+             return kind.marker == segment.marker && startsWith(bytes, kind.signature);
+           });
+  }
+
+  void addResources(const Data& bytes) {
+    resourcesSize_ += bytes.size();
+    if (resourcesSize_ > maximumResourcesSize) {
+      budget_.leaveOut(kCGImagePropertyIPTCDictionary);
+    } else {
+      imageResources_.push_back(bytes);
+    }
+  }
+
+  /// JFIF 1.02: version, unit of density, densities, thumbnail.
+  void readJfif(Bytes bytes) {
+    if (hasJfif_ || bytes.size() < 12 || !startsWith(bytes, {"JFIF\0", 5})) return;
+    hasJfif_ = true;
+    const std::size_t minor = byteAt(bytes, 6);
+    const std::size_t unit = byteAt(bytes, 7);
+    const std::size_t x = shortAt(bytes, 8);
+    const std::size_t y = shortAt(bytes, 10);
+    Dictionary& jfif = header_.formatProperties.subdictionary(kCGImagePropertyJFIFDictionary);
+    jfif.set(kCGImagePropertyJFIFVersion,
+             Value(Array{byteAt(bytes, 5), minor / 10, minor % 10}));  // 1.02 is [1, 0, 2]
+    jfif.set(kCGImagePropertyJFIFDensityUnit, unit);
+    jfif.set(kCGImagePropertyJFIFXDensity, x);
+    jfif.set(kCGImagePropertyJFIFYDensity, y);
+    if (x > 0 && y > 0 && (unit == 1 || unit == 2)) {  // a inch, a centimetre
+      const auto perInch = [&](std::size_t density) {
+        return unit == 1 ? Value(density) : Value(static_cast<double>(density) * 2.54);
+      };
+      header_.formatProperties.set(kCGImagePropertyDPIWidth, perInch(x));
+      header_.formatProperties.set(kCGImagePropertyDPIHeight, perInch(y));
+    }
+  }
+
+  /// Whether the segment has been taken.
+  bool readExifOrXmp(const Segment& segment) {
+    MetadataBlocks& blocks = header_.blocks;
+    if (blocks.exif.empty()) {
+      // The last byte of the signature is padding, and not always 0.
+      blocks.exif = contents(segment, jpegExifSignature.substr(0, jpegExifSignature.size() - 1), 1);
+      if (!blocks.exif.empty()) return true;
+    }
+    if (blocks.xmp.empty()) {
+      blocks.xmp = contents(segment, jpegXmpSignature);
+      if (!blocks.xmp.empty()) return true;
+    }
+    if (!contents(segment, jpegExtendedXmpSignature).empty()) {
+      extendedXmp_.push_back(window_.shared(segment.offset, segment.size));
+      return true;
+    }
+    return false;
+  }
+
+  void readProfileChunk(const Segment& segment) {
+    if (const Data bytes = contents(segment, jpegProfileSignature, 2); !bytes.empty()) {
+      const Bytes number = window_.at(segment.offset + jpegProfileSignature.size(), 2);
+      profileChunks_.push_back({byteAt(number, 0), byteAt(number, 1), bytes});
+    }
+  }
+
+  /// What stands `distance` bytes behind the signature; empty for another signature and when there
+  /// is too much already.
+  Data contents(const Segment& segment, std::string_view signature, std::size_t distance = 0) {
+    const std::size_t skipped = signature.size() + distance;
+    if (segment.size <= skipped ||
+        !startsWith(window_.at(segment.offset, signature.size()), signature)) {
+      return {};
+    }
+    if (metadataSize_ + segment.size > maximumMetadataSize) {
+      budget_.leaveOut(signature.substr(0, signature.find('\0')));
+      return {};
+    }
+    metadataSize_ += segment.size;
+    // The whole segment is read, so that its beginning stays at hand.
+    window_.at(segment.offset, segment.size);
+    return window_.shared(segment.offset + skipped, segment.size - skipped);
+  }
+
+  Data profile() {
+    std::sort(profileChunks_.begin(), profileChunks_.end(),
+              [](const ProfileChunk& a, const ProfileChunk& b) { return a.number < b.number; });
+    std::vector<Data> pieces;
+    for (ProfileChunk& chunk : profileChunks_) {
+      pieces.push_back(std::move(chunk.bytes));
+      if (chunk.number != pieces.size() || chunk.count != profileChunks_.size()) return {};
+    }
+    return joined(pieces);
+  }
+
+  const ByteSource& source_;
+  Window window_;
+  std::uint64_t offset_ = 0;
+  ImageHeader header_;
+  bool hasJfif_ = false;
+  std::vector<ProfileChunk> profileChunks_;
+  std::vector<Data> imageResources_;
+  std::vector<Data> extendedXmp_;  // whole contents of segments
+  unsigned picture_ = 0;           // the marker of the segment before, where it was of a picture
+  std::size_t metadataSize_ = 0;
+  std::size_t resourcesSize_ = 0;
+  MetadataBudget budget_;
+};
+
+}  // namespace
+
+ImageHeader readJpegHeader(const ByteSource& source) { return HeaderReader(source).read(); }
+
+}  // namespace FrameworkUtility::detail

@@ -1,0 +1,15 @@
+#pragma once
+
+#include <framework_utility/platform/imageio/formats/image_codec.h>
+
+#include <cstddef>
+#include <vector>
+
+namespace FrameworkUtility::detail {
+
+/// Writes 8 or 16 bits as the image has them, grey as grey, CMYK as RGB, alpha straight. Of the
+/// properties it takes the texts and the time of "{PNG}" and the resolution.
+bool encodePng(const CGImage& image, const EncodeRequest& request, std::vector<std::byte>& out,
+               Error* error);
+
+}  // namespace FrameworkUtility::detail

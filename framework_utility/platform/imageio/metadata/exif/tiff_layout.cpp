@@ -1,0 +1,383 @@
+#include <framework_utility/platform/imageio/metadata/exif/tiff_layout.h>
+
+#include <algorithm>
+#include <array>
+#include <map>
+#include <set>
+#include <utility>
+
+namespace FrameworkUtility::detail {
+namespace {
+
+bool isInline(const TiffRecord& record) { return record.value.size() <= tiffInlineSize; }
+
+// The bytes of the value that are not the record's own.
+ByteRange placeOf(const TiffEntry& entry) {
+  if (entry.value.size() <= tiffInlineSize) return {};
+  return {entry.offset, entry.offset + entry.value.size()};
+}
+
+// Sorted, and each with a gap to the next.
+std::vector<ByteRange> united(std::vector<ByteRange> ranges) {
+  std::erase_if(ranges, [](const ByteRange& range) { return range.begin >= range.end; });
+  std::sort(ranges.begin(), ranges.end(),
+            [](const ByteRange& a, const ByteRange& b) { return a.begin < b.begin; });
+  std::vector<ByteRange> result;
+  for (const ByteRange& range : ranges) {
+    if (!result.empty() && range.begin <= result.back().end) {
+      result.back().end = std::max(result.back().end, range.end);
+    } else {
+      result.push_back(range);
+    }
+  }
+  return result;
+}
+
+// What `from` covers and `what` does not.
+std::vector<ByteRange> without(const std::vector<ByteRange>& from,
+                               const std::vector<ByteRange>& what) {
+  std::vector<ByteRange> result;
+  auto hole = what.begin();
+  for (ByteRange range : from) {
+    while (hole != what.end() && hole->end <= range.begin) ++hole;
+    for (auto h = hole; h != what.end() && h->begin < range.end; ++h) {
+      if (range.begin < h->begin) result.push_back({range.begin, h->begin});
+      range.begin = std::min(h->end, range.end);
+    }
+    if (!range.empty()) result.push_back(range);
+  }
+  return result;
+}
+
+// The bytes that may be written, those behind the end included. Found by their place and, the
+// tightest first, by their size.
+class FreeSpace {
+ public:
+  FreeSpace(std::vector<ByteRange> ranges, std::uint64_t end) : end_(end) {
+    if (!ranges.empty() && ranges.back().end >= end_) {
+      end_ = ranges.back().begin;
+      ranges.pop_back();
+    }
+    for (const ByteRange& range : ranges) insert(range);
+  }
+
+  std::uint64_t end() const { return end_; }
+
+  bool takeAt(std::uint64_t begin, std::uint64_t size) {
+    if (begin >= end_) {
+      if (begin > end_) insert({end_, begin});
+      end_ = begin + size;
+      return true;
+    }
+    auto range = ends_.upper_bound(begin);
+    if (range == ends_.begin() || begin + size > (--range)->second) return false;
+    cut({range->first, range->second}, begin, size);
+    return true;
+  }
+
+  // Values begin at even offsets, as TIFF asks.
+  std::uint64_t take(std::uint64_t size) {
+    // The tightest may lack the byte before an even offset; one that has a byte more does not.
+    for (std::uint64_t wanted : {size, size + 1}) {
+      const auto found = sizes_.lower_bound({wanted, 0});
+      if (found == sizes_.end()) break;
+      const ByteRange range{found->second, found->second + found->first};
+      const std::uint64_t begin = range.begin + range.begin % 2;
+      if (begin + size > range.end) continue;
+      cut(range, begin, size);
+      return begin;
+    }
+    const std::uint64_t begin = end_ + end_ % 2;
+    end_ = begin + size;
+    return begin;
+  }
+
+ private:
+  void insert(const ByteRange& range) {
+    if (range.empty()) return;
+    ends_.emplace(range.begin, range.end);
+    sizes_.emplace(range.size(), range.begin);
+  }
+
+  void cut(const ByteRange& range, std::uint64_t begin, std::uint64_t size) {
+    ends_.erase(range.begin);
+    sizes_.erase({range.size(), range.begin});
+    insert({range.begin, begin});
+    insert({begin + size, range.end});
+  }
+
+  std::map<std::uint64_t, std::uint64_t> ends_;              // by where ranges begin
+  std::set<std::pair<std::uint64_t, std::uint64_t>> sizes_;  // and where these begin
+  std::uint64_t end_;
+};
+
+class Layout {
+ public:
+  Layout(TiffPlan& plan, TiffPlacement placement)
+      : plan_(plan), inPlace_(placement == TiffPlacement::inPlace) {}
+
+  std::vector<std::byte> bytes() {
+    claimDirectories();
+    findChanges();
+    claimUnchangedValues();
+    FreeSpace space = freeSpace();
+    placeRest(space);
+    bytes_.resize(static_cast<std::size_t>(space.end()));
+    store();
+    return std::move(bytes_);
+  }
+
+ private:
+  static std::uint64_t sizeOf(const TiffDirectory& directory) {
+    return tiffDirectorySize(directory.records.size());
+  }
+
+  bool isClaimed(const ByteRange& range) const {
+    return std::any_of(claims_.begin(), claims_.end(),
+                       [&](const ByteRange& claim) { return claim.overlaps(range); });
+  }
+
+  // The header and the directories that have not grown. Those of a sound block do not overlap.
+  void claimDirectories() {
+    claims_.push_back({0, plan_.header.size()});
+    for (std::size_t i = 0; i < plan_.directories.size(); ++i) {
+      TiffDirectory& directory = plan_.directories[i];
+      const bool isFixed = i == 0 && plan_.hasFixedDirectory;
+      const ByteRange old =
+          isFixed ? ByteRange{plan_.header.size(), plan_.header.size()} : directory.place;
+      const ByteRange place{old.begin, old.begin + sizeOf(directory)};
+      const bool stays = inPlace_ && !old.empty() && place.end <= old.end && !isClaimed(place);
+      isPlaced_.push_back(isFixed || stays);
+      if (!isPlaced_.back()) continue;
+      dropped_.push_back(directory.place);
+      directory.place = place;
+      claims_.push_back(place);
+    }
+  }
+
+  // A damaged block's values may lie in its header and directories; they can stay there where these
+  // are to be as they were.
+  void findChanges() {
+    const auto compare = [&](std::uint64_t at, std::span<const std::byte> stored) {
+      const ByteRange place{at, at + stored.size()};
+      if (place.end > plan_.source.size() ||
+          !std::equal(stored.begin(), stored.end(),
+                      plan_.source.begin() + static_cast<std::ptrdiff_t>(at))) {
+        changes_.push_back(place);
+      }
+    };
+    writeHeader(compare);
+    for (std::size_t i = 0; i < plan_.directories.size(); ++i) {
+      if (isPlaced_[i]) writeDirectory(plan_.directories[i], compare);
+    }
+    changes_ = united(std::move(changes_));
+  }
+
+  bool isChanged(const ByteRange& range) const {
+    const auto first =
+        std::partition_point(changes_.begin(), changes_.end(),
+                             [&](const ByteRange& change) { return change.end <= range.begin; });
+    return first != changes_.end() && first->begin < range.end;
+  }
+
+  bool mustMove(const TiffRecord& record) const {
+    return record.unchanged && !isInline(record) &&
+           (!(inPlace_ || record.pinned) || isChanged(record.place));
+  }
+
+  // A sound block's values do not share bytes, so that what moves is never more than the source.
+  // Records that do cannot make a block grow without bound: the longest go, and those of the same
+  // tag behind them, which do not count.
+  void claimUnchangedValues() {
+    std::vector<std::uint64_t> sizes;
+    for (const TiffDirectory& directory : plan_.directories) {
+      for (const TiffRecord& record : directory.records) {
+        if (mustMove(record)) sizes.push_back(record.value.size());
+      }
+    }
+    std::sort(sizes.begin(), sizes.end());
+    std::uint64_t moved = 0;
+    std::size_t count = 0;
+    while (count < sizes.size() && (moved += sizes[count]) <= plan_.source.size()) ++count;
+    for (TiffDirectory& directory : plan_.directories) {
+      std::optional<std::uint16_t> gone;
+      std::erase_if(directory.records, [&](TiffRecord& record) {
+        if (record.tag == gone) return true;
+        if (isInline(record) || !record.unchanged) return false;
+        if (!mustMove(record)) {
+          kept_.push_back(record.place);
+          return false;
+        }
+        record.unchanged = false;
+        record.place = {};  // Not its own alone.
+        if (count == sizes.size() || record.value.size() < sizes[count]) return false;
+        gone = record.tag;
+        return true;
+      });
+    }
+  }
+
+  FreeSpace freeSpace() {
+    kept_.insert(kept_.end(), claims_.begin(), claims_.end());
+    kept_ = united(std::move(kept_));
+    if (inPlace_) {
+      bytes_.assign(plan_.source.begin(), plan_.source.end());
+      dropped_.insert(dropped_.end(), plan_.dropped.begin(), plan_.dropped.end());
+      for (std::size_t i = 0; i < plan_.directories.size(); ++i) {
+        if (!isPlaced_[i]) dropped_.push_back(plan_.directories[i].place);
+        for (const TiffRecord& record : plan_.directories[i].records) {
+          if (!record.unchanged) dropped_.push_back(record.place);
+        }
+      }
+    } else {
+      dropped_ = {{0, kept_.back().end}};
+    }
+    bytes_.resize(std::max<std::size_t>(bytes_.size(), kept_.back().end));
+    std::vector<ByteRange> free = without(united(std::move(dropped_)), kept_);
+    for (const ByteRange& range : free) {
+      std::fill(bytes_.begin() + static_cast<std::ptrdiff_t>(range.begin),
+                bytes_.begin() + static_cast<std::ptrdiff_t>(range.end), std::byte{0});
+    }
+    return FreeSpace(std::move(free), bytes_.size());
+  }
+
+  // What has a place of its own comes first, lest something else takes it.
+  void placeRest(FreeSpace& space) {
+    for (std::size_t i = 0; i < plan_.directories.size(); ++i) {
+      TiffDirectory& directory = plan_.directories[i];
+      if (inPlace_ && !isPlaced_[i] && !directory.place.empty() &&
+          space.takeAt(directory.place.begin, sizeOf(directory))) {
+        isPlaced_[i] = true;
+      }
+    }
+    for (TiffDirectory& directory : plan_.directories) {
+      for (TiffRecord& record : directory.records) {
+        if (!record.unchanged && !isInline(record) &&
+            !(inPlace_ && record.value.size() <= record.place.size() &&
+              space.takeAt(record.place.begin, record.value.size()))) {
+          record.place = {};
+        }
+      }
+    }
+    for (std::size_t i = 0; i < plan_.directories.size(); ++i) {
+      if (!isPlaced_[i]) {
+        plan_.directories[i].place.begin = space.take(sizeOf(plan_.directories[i]));
+      }
+    }
+    isPlaced_.assign(isPlaced_.size(), true);
+    for (TiffDirectory& directory : plan_.directories) {
+      for (TiffRecord& record : directory.records) {
+        if (!isInline(record) && record.place.empty()) {
+          record.place.begin = space.take(record.value.size());
+        }
+      }
+    }
+    isLaidOut_ = true;
+  }
+
+  void store() {
+    const auto write = [&](std::uint64_t at, std::span<const std::byte> stored) {
+      std::copy(stored.begin(), stored.end(), bytes_.begin() + static_cast<std::ptrdiff_t>(at));
+    };
+    writeHeader(write);
+    for (const TiffDirectory& directory : plan_.directories) {
+      writeDirectory(directory, write);
+      for (const TiffRecord& record : directory.records) {
+        if (!isInline(record)) write(record.place.begin, record.value);
+      }
+    }
+  }
+
+  // Each hands out what stands where, as far as it has been decided.
+  template <class Write>
+  void writeHeader(Write write) const {
+    std::vector<std::byte> header = plan_.header;
+    if (!plan_.hasFixedDirectory) {
+      storeTiffInteger(header.data() + header.size() - 4, offsetOf(0), 4, plan_.order);
+    }
+    write(0, header);
+  }
+  template <class Write>
+  void writeDirectory(const TiffDirectory& directory, Write write) const {
+    std::array<std::byte, tiffRecordSize> bytes;
+    const std::span<std::byte> all(bytes);
+    const auto store = [&](std::size_t at, std::uint64_t number, std::size_t size) {
+      storeTiffInteger(bytes.data() + at, number, size, plan_.order);
+    };
+    std::uint64_t at = directory.place.begin;
+    store(0, directory.records.size(), 2);
+    write(at, all.first(2));
+    at += 2;
+    for (const TiffRecord& record : directory.records) {
+      store(0, record.tag, 2);
+      store(2, static_cast<std::uint16_t>(record.type), 2);
+      store(4, record.count, 4);
+      store(8, isInline(record) && !record.child ? 0 : offsetIn(record), 4);
+      if (isInline(record) && !record.child) {
+        std::copy(record.value.begin(), record.value.end(), bytes.begin() + 8);
+      }
+      write(at, all);
+      at += tiffRecordSize;
+    }
+    store(0, directory.next, 4);
+    write(at, all.first(4));
+  }
+  // No block has this offset; it stands for one that is not decided yet.
+  static constexpr std::uint64_t undecided = UINT32_MAX;
+  std::uint64_t offsetOf(std::size_t directory) const {
+    return isPlaced_[directory] ? plan_.directories[directory].place.begin : undecided;
+  }
+  std::uint64_t offsetIn(const TiffRecord& record) const {
+    if (record.child) return offsetOf(*record.child);
+    const bool stays = record.unchanged && inPlace_ && !isClaimed(record.place);
+    return isLaidOut_ || stays ? record.place.begin : undecided;
+  }
+
+  TiffPlan& plan_;
+  const bool inPlace_;
+  std::vector<ByteRange> claims_;   // By the header and by directories.
+  std::vector<ByteRange> changes_;  // Of these, what differs from the source.
+  std::vector<ByteRange> kept_;     // Claims, and values that stay.
+  std::vector<ByteRange> dropped_;  // All that is not needed where it is.
+  std::vector<bool> isPlaced_;      // Of each directory.
+  bool isLaidOut_ = false;
+  std::vector<std::byte> bytes_;
+};
+
+}  // namespace
+
+void TiffDirectory::keep(const TiffEntry& entry) {
+  const ByteRange where = placeOf(entry);
+  records.push_back(
+      {.tag = entry.tag,
+       .type = entry.type,
+       .count = entry.count,
+       .value = Data::withBytesNoCopy(where.empty() ? entry.field : entry.value, nullptr),
+       .place = where,
+       .unchanged = true});
+}
+
+void TiffDirectory::replace(const TiffEntry& entry, TiffValue value) {
+  add(entry.tag, std::move(value));
+  records.back().place = placeOf(entry);
+}
+
+void TiffDirectory::add(std::uint16_t tag, TiffValue value) {
+  records.push_back({.tag = tag,
+                     .type = value.type,
+                     .count = value.count,
+                     .value = Data(std::move(value.bytes))});
+}
+
+void TiffDirectory::sortRecords() {
+  std::stable_sort(records.begin(), records.end(),
+                   [](const TiffRecord& a, const TiffRecord& b) { return a.tag < b.tag; });
+}
+
+void TiffPlan::drop(const TiffEntry& entry) { dropped.push_back(placeOf(entry)); }
+
+std::vector<std::byte> layOutTiff(TiffPlan plan, TiffPlacement placement) {
+  return Layout(plan, placement).bytes();
+}
+
+}  // namespace FrameworkUtility::detail

@@ -1,0 +1,198 @@
+// Packets of XMP that are longer than a segment of a JPEG.
+
+#include <framework_utility/platform/imageio/formats/jpeg/jpeg_encode.h>
+#include <framework_utility/platform/imageio/formats/jpeg/jpeg_header.h>
+#include <framework_utility/platform/imageio/formats/png/png_encode.h>
+#include <framework_utility/platform/imageio/formats/png/png_header.h>
+#include <framework_utility/platform/imageio/metadata/metadata_codec.h>
+#include <framework_utility/platform/imageio/metadata/xmp/xmp_extension.h>
+#include <framework_utility/platform/imageio/metadata/xmp/xmp_packet.h>
+#include <tests/platform/imageio/formats/jpeg_file.h>
+
+#include <gtest/gtest.h>
+
+#include <map>
+
+namespace FrameworkUtility::testing {
+namespace {
+
+using detail::ByteSource;
+using detail::EncodeRequest;
+using detail::ImageHeader;
+using detail::XmpParts;
+
+using namespace std::string_literals;
+
+std::string packetOf(std::string_view descriptions, std::string_view declarations = {}) {
+  return "<x:xmpmeta xmlns:x='adobe:ns:meta/'><rdf:RDF "
+         "xmlns:rdf='http://www.w3.org/1999/02/22-rdf-syntax-ns#'" +
+         std::string(declarations) + ">" + std::string(descriptions) + "</rdf:RDF></x:xmpmeta>";
+}
+
+const std::string tiff = " xmlns:tiff='http://ns.adobe.com/tiff/1.0/'";
+
+// What a packet says, in no order: each property of the tables and its text.
+std::multimap<std::string, std::string> said(const Data& packet) {
+  std::multimap<std::string, std::string> result;
+  detail::MetadataBudget budget;
+  const auto properties = detail::parseXmpPacket(textOf(packet), budget);
+  EXPECT_TRUE(properties);
+  for (const detail::XmpProperty& property : properties.value()) {
+    result.emplace(property.mapping->name, property.texts().front());
+  }
+  return result;
+}
+
+ImageHeader jpegOf(const Data& xmp, const Data& extendedXmp = {}) {
+  EncodeRequest request;
+  request.blocks.xmp = xmp;
+  request.blocks.extendedXmp = extendedXmp;
+  std::vector<std::byte> out;
+  EXPECT_TRUE(detail::encodeJpeg(quarters(16, 16), request, out, nullptr));
+  return detail::readJpegHeader(ByteSource(Data(std::move(out))));
+}
+
+TEST(ExtendedXmp, OnePacketSaysWhatTwoDid) {
+  const Data main = dataOf(packetOf("<rdf:Description" + tiff +
+                                    " xmlns:n='http://ns.adobe.com/xmp/note/' tiff:Make='M'"
+                                    " n:HasExtendedXMP='0123'/>\n"));
+  const struct {
+    const char* what;
+    std::string extension;
+  } cases[] = {
+      {"declared beside it", packetOf("<rdf:Description" + tiff +
+                                      " tiff:Model='&lt;N'><tiff:Software>S</tiff:Software>"
+                                      "</rdf:Description>")},
+      {"declared above it", packetOf("<rdf:Description tiff:Model='&lt;N'/><r:Description "
+                                     "xmlns:r='http://www.w3.org/1999/02/22-rdf-syntax-ns#'>"
+                                     "<tiff:Software>S</tiff:Software></r:Description>",
+                                     tiff)},
+      {"by another name",
+       packetOf("<rdf:Description rdf:about='' x:Model='&lt;N'><x:Software>S</x:Software>"
+                "</rdf:Description>",
+                " xmlns:x='http://ns.adobe.com/tiff/1.0/'")}};
+  for (const auto& [what, extension] : cases) {
+    SCOPED_TRACE(what);
+    const Data joined = detail::joinedXmp(main, dataOf(extension));
+    EXPECT_EQ(said(joined), (std::multimap<std::string, std::string>{
+                                {"Make", "M"}, {"Model", "<N"}, {"Software", "S"}}));
+  }
+  for (const std::string& other : {"no packet"s, "<a/>"s, packetOf("").substr(1)}) {
+    EXPECT_EQ(detail::joinedXmp(main, dataOf(other)), main);
+  }
+}
+
+TEST(ExtendedXmp, SharedDeclarationsDoNotMultiply) {
+  std::string descriptions;
+  for (int i = 0; i < 10'000; ++i) descriptions += "<rdf:Description/>";
+  const std::string uri(100'000, 'u');
+  const Data extension = dataOf(packetOf(descriptions, " xmlns:u='" + uri + "'"));
+  const Data main = dataOf(packetOf("<rdf:Description/>"));
+  EXPECT_EQ(detail::joinedXmp(main, extension), main);
+}
+
+TEST(ExtendedXmp, TheLongestPropertiesMove) {
+  const Data packet =
+      dataOf(packetOf("<rdf:Description rdf:about='' tiff:Make='M' tiff:Model='" +
+                          std::string(500, 'm') + "'><tiff:Software>" + std::string(400, 's') +
+                          "</tiff:Software><tiff:Artist>A</tiff:Artist></rdf:Description>",
+                      tiff));
+  const std::optional<XmpParts> parts = detail::splitXmp(packet, packet.size() - 600);
+  ASSERT_TRUE(parts);
+  EXPECT_EQ(said(parts->packet),
+            (std::multimap<std::string, std::string>{{"Make", "M"}, {"Artist", "A"}}));
+  EXPECT_EQ(said(detail::joinedXmp(parts->packet, parts->extension)), said(packet));
+  EXPECT_FALSE(detail::splitXmp(packet, 100));
+  EXPECT_FALSE(detail::splitXmp(dataOf("no packet"), 4));
+}
+
+TEST(ExtendedXmp, EveryLengthComesBackFromAJpeg) {
+  for (const std::size_t size : {65'000U, 65'290U, 65'305U, 65'600U, 200'000U}) {
+    SCOPED_TRACE(size);
+    const Data packet = dataOf(packetOf("<rdf:Description" + tiff + " tiff:Make='M' tiff:Model='" +
+                                        std::string(size, 'm') + "'/>"));
+    const MetadataBlocks read = jpegOf(packet).blocks;
+    EXPECT_EQ(read.extendedXmp.empty(), packet.size() <= 65'504);
+    EXPECT_EQ(said(detail::joinedXmp(read.xmp, read.extendedXmp)), said(packet));
+    // A file that is saved from it has the same two packets, the name of the second included.
+    const MetadataBlocks again = jpegOf(read.xmp, read.extendedXmp).blocks;
+    EXPECT_EQ(again.xmp, read.xmp);
+    EXPECT_EQ(again.extendedXmp, read.extendedXmp);
+  }
+}
+
+TEST(ExtendedXmp, TheNameIsTheDigest) {
+  const Data main = dataOf(packetOf("<rdf:Description/>"));
+  const ImageHeader header = jpegOf(main, dataOf("abc"));
+  EXPECT_EQ(detail::xmpExtensionName(header.blocks.xmp), "900150983CD24FB0D6963F7D28E17F72");
+  EXPECT_EQ(textOf(header.blocks.extendedXmp), "abc");
+}
+
+TEST(ExtendedXmp, APngHoldsOnePacket) {
+  EncodeRequest request;
+  request.blocks.xmp = dataOf(packetOf("<rdf:Description" + tiff + " tiff:Make='M'/>"));
+  request.blocks.extendedXmp = dataOf(
+      packetOf("<rdf:Description" + tiff + " tiff:Model='" + std::string(70'000, 'm') + "'/>"));
+  std::vector<std::byte> out;
+  ASSERT_TRUE(detail::encodePng(quarters(16, 16), request, out, nullptr));
+  const ImageHeader header = detail::readPngHeader(ByteSource(Data(std::move(out))));
+  EXPECT_EQ(said(header.blocks.xmp).size(), 2U);
+}
+
+TEST(ExtendedXmp, AChangeReachesTheExtension) {
+  MetadataBlocks blocks;
+  blocks.xmp = dataOf(packetOf(
+      "<rdf:Description xmlns:n='http://ns.adobe.com/xmp/note/' n:HasExtendedXMP='0123'/>"));
+  blocks.extendedXmp = dataOf(packetOf("<rdf:Description" + tiff + " tiff:Make='M'/>"));
+  Dictionary properties;
+  detail::readMetadata(blocks, properties);
+  EXPECT_EQ(properties, (Dictionary{{"{TIFF}", Dictionary{{"Make", "M"}}}}));
+  EXPECT_EQ(detail::mergeMetadata(&blocks, properties, {}).xmp, blocks.xmp);
+  properties.subdictionary("{TIFF}").set("Make", "New");
+  const MetadataBlocks changed = detail::mergeMetadata(&blocks, properties, {});
+  EXPECT_EQ(said(changed.extendedXmp).find("Make")->second, "New");
+  EXPECT_EQ(detail::xmpExtensionName(changed.xmp), "") << "it was a digest of the old one";
+}
+
+TEST(ExtendedXmp, PortionsThatDoNotFitTogetherAreNone) {
+  const std::string name(32, 'A');
+  const Data main = dataOf(
+      packetOf("<rdf:Description xmlns:n='http://ns.adobe.com/xmp/note/' n:HasExtendedXMP='" +
+               name + "'/>"));
+  const auto portion = [&](std::size_t length, std::size_t offset, std::string_view bytes,
+                           std::string_view other = {}) {
+    return jpegSegment(0xE1, "http://ns.adobe.com/xmp/extension/\0"s +
+                                 (other.empty() ? name : std::string(other)) + "\0\0"s +
+                                 u16(length) + "\0\0"s + u16(offset) + std::string(bytes));
+  };
+  const struct {
+    const char* what;
+    std::string segments, packet;
+  } cases[] = {
+      {"one", portion(3, 0, "abc"), "abc"},
+      {"in any order", portion(5, 3, "de") + portion(5, 0, "abc"), "abcde"},
+      {"twice", portion(3, 0, "xxx") + portion(3, 0, "abc"), "abc"},
+      {"of another name", portion(3, 0, "abc") + portion(9, 3, "d", std::string(32, 'B')), "abc"},
+      {"cut head",
+       portion(3, 0, "abc") + jpegSegment(0xE1, "http://ns.adobe.com/xmp/extension/\0AA"s), "abc"},
+      {"the end is missing", portion(5, 0, "abc"), ""},
+      {"a gap", portion(5, 0, "ab") + portion(5, 3, "de"), ""},
+      {"an overlap", portion(5, 0, "abc") + portion(5, 2, "cde"), ""},
+      {"too many", portion(3, 0, "abcd"), ""},
+      {"lengths differ", portion(5, 0, "abc") + portion(6, 3, "de"), ""},
+      {"no beginning", portion(3, 1, "bc"), ""},
+  };
+  const std::string xmp = jpegSegment(0xE1, "http://ns.adobe.com/xap/1.0/\0"s + textOf(main));
+  for (const auto& [what, segments, packet] : cases) {
+    SCOPED_TRACE(what);
+    const auto read = [](const std::string& file) {
+      return textOf(detail::readJpegHeader(ByteSource(dataOf(jpegHeader(file + jpegFrame()))))
+                        .blocks.extendedXmp);
+    };
+    EXPECT_EQ(read(xmp + segments), packet);
+    EXPECT_EQ(read(segments), "") << "which nobody asks for";
+  }
+}
+
+}  // namespace
+}  // namespace FrameworkUtility::testing

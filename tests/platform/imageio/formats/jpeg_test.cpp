@@ -1,0 +1,415 @@
+#include <framework_utility/platform/foundation/app/uniform_type.h>
+#include <framework_utility/platform/imageio/formats/jpeg/jpeg_decode.h>
+#include <framework_utility/platform/imageio/formats/jpeg/jpeg_encode.h>
+#include <framework_utility/platform/imageio/formats/jpeg/jpeg_header.h>
+#include <framework_utility/platform/imageio/metadata/property_keys.h>
+#include <tests/platform/imageio/formats/jpeg_file.h>
+
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <iterator>
+
+namespace FrameworkUtility::testing {
+namespace {
+
+using detail::ByteSource;
+using detail::EncodeRequest;
+using detail::ImageHeader;
+using Status = CGImageSourceStatus;
+
+using namespace std::string_literals;
+
+ImageHeader read(std::string_view bytes) {
+  return detail::readJpegHeader(ByteSource(dataOf(bytes)));
+}
+
+std::optional<CGImage> decode(std::string_view bytes) {
+  return detail::decodeJpeg(ByteSource(dataOf(bytes)), read(bytes));
+}
+
+std::string encode(const CGImage& image, const EncodeRequest& request = {}) {
+  std::vector<std::byte> out;
+  return detail::encodeJpeg(image, request, out, nullptr) ? textOf(Data(std::move(out))) : "";
+}
+
+EncodeRequest atQuality(double quality) {
+  EncodeRequest request;
+  request.quality = quality;
+  return request;
+}
+
+std::string chunk(int number, int count, std::string_view part) {
+  return jpegSegment(0xE2, "ICC_PROFILE\0"s + static_cast<char>(number) + static_cast<char>(count) +
+                               std::string(part));
+}
+
+/// Bytes in which no two places look alike.
+std::string noise(std::size_t size) {
+  std::string bytes(size, '\0');
+  std::uint32_t state = 1;
+  for (char& byte : bytes) {
+    state = state * 1664525 + 1013904223;
+    byte = static_cast<char>(state >> 24);
+  }
+  return bytes;
+}
+
+const std::string jfif = jpegSegment(0xE0, "JFIF\0\1\2\1\0\x48\0\x60\0\0"s);
+
+TEST(JpegHeader, StatusSaysWhatTheBytesAre) {
+  const std::string frame = jpegFrame();
+  const struct {
+    const char* what;
+    std::string bytes;
+    Status status;
+  } cases[] = {
+      {"nothing", "", Status::unknownType},
+      {"text", "hello", Status::unknownType},
+      {"signature alone", "\xFF\xD8", Status::incomplete},
+      {"no frame", "\xFF\xD8" + jfif + "\xFF\xD9", Status::incomplete},
+      {"ends before the scan", "\xFF\xD8" + frame + "\xFF\xD9", Status::incomplete},
+      {"scan without frame", jpegHeader(""), Status::invalidData},
+      {"whole", jpegHeader(frame), Status::complete},
+      {"two frames", jpegHeader(frame + frame), Status::invalidData},
+      {"two signatures", "\xFF\xD8" + jpegHeader(frame), Status::invalidData},
+      {"no width", jpegHeader(jpegFrame({.width = 0})), Status::invalidData},
+      {"no height", jpegHeader(jpegFrame({.height = 0})), Status::invalidData},
+      {"no components", jpegHeader(jpegFrame({.components = 0})), Status::invalidData},
+      {"no precision", jpegHeader(jpegFrame({.precision = 0})), Status::invalidData},
+      {"cut frame", jpegHeader(jpegSegment(0xC0, "\x08\0\4\0\6\3\1\x11\0"s)), Status::invalidData},
+      {"length 0", jpegHeader("\xFF\xE5\0\0"s + frame), Status::invalidData},
+      {"length 1", jpegHeader("\xFF\xE5\0\1"s + frame), Status::invalidData},
+      {"length past the end", "\xFF\xD8" + frame + "\xFF\xE5\xFF\xFF", Status::incomplete},
+      {"empty segment", jpegHeader(jpegSegment(0xE1, "") + frame), Status::complete},
+      {"fill bytes", jpegHeader("\xFF\xFF\xFF" + frame), Status::complete},
+      {"restart marker", jpegHeader("\xFF\xD0" + frame), Status::complete},
+      {"a few stray bytes", jpegHeader("\0\0\xFF\0stray"s + frame), Status::complete},
+      {"many stray bytes", jpegHeader(std::string(100'000, '\0') + frame), Status::invalidData},
+  };
+  for (const auto& [what, bytes, status] : cases) {
+    SCOPED_TRACE(what);
+    EXPECT_EQ(read(bytes).status, status);
+    EXPECT_EQ(read(bytes).width > 0, status == Status::complete);
+  }
+}
+
+TEST(JpegHeader, CutAnywhereIsIncomplete) {
+  const std::string whole =
+      jpegHeader(jfif + jpegSegment(0xE1, "Exif\0\0MM\0*"s) + chunk(1, 1, "profile") + jpegFrame());
+  for (std::size_t size = 2; size < whole.size(); ++size) {
+    ASSERT_EQ(read(whole.substr(0, size)).status, Status::incomplete) << size;
+  }
+  EXPECT_EQ(read(whole).status, Status::complete);
+}
+
+TEST(JpegHeader, EveryKindOfFrameIsRead) {
+  for (unsigned marker = 0xC0; marker <= 0xCF; ++marker) {
+    const bool isFrame = marker != 0xC4 && marker != 0xC8 && marker != 0xCC;
+    const ImageHeader header = read(
+        jpegHeader(jpegFrame({.marker = marker, .width = 65500, .height = 3, .precision = 12})));
+    ASSERT_EQ(header.status, isFrame ? Status::complete : Status::invalidData) << marker;
+    if (isFrame) {
+      EXPECT_EQ(header.width, 65500U);
+      EXPECT_EQ(header.height, 3U);
+      EXPECT_EQ(header.bitsPerComponent, 12U);
+      EXPECT_EQ(header.formatProperties.empty(), marker % 4 != 2) << "IsProgressive";
+    }
+  }
+  const auto model = [](std::size_t components) {
+    return read(jpegHeader(jpegFrame({.components = components}))).model;
+  };
+  EXPECT_EQ(model(1), CGColorSpaceModel::monochrome);
+  EXPECT_EQ(model(2), CGColorSpaceModel::unknown);
+  EXPECT_EQ(model(3), CGColorSpaceModel::rgb);
+  EXPECT_EQ(model(4), CGColorSpaceModel::cmyk);
+}
+
+TEST(JpegHeader, JfifGivesResolution) {
+  const auto properties = [](const std::string& segments) {
+    return read(jpegHeader(segments + jpegFrame())).formatProperties;
+  };
+  EXPECT_EQ(properties(jfif + jpegSegment(0xE0, "JFIF\0\2\2\0\0\1\0\1\0\0"s)),
+            (Dictionary{{"{JFIF}", Dictionary{{"JFIFVersion", Value(Array{1, 0, 2})},
+                                              {"DensityUnit", 1},
+                                              {"XDensity", 72},
+                                              {"YDensity", 96}}},
+                        {"DPIWidth", 72},
+                        {"DPIHeight", 96}}));
+  const Dictionary metric = properties(jpegSegment(0xE0, "JFIF\0\1\1\2\0\x64\0\x64\0\0"s));
+  EXPECT_EQ(*metric.get<Number>("DPIWidth"), Number(254.0));
+  const Dictionary aspect = properties(jpegSegment(0xE0, "JFIF\0\1\1\0\0\1\0\1\0\0"s));
+  EXPECT_EQ(aspect.find("DPIWidth"), nullptr);
+}
+
+TEST(JpegHeader, BlocksAreFoundAmongOthers) {
+  const ImageHeader header = read(jpegHeader(
+      jpegSegment(0xE1, "Exif\0\0first"s) + jpegSegment(0xE1, "Exif\0\0second"s) +
+      jpegSegment(0xE1, "http://ns.adobe.com/xap/1.0/\0<x/>"s) + jpegSegment(0xE1, "Exi") +
+      jpegSegment(0xFE, "comment") + jpegSegment(0xED, "Photoshop 3.0\0008BI"s) + jpegFrame() +
+      jpegSegment(0xED, "Photoshop 3.0\0M..."s)));
+  EXPECT_EQ(textOf(header.blocks.exif), "first");
+  EXPECT_EQ(textOf(header.blocks.xmp), "<x/>");
+  EXPECT_EQ(textOf(header.blocks.imageResources), "8BIM...");
+}
+
+/// The kinds and contents of what is kept of a file with these segments.
+std::string partsOf(const std::string& segments) {
+  std::string parts;
+  for (const FormatPart& part : read(segments).blocks.formatParts) {
+    parts += static_cast<char>(part.kind);
+    parts += textOf(part.contents) + '\n';
+  }
+  return parts;
+}
+
+TEST(JpegHeader, OtherSegmentsAreKeptButForThoseOfThePixels) {
+  const std::pair<unsigned, std::string> kept[] = {{0xE0, "II\x1A\0\0\0HEAPJPGM"s},
+                                                   {0xE1, "FLIR\0raw"s},
+                                                   {0xE2, "FPXR\0"s},
+                                                   {0xE3, "Meta"},
+                                                   {0xED, "Adobe_CM"},
+                                                   {0xEE, "of nobody"},
+                                                   {0xEF, "Q 90"},
+                                                   {0xFE, "a comment"},
+                                                   {0xFE, "another"}};
+  const std::pair<unsigned, std::string> gone[] = {{0xE0, "JFIF\0\1\1\0\0\1\0\1\0\0"s},
+                                                   {0xE0, "JFXX\0\x10 small"s},
+                                                   {0xE1, "Exif\0\0MM"s},
+                                                   {0xE1, "Exif\0\0II"s},
+                                                   {0xE1, "http://ns.adobe.com/xap/1.0/\0<x/>"s},
+                                                   {0xE2, "MPF\0MM"s},
+                                                   {0xE2, "ICC_PROFILE\0\1\1profile"s},
+                                                   {0xE8, "SPIFF\0"s},
+                                                   {0xED, "Photoshop 3.0\0008BIM"s},
+                                                   {0xEE, "Adobe\0\x64"s},
+                                                   {0xC4, "a table"},
+                                                   {0xE4, "\xFF\xD8\xFF\xDB large"},
+                                                   {0xE4, "the rest of it"}};
+  std::string segments, expected;
+  for (std::size_t i = 0; i < std::size(gone); ++i) {
+    segments += jpegSegment(gone[i].first, gone[i].second);
+    if (i >= std::size(kept)) continue;
+    segments += jpegSegment(kept[i].first, kept[i].second);
+    expected += static_cast<char>(kept[i].first) + kept[i].second + '\n';
+  }
+  EXPECT_EQ(partsOf(jpegHeader(segments + jpegFrame())), expected);
+}
+
+TEST(JpegHeader, ProfileIsJoinedInOrderOrNone) {
+  const auto profile = [](const std::string& segments) {
+    return textOf(read(jpegHeader(segments + jpegFrame())).iccProfile);
+  };
+  EXPECT_EQ(profile(chunk(1, 1, "one")), "one");
+  EXPECT_EQ(profile(chunk(3, 3, "c") + chunk(1, 3, "a") + chunk(2, 3, "b")), "abc");
+  EXPECT_EQ(profile(chunk(1, 3, "a") + chunk(3, 3, "c")), "");
+  EXPECT_EQ(profile(chunk(1, 2, "a") + chunk(1, 2, "a")), "");
+  EXPECT_EQ(profile(chunk(0, 1, "a")), "");
+  EXPECT_EQ(profile(chunk(1, 0, "a")), "");
+}
+
+TEST(JpegPixels, SurviveInEachColorModel) {
+  const auto gray = decode(encode(makeImage(
+      20, 10, CGColorSpace::createDeviceGray(), CGImageAlphaInfo::none,
+      [](std::size_t x, std::size_t) { return Pixel{static_cast<std::uint8_t>(10 * x)}; })));
+  ASSERT_TRUE(gray);
+  EXPECT_EQ(gray->colorSpace()->model(), CGColorSpaceModel::monochrome);
+  EXPECT_NEAR(pixelOf(*gray, 15, 5)[0], 150, 6);
+
+  const auto colors = decode(encode(quarters(64, 48)));
+  ASSERT_TRUE(colors);
+  EXPECT_EQ(colors->alphaInfo(), CGImageAlphaInfo::noneSkipLast);
+  EXPECT_EQ(cornersOf(*colors), "rgbw");
+}
+
+TEST(JpegPixels, CmykIsFullInkAt255WhateverTheFileMeans) {
+  // Chosen so that the file holds luminance 100, no colour and black 50 when it is read as YCCK.
+  const Pixel ink{155, 127, 127, 205};
+  std::string file =
+      encode(makeImage(16, 16, CGColorSpace::createDeviceCMYK(), CGImageAlphaInfo::none,
+                       [&](std::size_t, std::size_t) { return ink; }),
+             atQuality(1));
+  const std::size_t adobe = file.find("Adobe");
+  ASSERT_NE(adobe, std::string::npos);
+  const auto expectInk = [&](const Pixel& expected) {
+    const auto image = decode(file);
+    ASSERT_TRUE(image);
+    EXPECT_EQ(image->colorSpace()->model(), CGColorSpaceModel::cmyk);
+    for (std::size_t i = 0; i < 4; ++i) EXPECT_NEAR(pixelOf(*image, 8, 8)[i], expected[i], 1);
+  };
+  expectInk(ink);
+  file[adobe + 11] = 2;  // the transform: YCCK
+  expectInk({100, 100, 100, 205});
+  file[adobe] = 'a';  // no Adobe segment any more: nothing is inverted
+  expectInk({100, 128, 128, 50});
+}
+
+TEST(JpegPixels, CutOrDamagedGiveNoImage) {
+  const std::string whole = encode(makeImage(
+      64, 64, CGColorSpace::createDeviceRGB(), CGImageAlphaInfo::noneSkipLast,
+      [](std::size_t x, std::size_t y) {
+        return Pixel{static_cast<std::uint8_t>(37 * x), static_cast<std::uint8_t>(x * y), 9, 255};
+      }));
+  const std::size_t pixels = whole.find("\xFF\xDA");
+  for (std::size_t size = pixels + 14; size < whole.size() - 4; ++size) {
+    ASSERT_FALSE(decode(whole.substr(0, size))) << size;
+  }
+  EXPECT_TRUE(decode(whole.substr(0, whole.size() - 2))) << "only the end marker is missing";
+  EXPECT_TRUE(decode(whole + "and a film behind it"));
+  std::string damaged = whole;
+  damaged.replace(whole.size() - 400, 2, "\xFF\xD3");  // a restart where none is due
+  EXPECT_FALSE(decode(damaged));
+}
+
+TEST(JpegPixels, SeveralScansNeedTheEndMarkerToo) {
+  std::ifstream in(JPEG_CORPUS "/progressive.jpg", std::ios::binary);
+  const std::string whole{std::istreambuf_iterator<char>(in), {}};
+  const auto image = decode(whole);
+  ASSERT_TRUE(image);
+  EXPECT_EQ(cornersOf(*image), "rgbw");
+  EXPECT_TRUE(*read(whole).formatProperties.get<Dictionary>("{JFIF}")->get<Number>(
+                  "IsProgressive") == Number(true));
+  // Cut between two scans it would decode, only less sharp.
+  for (std::size_t size = 0; size < whole.size(); ++size) {
+    ASSERT_FALSE(decode(whole.substr(0, size))) << size;
+  }
+}
+
+TEST(JpegPixels, TooManyAreRefused) {
+  for (const unsigned marker : {0xC0U, 0xC2U}) {
+    const std::string huge =
+        jpegHeader(jpegFrame({.marker = marker, .width = 65500, .height = 65500}));
+    const ImageHeader header = read(huge);
+    ASSERT_EQ(header.status, Status::complete);
+    EXPECT_FALSE(decode(huge));
+    EXPECT_FALSE(detail::decodeJpegReduced(ByteSource(dataOf(huge)), header, 100));
+  }
+}
+
+TEST(JpegEncode, LaysTransparentPixelsOnWhite) {
+  const struct {
+    CGImageAlphaInfo alphaInfo;
+    Pixel pixel;
+  } cases[] = {{CGImageAlphaInfo::premultipliedLast, {100, 0, 0, 128}},
+               {CGImageAlphaInfo::last, {200, 0, 0, 128}},
+               {CGImageAlphaInfo::premultipliedFirst, {128, 100, 0, 0}}};
+  for (const auto& sample : cases) {
+    const auto image =
+        decode(encode(makeImage(16, 16, CGColorSpace::createDeviceRGB(), sample.alphaInfo,
+                                [&](std::size_t, std::size_t) { return sample.pixel; }),
+                      atQuality(1)));
+    ASSERT_TRUE(image);
+    EXPECT_NEAR(pixelOf(*image, 8, 8)[0], 227, 2);
+    EXPECT_NEAR(pixelOf(*image, 8, 8)[1], 127, 2);
+  }
+  const auto gray =
+      decode(encode(makeImage(16, 16, CGColorSpace::createDeviceGray(),
+                              CGImageAlphaInfo::premultipliedLast, [](std::size_t x, std::size_t) {
+                                return x < 8 ? Pixel{50, 100} : Pixel{0, 255};
+                              })));
+  ASSERT_TRUE(gray);
+  EXPECT_EQ(gray->layout().bitsPerPixel, 8U);
+  EXPECT_NEAR(pixelOf(*gray, 2, 8)[0], 205, 3);
+  EXPECT_NEAR(pixelOf(*gray, 13, 8)[0], 0, 3);
+}
+
+TEST(JpegEncode, QualityChoosesTheTables) {
+  const auto firstQuantum = [](double quality) {
+    const std::string file = encode(quarters(16, 16), atQuality(quality));
+    return static_cast<int>(static_cast<unsigned char>(file[file.find("\xFF\xDB") + 5]));
+  };
+  // The table of ITU-T T.81 begins with 16; quality 85 takes 30 % of it.
+  EXPECT_EQ(firstQuantum(1), 1);
+  EXPECT_EQ(firstQuantum(0.85), 5);
+  EXPECT_EQ(firstQuantum(0.5), 16);
+  EXPECT_EQ(firstQuantum(0), 255);
+}
+
+TEST(JpegEncode, MetadataComesBackHoweverLarge) {
+  const CGImage image = quarters(16, 16);
+  EncodeRequest request;
+  request.blocks.exif = dataOf("MM\0*" + noise(60'000));
+  request.blocks.xmp = dataOf("<x/>");
+  request.blocks.imageResources = dataOf(noise(150'000));
+  request.iccProfile = dataOf(noise(200'000));
+  const ImageHeader header = read(encode(image, request));
+  ASSERT_EQ(header.status, Status::complete);
+  EXPECT_EQ(header.blocks.exif, request.blocks.exif);
+  EXPECT_EQ(header.blocks.xmp, request.blocks.xmp);
+  EXPECT_EQ(header.blocks.imageResources, request.blocks.imageResources);
+  EXPECT_EQ(header.iccProfile, request.iccProfile);
+  EXPECT_EQ(header.formatProperties.find("{JFIF}"), nullptr);
+}
+
+TEST(JpegEncode, PartsComeBackInOrderFromJpegOnly) {
+  EncodeRequest request;
+  request.blocks.formatParts = {{0xFE, dataOf("a comment")}, {0xE0, dataOf("CIFF")}, {0xFE, {}}};
+  EXPECT_EQ(partsOf(encode(quarters(16, 16), request)), "");
+  request.blocks.format = UTTypeJPEG.identifier();
+  EXPECT_EQ(partsOf(encode(quarters(16, 16), request)),
+            "\xFE"
+            "a comment\n\xE0"
+            "CIFF\n");
+}
+
+TEST(JpegEncode, JfifIsAsItWasUnlessTheResolutionChanges) {
+  const auto written = [](Dictionary properties, bool hasExif) {
+    EncodeRequest request;
+    request.properties = std::move(properties);
+    if (hasExif) request.blocks.exif = dataOf("MM\0*"s);
+    const std::string file = encode(quarters(16, 16), request);
+    return file.substr(6, 4) == "JFIF" ? file.substr(11, 7) : "none";
+  };
+  const Value version(Array{1, 0, 2});
+  const auto stored = [&](int unit, int x, int y) {
+    return Dictionary{
+        {"JFIFVersion", version}, {"DensityUnit", unit}, {"XDensity", x}, {"YDensity", y}};
+  };
+  const Dictionary tiff{{"XResolution", 300}, {"YResolution", 300}};
+  EXPECT_EQ(written({}, false), "\1\1\0\0\1\0\1"s);
+  EXPECT_EQ(written({}, true), "none");
+  EXPECT_EQ(written({{"{JFIF}", Dictionary{{"IsProgressive", true}}}}, true), "none");
+  EXPECT_EQ(written({{"{JFIF}", stored(0, 4, 3)}}, true), "\1\2\0\0\4\0\3"s);
+  EXPECT_EQ(
+      written({{"{JFIF}", stored(2, 100, 100)}, {"DPIWidth", 254.0}, {"DPIHeight", 254.0}}, true),
+      "\1\2\2\0\x64\0\x64"s);
+  // EXIF says another resolution than JFIF, and did so before.
+  EXPECT_EQ(
+      written(
+          {{"{JFIF}", stored(1, 72, 72)}, {"{TIFF}", tiff}, {"DPIWidth", 300}, {"DPIHeight", 300}},
+          true),
+      "\1\2\1\0\x48\0\x48"s);
+  EXPECT_EQ(written({{"{JFIF}", stored(1, 72, 72)}, {"DPIWidth", 96}, {"DPIHeight", 97.4}}, true),
+            "\1\2\1\0\x60\0\x61"s);
+}
+
+TEST(JpegEncode, WhatFitsNoSegmentIsLeftOut) {
+  EncodeRequest request;
+  request.blocks.exif = dataOf(noise(65'528));
+  request.blocks.xmp = dataOf(noise(65'505));
+  request.properties = {{"DPIWidth", 300}, {"DPIHeight", 299.6}};
+  const std::string file = encode(quarters(16, 16), request);
+  const ImageHeader header = read(file);
+  EXPECT_TRUE(header.blocks.exif.empty());
+  EXPECT_TRUE(header.blocks.xmp.empty());
+  EXPECT_EQ(*header.formatProperties.get<Number>("DPIHeight"), Number(300));
+  EXPECT_TRUE(decode(file));
+
+  request.blocks.exif = dataOf(noise(65'527));
+  request.blocks.xmp = dataOf(noise(65'504));
+  const ImageHeader largest = read(encode(quarters(16, 16), request));
+  EXPECT_EQ(largest.blocks.exif, request.blocks.exif);
+  EXPECT_EQ(largest.blocks.xmp, request.blocks.xmp);
+}
+
+TEST(JpegEncode, RefusesWhatTheFormatCannotHold) {
+  const auto line = [](std::size_t width) {
+    return makeImage(width, 1, CGColorSpace::createDeviceGray(), CGImageAlphaInfo::none,
+                     [](std::size_t, std::size_t) { return Pixel{0}; });
+  };
+  EXPECT_NE(encode(line(65'500)), "");
+  EXPECT_EQ(encode(line(65'501)), "");
+}
+
+}  // namespace
+}  // namespace FrameworkUtility::testing

@@ -1,0 +1,365 @@
+#include <framework_utility/platform/graphics/image_transform.h>
+#include <framework_utility/platform/graphics/rgba_rows.h>
+#include <framework_utility/platform/imageio/formats/png/png_chunks.h>
+#include <framework_utility/platform/imageio/formats/png/png_codec.h>
+#include <framework_utility/platform/imageio/metadata/property_keys.h>
+
+#include <tests/platform/graphics/pictures.h>
+#include <tests/platform/imageio/formats/png_file.h>
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <array>
+#include <string>
+
+namespace FrameworkUtility {
+namespace {
+
+using detail::AlphaForm;
+using detail::ByteSource;
+using detail::EncodeRequest;
+using detail::ImageHeader;
+using detail::pngCodec;
+using detail::RGBARows;
+using testing::dataOf;
+using testing::layoutOf;
+using testing::noise;
+using testing::PngFile;
+using testing::PngPicture;
+using enum CGImageAlphaInfo;
+
+using Pixels = std::vector<std::uint16_t>;
+
+/// With 16 bits; what has 8 is read with 8.
+Pixels pixelsOf(const CGImage& image, AlphaForm form = AlphaForm::straight) {
+  const std::size_t rowLength = image.width() * 4;
+  Pixels pixels(rowLength * image.height());
+  const auto rows = RGBARows::of(image, form);
+  for (std::size_t y = 0; y < image.height(); ++y) {
+    if (image.layout().bitsPerComponent == 16) {
+      rows->read(y, &pixels[y * rowLength]);
+      continue;
+    }
+    testing::Bytes row(rowLength);
+    rows->read(y, row.data());
+    std::transform(row.begin(), row.end(), &pixels[y * rowLength],
+                   [](std::uint8_t v) { return static_cast<std::uint16_t>(v * 257); });
+  }
+  return pixels;
+}
+
+std::optional<CGImage> decoded(const Data& file) {
+  const ByteSource source(file);
+  return pngCodec().decode(source, pngCodec().readHeader(source), {});
+}
+
+std::optional<CGImage> decodedReduced(const Data& file, std::size_t maxPixelSize) {
+  const ByteSource source(file);
+  return pngCodec().decodeReduced(source, pngCodec().readHeader(source), maxPixelSize, {});
+}
+
+std::size_t samplesPerPixel(int colorType) {
+  return colorType == 2 ? 3 : colorType == 4 ? 2 : colorType == 6 ? 4 : 1;
+}
+
+std::size_t sampleAt(const PngPicture& picture, std::size_t y, std::size_t index) {
+  const std::size_t rowBytes = picture.rows.size() / picture.height;
+  const auto depth = static_cast<std::size_t>(picture.depth);
+  const std::uint8_t* row = &picture.rows[y * rowBytes];
+  if (depth == 16) return std::size_t{row[2 * index]} << 8 | row[2 * index + 1];
+  const std::size_t bit = index * depth;
+  return row[bit / 8] >> (8 - depth - bit % 8) & ((1U << depth) - 1);
+}
+
+/// The pixels by the format's definition, with 16 bits.
+Pixels expectedPixels(const PngPicture& picture) {
+  Pixels pixels;
+  const std::size_t samples = samplesPerPixel(picture.colorType);
+  const std::size_t scale = 65535 / ((std::size_t{1} << picture.depth) - 1);
+  for (std::size_t y = 0; y < picture.height; ++y) {
+    for (std::size_t x = 0; x < picture.width; ++x) {
+      std::array<std::size_t, 4> s{};
+      for (std::size_t i = 0; i < samples; ++i) s[i] = sampleAt(picture, y, x * samples + i);
+      std::array<std::size_t, 4> pixel{};
+      if (picture.colorType == 3) {
+        for (std::size_t c = 0; c < 3; ++c) pixel[c] = picture.palette[s[0] * 3 + c] * 257UL;
+        pixel[3] = s[0] < picture.transparency.size() ? picture.transparency[s[0]] * 257UL : 65535;
+      } else {
+        for (std::size_t c = 0; c < 3; ++c) pixel[c] = s[samples < 3 ? 0 : c] * scale;
+        bool isTransparent = !picture.transparentSample.empty();
+        for (std::size_t i = 0; i < picture.transparentSample.size(); ++i) {
+          isTransparent &= s[i] == static_cast<std::size_t>(picture.transparentSample[i]);
+        }
+        pixel[3] = samples % 2 == 0 ? s[samples - 1] * scale : isTransparent ? 0 : 65535;
+      }
+      pixels.insert(pixels.end(), pixel.begin(), pixel.end());
+    }
+  }
+  return pixels;
+}
+
+PngPicture pictureOf(int depth, int colorType, bool isInterlaced, bool hasTransparency) {
+  PngPicture picture;
+  picture.width = 19;
+  picture.height = 13;
+  picture.depth = depth;
+  picture.colorType = colorType;
+  picture.isInterlaced = isInterlaced;
+  const std::size_t bits =
+      picture.width * samplesPerPixel(colorType) * static_cast<std::size_t>(depth);
+  picture.rows = noise((bits + 7) / 8 * picture.height);
+  if (colorType == 3) picture.palette = noise(3U << depth, 7);
+  if (hasTransparency && colorType == 3) picture.transparency = noise(2, 9);
+  if (hasTransparency && colorType != 3) {
+    for (std::size_t i = 0; i < samplesPerPixel(colorType); ++i) {
+      picture.transparentSample.push_back(static_cast<int>(sampleAt(picture, 3, i)));
+    }
+  }
+  return picture;
+}
+
+TEST(PngPixelsTest, ReadsEveryKind) {
+  for (const int colorType : {0, 2, 3, 4, 6}) {
+    for (const int depth : {1, 2, 4, 8, 16}) {
+      if (depth < 8 && colorType != 0 && colorType != 3) continue;
+      if (depth == 16 && colorType == 3) continue;
+      for (const bool isInterlaced : {false, true}) {
+        for (const bool hasTransparency : {false, true}) {
+          if (hasTransparency && colorType >= 4) continue;
+          SCOPED_TRACE(::testing::Message() << "type " << colorType << " depth " << depth
+                                            << (isInterlaced ? " interlaced" : "")
+                                            << (hasTransparency ? " transparent" : ""));
+          const PngPicture picture = pictureOf(depth, colorType, isInterlaced, hasTransparency);
+          const Data file = writtenByLibpng(picture);
+          const auto image = decoded(file);
+          ASSERT_TRUE(image);
+          EXPECT_EQ(image->layout().bitsPerComponent, depth == 16 ? 16U : 8U);
+          EXPECT_EQ(image->colorSpace()->numberOfComponents(),
+                    colorType == 0 || colorType == 4 ? 1U : 3U);
+          const bool hasAlpha = hasTransparency || colorType >= 4;
+          EXPECT_EQ(image->alphaInfo(), hasAlpha ? last : colorType == 0 ? none : noneSkipLast);
+          ASSERT_EQ(pixelsOf(*image), expectedPixels(picture));
+
+          // 16 bits are rounded before they are averaged here, and after it there.
+          const auto reduced = decodedReduced(file, 8);
+          const auto expected = detail::reducedImage(*image, 8);
+          ASSERT_TRUE(reduced && expected);
+          ASSERT_EQ(reduced->width(), 8U);
+          ASSERT_EQ(reduced->height(), 5U);
+          const Pixels a = pixelsOf(*reduced, AlphaForm::premultiplied);
+          const Pixels b = pixelsOf(*expected, AlphaForm::premultiplied);
+          for (std::size_t i = 0; i < a.size(); ++i) ASSERT_NEAR(a[i], b[i], 257);
+        }
+      }
+    }
+  }
+}
+
+TEST(PngPixelsTest, DamagedPixelsAreNone) {
+  const Data file = writtenByLibpng(pictureOf(8, 6, false, false));
+  const testing::Bytes good = testing::bytesOf(file);
+  const std::string_view type = "IDAT";
+  const auto pixels = static_cast<std::size_t>(
+      std::search(good.begin(), good.end(), type.begin(), type.end()) - good.begin());
+  const std::size_t end = good.size() - 12;  // of the pixels' chunk
+  ASSERT_TRUE(decoded(file));
+  for (std::size_t i = pixels + 4; i < end; ++i) {
+    testing::Bytes bytes = good;
+    bytes[i] ^= 0x10;
+    EXPECT_FALSE(decoded(dataOf(bytes))) << i;
+    EXPECT_FALSE(decodedReduced(dataOf(bytes), 3)) << i;
+  }
+  for (std::size_t size = pixels + 4; size < end; ++size) {
+    const Data cut = dataOf({good.begin(), good.begin() + static_cast<std::ptrdiff_t>(size)});
+    EXPECT_EQ(pngCodec().readHeader(ByteSource(cut)).status, CGImageSourceStatus::complete);
+    EXPECT_FALSE(decoded(cut)) << size;
+  }
+  // What is behind the pixels harms none of them.
+  EXPECT_TRUE(decoded(dataOf({good.begin(), good.begin() + static_cast<std::ptrdiff_t>(end)})));
+}
+
+TEST(PngPixelsTest, BelievesNoSizeThatTheFileCannotHold) {
+  for (const std::uint32_t side : {0x7FFFFFFFU, 100'000U, 20'000U}) {
+    const Data file = PngFile().header(side, side, 16, 6).pixelAndEnd().data();
+    EXPECT_EQ(pngCodec().readHeader(ByteSource(file)).status, CGImageSourceStatus::complete);
+    EXPECT_FALSE(decoded(file));
+    EXPECT_FALSE(decodedReduced(file, 100));
+  }
+}
+
+TEST(PngPixelsTest, WritesWhatItReadsBack) {
+  const CGColorSpace gray = CGColorSpace::createDeviceGray();
+  const CGColorSpace rgb = CGColorSpace::createDeviceRGB();
+  using Order = CGImageByteOrder;
+  struct Case {
+    CGColorSpace space;
+    CGImageLayout layout;
+  };
+  constexpr std::size_t w = 31;
+  constexpr std::size_t h = 9;
+  for (const Case& c : {Case{gray, layoutOf(w, h, 1, none)},
+                        {gray, layoutOf(w, h, 2, last)},
+                        {gray, layoutOf(w, h, 1, none, 16, Order::little16)},
+                        {gray, layoutOf(w, h, 2, first, 16)},
+                        {gray, layoutOf(w, h, 1, alphaOnly)},
+                        {rgb, layoutOf(w, h, 3, none)},
+                        {rgb, layoutOf(w, h, 4, noneSkipFirst)},
+                        {rgb, layoutOf(w, h, 4, last)},
+                        {rgb, layoutOf(w, h, 4, first, 8, Order::little32)},
+                        {rgb, layoutOf(w, h, 4, premultipliedLast)},
+                        {rgb, layoutOf(w, h, 3, none, 16)},
+                        {rgb, layoutOf(w, h, 4, last, 16)},
+                        {rgb, layoutOf(w, h, 4, premultipliedLast, 16)},
+                        {CGColorSpace::createDeviceCMYK(), layoutOf(w, h, 4, none)}}) {
+    SCOPED_TRACE(::testing::Message()
+                 << c.space.numberOfComponents() << " components, " << c.layout.bitsPerPixel
+                 << " bits a pixel, alpha " << static_cast<std::uint32_t>(c.layout.alphaInfo));
+    const auto image = CGImage::create(c.layout, c.space, dataOf(noise(c.layout.bytesPerRow * h)));
+    std::vector<std::byte> file;
+    ASSERT_TRUE(pngCodec().encode(image.value(), {}, file, nullptr));
+    const auto back = decoded(Data(file));
+    ASSERT_TRUE(back);
+    EXPECT_EQ(back->layout().bitsPerComponent, c.layout.bitsPerComponent);
+    const bool isGray = c.space == gray;
+    EXPECT_EQ(back->colorSpace(), isGray ? gray : rgb);
+    EXPECT_EQ(pixelsOf(*back), pixelsOf(*image));
+  }
+}
+
+TEST(PngPixelsTest, WritesMetadataThatItReadsBack) {
+  const CGColorSpace p3 = CGColorSpace::createWithName(kCGColorSpaceDisplayP3).value();
+  const auto image = CGImage::create(layoutOf(4, 4, 3, none), p3, dataOf(noise(48)));
+  EncodeRequest request;
+  request.iccProfile = p3.iccData().value();
+  request.blocks.exif = dataOf({'I', 'I', '*', 0, 8, 0, 0, 0, 0, 0});
+  request.blocks.xmp = dataOf({'<', 'x', '/', '>'});
+  request.blocks.imageResources = dataOf(noise(100));
+  const Dictionary png{{"Title", "caf\u00E9"},
+                       {"Author", "\u65E5\u672C"},
+                       {"Creation Time", "yesterday"},
+                       {"ModificationTime", "2024:05:17 09:30:01"},
+                       {"Gamma", 7},
+                       {"Unheard of", "text"}};
+  request.properties = Dictionary{{"DPIWidth", 300}, {"DPIHeight", 150.5}, {"{PNG}", png}};
+  std::vector<std::byte> file;
+  ASSERT_TRUE(pngCodec().encode(image.value(), request, file, nullptr));
+
+  const ImageHeader header = pngCodec().readHeader(ByteSource(Data(file)));
+  EXPECT_EQ(header.status, CGImageSourceStatus::complete);
+  EXPECT_EQ(header.iccProfile, request.iccProfile);
+  EXPECT_EQ(header.blocks.exif, request.blocks.exif);
+  EXPECT_EQ(header.blocks.xmp, request.blocks.xmp);
+  EXPECT_EQ(header.blocks.imageResources, request.blocks.imageResources);
+  const Dictionary expected{{"DPIWidth", 300},
+                            {"DPIHeight", 5925 * 0.0254},
+                            {"{PNG}", Dictionary{{"InterlaceType", 0},
+                                                 {"XPixelsPerMeter", 11811},
+                                                 {"YPixelsPerMeter", 5925},
+                                                 {"Title", "caf\u00E9"},
+                                                 {"Author", "\u65E5\u672C"},
+                                                 {"Creation Time", "yesterday"},
+                                                 {"ModificationTime", "2024:05:17 09:30:01"}}}};
+  EXPECT_EQ(header.formatProperties, expected);
+  EXPECT_EQ(decoded(Data(file))->colorSpace(), p3);
+}
+
+/// "type:data" of each chunk of a PNG, less its header, pixels and end.
+std::vector<std::string> chunksOf(const Data& file) {
+  std::vector<std::string> found;
+  const ByteSource source(file);
+  detail::PngChunks chunks(source);
+  while (const auto chunk = chunks.next()) {
+    std::string text;
+    for (const int shift : {24, 16, 8, 0}) text += static_cast<char>(chunk->type >> shift & 255);
+    if (text == "IHDR" || text == "IDAT" || text == "IEND") continue;
+    const Data data = chunks.data(*chunk).value();
+    text += ':';
+    text.append(reinterpret_cast<const char*>(data.data()), data.size());
+    found.push_back(text);
+  }
+  return found;
+}
+
+TEST(PngPixelsTest, TextsAndWhatMayBeCopiedComeBack) {
+  using namespace std::string_literals;
+  testing::PngFile file;
+  const std::string white = "\0\0\x7A\x26\0\0\x80\x84"s;
+  const std::string primaries =
+      "\0\0\xFA\0\0\0\x80\xE8\0\0\x75\x30\0\0\xEA\x60\0\0\x3A\x98\0\0\x17\x70"s;
+  file.header(1, 1, 8, 0)
+      .chunk("cHRM", white + primaries)
+      .chunk("pHYs", "\0\0\0\2\0\0\0\1\0"s)
+      .chunk("tEXt", "Unheard of\0text"s)
+      .chunk("iTXt", "Title\0\0\0de\0Titel\0Ein"s)
+      .chunk("iTXt", "Title\0\0\0en\0Title\0One"s)
+      .chunk("tEXt", "Author\0Ada"s)
+      .chunk("tEXt", "Author\0Bo"s)
+      .chunk("tEXt", "Raw profile type icc\0"s)
+      .chunk("oFFs", "123456789")
+      .chunk("prVt", "ate")
+      .chunk("orNT", "\6")
+      .chunk("prVT", "unsafe")
+      .pixelAndEnd();
+  const ImageHeader header = pngCodec().readHeader(ByteSource(file.data()));
+  EncodeRequest request;
+  request.properties = header.formatProperties;
+  request.properties.set("DPIWidth", 72);  // as EXIF says
+  request.properties.set("DPIHeight", 72);
+  request.properties.set("{TIFF}", Dictionary{{"XResolution", 72}, {"YResolution", 72}});
+  request.blocks = header.blocks;
+  const auto image =
+      CGImage::create(layoutOf(1, 1, 1, none), CGColorSpace::createDeviceGray(), dataOf({0}));
+  const auto written = [&] {
+    std::vector<std::byte> out;
+    EXPECT_TRUE(pngCodec().encode(image.value(), request, out, nullptr));
+    return chunksOf(Data(std::move(out)));
+  };
+  std::vector<std::string> expected = {"cHRM:" + white + primaries,
+                                       "pHYs:\0\0\0\2\0\0\0\1\0"s,
+                                       "tEXt:Unheard of\0text"s,
+                                       "iTXt:Title\0\0\0de\0Titel\0Ein"s,
+                                       "iTXt:Title\0\0\0en\0Title\0One"s,
+                                       "tEXt:Author\0Ada"s,
+                                       "tEXt:Author\0Bo"s,
+                                       "oFFs:123456789",
+                                       "prVt:ate"};
+  EXPECT_EQ(written(), expected);
+
+  request.properties.subdictionary("{PNG}").set("Title", "New");
+  request.properties.subdictionary("{PNG}").remove("Author");
+  expected = {expected[0], expected[1], expected[2], expected[7], expected[8], "tEXt:Title\0New"s};
+  EXPECT_EQ(written(), expected);
+  request.blocks.format = "public.jpeg";
+  EXPECT_EQ(written().size(), 3U) << "the title, and DPI and gamma of a file that was no PNG";
+}
+
+TEST(PngPixelsTest, KeepsAResolutionThatNobodyChanged) {
+  const auto image =
+      CGImage::create(layoutOf(1, 1, 1, none), CGColorSpace::createDeviceGray(), dataOf({0}));
+  const auto perMetre = [&](Dictionary properties) {
+    EncodeRequest request;
+    request.properties = std::move(properties);
+    std::vector<std::byte> file;
+    EXPECT_TRUE(pngCodec().encode(image.value(), request, file, nullptr));
+    const ImageHeader header = pngCodec().readHeader(ByteSource(Data(file)));
+    const auto* png = header.formatProperties.get<Dictionary>("{PNG}");
+    const auto* number = png->get<Number>("XPixelsPerMeter");
+    return number ? number->integerValue() : 0;
+  };
+  const auto stored = [](Dictionary properties) {
+    properties.set("{PNG}", Dictionary{{"XPixelsPerMeter", 3779}, {"YPixelsPerMeter", 3779}});
+    return properties;
+  };
+  EXPECT_EQ(perMetre(stored({})), 3779);
+  EXPECT_EQ(perMetre(stored({{"DPIWidth", 96}, {"DPIHeight", 96}})), 3779);
+  EXPECT_EQ(perMetre(stored({{"DPIWidth", 97}, {"DPIHeight", 97}})), 3819);
+  const Dictionary tiff{{"XResolution", 180}, {"YResolution", 180}};
+  EXPECT_EQ(perMetre(stored({{"DPIWidth", 180}, {"DPIHeight", 180}, {"{TIFF}", tiff}})), 3779);
+  EXPECT_EQ(perMetre({{"DPIWidth", 96}, {"DPIHeight", 96}}), 3780);
+  EXPECT_EQ(perMetre({{"DPIWidth", 96}}), 0);
+  EXPECT_EQ(perMetre({{"DPIWidth", -1}, {"DPIHeight", 1e300}}), 0);
+}
+
+}  // namespace
+}  // namespace FrameworkUtility
