@@ -1,5 +1,7 @@
 #include <framework_utility/platform/imageio/formats/foreign_format.h>
 
+#include <framework_utility/platform/foundation/values/byte_reader.h>
+
 namespace FrameworkUtility::detail {
 
 namespace {
@@ -30,7 +32,7 @@ constexpr Mark marks[] = {{4, "ftyphei", "HEIC"},
 }  // namespace
 
 std::string_view foreignFormat(std::span<const std::byte> beginning) {
-  const std::string_view text(reinterpret_cast<const char*>(beginning.data()), beginning.size());
+  const std::string_view text = asText(beginning);
   for (const auto& [offset, bytes, format] : marks) {
     if (text.size() > offset && text.substr(offset).starts_with(bytes)) return format;
   }

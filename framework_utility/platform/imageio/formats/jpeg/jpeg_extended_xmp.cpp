@@ -1,12 +1,13 @@
 #include <framework_utility/platform/imageio/formats/jpeg/jpeg_extended_xmp.h>
 
+#include <framework_utility/platform/foundation/values/byte_reader.h>
+#include <framework_utility/platform/foundation/values/byte_writer.h>
 #include <framework_utility/platform/imageio/formats/jpeg/jpeg_header.h>
 #include <framework_utility/platform/imageio/formats/jpeg/jpeg_writer.h>
 
 #include <lcms2_plugin.h>
 
 #include <cstdint>
-#include <cstring>
 #include <map>
 #include <vector>
 
@@ -15,18 +16,9 @@ namespace FrameworkUtility::detail {
 namespace {
 
 constexpr std::size_t nameSize = 32;
-constexpr std::size_t headSize = jpegExtendedXmpSignature.size() + nameSize + 4 + 4;
 constexpr std::size_t longestPacket = JpegWriter::maximumSegmentSize - jpegXmpSignature.size();
 /// More than naming an extension adds to a packet.
 constexpr std::size_t roomForName = 256;
-
-std::size_t numberAt(std::span<const std::byte> bytes, std::size_t offset) {
-  std::size_t number = 0;
-  for (std::size_t i = 0; i < 4; ++i) {
-    number = number << 8 | std::to_integer<std::size_t>(bytes[offset + i]);
-  }
-  return number;
-}
 
 /// The MD5 of the bytes in capital hexadecimal digits; empty when memory is short.
 std::string digest(std::span<const std::byte> bytes) {
@@ -51,14 +43,15 @@ Data joinExtendedXmp(std::span<const Data> segments, std::string_view name) {
   std::map<std::size_t, std::span<const std::byte>> portions;  // by their offsets
   std::optional<std::size_t> length;
   for (const Data& segment : segments) {
-    const std::span<const std::byte> bytes = segment;
-    if (bytes.size() <= headSize || name.size() != nameSize ||
-        std::memcmp(bytes.data() + jpegExtendedXmpSignature.size(), name.data(), nameSize) != 0) {
-      continue;
-    }
-    if (length.value_or(numberAt(bytes, headSize - 8)) != numberAt(bytes, headSize - 8)) return {};
-    length = numberAt(bytes, headSize - 8);
-    portions[numberAt(bytes, headSize - 4)] = bytes.subspan(headSize);
+    ByteReader bytes(segment);
+    bytes.take(jpegExtendedXmpSignature.size());
+    const bool isOfName = asText(bytes.take(nameSize)) == name;
+    const std::size_t whole = bytes.take<std::uint32_t>();
+    const std::size_t offset = bytes.take<std::uint32_t>();
+    if (!isOfName || bytes.size() == 0) continue;
+    if (length.value_or(whole) != whole) return {};
+    length = whole;
+    portions[offset] = bytes.bytes();
   }
   std::size_t end = 0;
   for (const auto& [offset, portion] : portions) {
@@ -66,21 +59,16 @@ Data joinExtendedXmp(std::span<const Data> segments, std::string_view name) {
     end += portion.size();
   }
   if (end != length) return {};
-  std::vector<std::byte> packet;
+  ByteWriter packet;
   packet.reserve(end);
-  for (const auto& [offset, portion] : portions) {
-    packet.insert(packet.end(), portion.begin(), portion.end());
-  }
-  return Data(std::move(packet));
+  for (const auto& [offset, portion] : portions) packet.put(portion);
+  return Data(packet.takeBytes());
 }
 
 std::string extendedXmpHead(std::string_view name, std::size_t length, std::size_t offset) {
-  std::string head(jpegExtendedXmpSignature);
-  head += name;
-  for (const std::size_t number : {length, offset}) {
-    for (const int shift : {24, 16, 8, 0}) head += static_cast<char>(number >> shift & 255);
-  }
-  return head;
+  ByteWriter head;
+  head.put(jpegExtendedXmpSignature).put(name).putNumber(length, 4).putNumber(offset, 4);
+  return std::string(asText(head));
 }
 
 std::optional<XmpParts> xmpForSegments(const Data& packet, const Data& extension) {

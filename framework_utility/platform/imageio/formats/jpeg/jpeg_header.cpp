@@ -1,12 +1,12 @@
 #include <framework_utility/platform/imageio/formats/jpeg/jpeg_header.h>
 
 #include <framework_utility/platform/foundation/app/uniform_type.h>
+#include <framework_utility/platform/foundation/values/byte_reader.h>
 #include <framework_utility/platform/imageio/formats/jpeg/jpeg_extended_xmp.h>
 #include <framework_utility/platform/imageio/metadata/metadata_budget.h>
 #include <framework_utility/platform/imageio/metadata/property_keys.h>
 
 #include <algorithm>
-#include <cstring>
 #include <iterator>
 #include <memory>
 #include <span>
@@ -68,18 +68,6 @@ constexpr bool isBare(unsigned marker) {
   return marker == 0x01 || (marker >= 0xD0 && marker <= 0xD7);
 }
 
-std::size_t byteAt(Bytes bytes, std::size_t offset) {
-  return std::to_integer<std::size_t>(bytes[offset]);
-}
-
-std::size_t shortAt(Bytes bytes, std::size_t offset) {
-  return byteAt(bytes, offset) << 8 | byteAt(bytes, offset + 1);
-}
-
-bool startsWith(Bytes bytes, std::string_view text) {
-  return bytes.size() >= text.size() && std::memcmp(bytes.data(), text.data(), text.size()) == 0;
-}
-
 Data joined(std::span<const Data> pieces) {
   if (pieces.size() == 1) return pieces.front();
   std::size_t size = 0;
@@ -97,17 +85,16 @@ class Window {
       : source_(source), piece_(std::make_shared<const Data>(source.bytes(0, beginningSize))) {}
 
   /// Fewer bytes at the end of the source. Good until the next call.
-  Bytes at(std::uint64_t offset, std::size_t count) {
+  ByteReader at(std::uint64_t offset, std::size_t count) {
     if (offset < start_ || offset + count > start_ + piece_->size()) {
       start_ = offset;
       piece_ = std::make_shared<const Data>(source_.bytes(offset, std::max(count, windowSize)));
     }
-    const Bytes rest = Bytes(*piece_).subspan(static_cast<std::size_t>(offset - start_));
-    return rest.first(std::min(count, rest.size()));
+    return ByteReader(ByteReader(*piece_).partInside(offset - start_, count));
   }
 
   Data shared(std::uint64_t offset, std::size_t count) {
-    const Bytes bytes = at(offset, count);
+    const Bytes bytes = at(offset, count).bytes();
     return Data::withBytesNoCopy(bytes, piece_);
   }
 
@@ -154,7 +141,7 @@ class HeaderReader {
   };
 
   CGImageSourceStatus walk() {
-    if (!startsWith(window_.at(0, 2), "\xFF\xD8")) return CGImageSourceStatus::unknownType;
+    if (!window_.at(0, 2).startsWith("\xFF\xD8")) return CGImageSourceStatus::unknownType;
     offset_ = 2;
     for (int i = 0; i < maximumSegments; ++i) {
       Segment segment;
@@ -176,18 +163,17 @@ class HeaderReader {
   CGImageSourceStatus next(Segment& segment) {
     // Fill bytes may stand before a marker; some cameras leave others there too.
     for (int stray = 0; stray < maximumStrayBytes; ++stray) {
-      const Bytes bytes = window_.at(offset_, 4);
+      const ByteReader bytes = window_.at(offset_, 4);
       if (bytes.size() < 2) return CGImageSourceStatus::incomplete;
-      const std::size_t marker = byteAt(bytes, 1);
-      if (byteAt(bytes, 0) != 0xFF || marker == 0 || marker == 0xFF ||
-          isBare(static_cast<unsigned>(marker))) {
+      segment.marker = bytes.at<std::uint8_t>(1);
+      if (bytes.at<std::uint8_t>(0) != 0xFF || segment.marker == 0 || segment.marker == 0xFF ||
+          isBare(segment.marker)) {
         ++offset_;
         continue;
       }
-      segment.marker = static_cast<unsigned>(marker);
       if (segment.marker == endOfImage) return CGImageSourceStatus::complete;
       if (bytes.size() < 4) return CGImageSourceStatus::incomplete;
-      const std::size_t length = shortAt(bytes, 2);  // counts itself
+      const std::size_t length = bytes.at<std::uint16_t>(2);  // counts itself
       if (length < 2 || segment.marker == startOfImage) return CGImageSourceStatus::invalidData;
       segment.offset = offset_ + 4;
       segment.size = length - 2;
@@ -200,12 +186,12 @@ class HeaderReader {
 
   /// False for a second frame or an impossible one.
   bool readFrame(const Segment& segment) {
-    const Bytes bytes = window_.at(segment.offset, segment.size);
-    if (header_.width > 0 || bytes.size() < 6) return false;
-    const std::size_t components = byteAt(bytes, 5);
-    header_.bitsPerComponent = byteAt(bytes, 0);
-    header_.height = shortAt(bytes, 1);
-    header_.width = shortAt(bytes, 3);
+    ByteReader bytes = window_.at(segment.offset, segment.size);
+    if (header_.width > 0) return false;
+    header_.bitsPerComponent = bytes.take<std::uint8_t>();
+    header_.height = bytes.take<std::uint16_t>();
+    header_.width = bytes.take<std::uint16_t>();
+    const std::size_t components = bytes.take<std::uint8_t>();
     header_.model = components == 1   ? CGColorSpaceModel::monochrome
                     : components == 3 ? CGColorSpaceModel::rgb
                     : components == 4 ? CGColorSpaceModel::cmyk
@@ -215,7 +201,7 @@ class HeaderReader {
           .set(kCGImagePropertyJFIFIsProgressive, true);
     }
     return header_.width > 0 && header_.height > 0 && header_.bitsPerComponent >= 2 &&
-           header_.bitsPerComponent <= 16 && components > 0 && bytes.size() == 6 + 3 * components;
+           header_.bitsPerComponent <= 16 && components > 0 && bytes.size() == 3 * components;
   }
 
   void readApplicationSegment(const Segment& segment) {
@@ -251,15 +237,15 @@ class HeaderReader {
   /// can be told.
   bool isKept(const Segment& segment) {
     constexpr std::size_t enough = 64;
-    const Bytes bytes = window_.at(segment.offset, std::min(segment.size, enough));
+    const ByteReader bytes = window_.at(segment.offset, std::min(segment.size, enough));
     const bool isPicture =
         segment.marker >= application2 && segment.marker <= application5 &&
-        (startsWith(bytes, "\xFF\xD8\xFF") || startsWith(bytes, {"QVGA\0\xFF\xD8\xFF", 8}) ||
-         startsWith(bytes, "BGTH\xFF\xD8\xFF"));
+        (bytes.startsWith("\xFF\xD8\xFF") || bytes.startsWith({"QVGA\0\xFF\xD8\xFF", 8}) ||
+         bytes.startsWith("BGTH\xFF\xD8\xFF"));
     if (isPicture || segment.marker != picture_) picture_ = isPicture ? segment.marker : 0;
     return picture_ == 0 &&
            std::none_of(std::begin(notKept), std::end(notKept), [&](const Kind& kind) {
-             return kind.marker == segment.marker && startsWith(bytes, kind.signature);
+             return kind.marker == segment.marker && bytes.startsWith(kind.signature);
            });
   }
 
@@ -273,22 +259,24 @@ class HeaderReader {
   }
 
   /// JFIF 1.02: version, unit of density, densities, thumbnail.
-  void readJfif(Bytes bytes) {
-    if (hasJfif_ || bytes.size() < 12 || !startsWith(bytes, {"JFIF\0", 5})) return;
+  void readJfif(ByteReader bytes) {
+    if (hasJfif_ || bytes.size() < 12 || !bytes.startsWith({"JFIF\0", 5})) return;
     hasJfif_ = true;
-    const std::size_t minor = byteAt(bytes, 6);
-    const std::size_t unit = byteAt(bytes, 7);
-    const std::size_t x = shortAt(bytes, 8);
-    const std::size_t y = shortAt(bytes, 10);
+    bytes.take(5);
+    const int major = bytes.take<std::uint8_t>();
+    const int minor = bytes.take<std::uint8_t>();
+    const int unit = bytes.take<std::uint8_t>();
+    const int x = bytes.take<std::uint16_t>();
+    const int y = bytes.take<std::uint16_t>();
     Dictionary& jfif = header_.formatProperties.subdictionary(kCGImagePropertyJFIFDictionary);
     jfif.set(kCGImagePropertyJFIFVersion,
-             Value(Array{byteAt(bytes, 5), minor / 10, minor % 10}));  // 1.02 is [1, 0, 2]
+             Value(Array{major, minor / 10, minor % 10}));  // 1.02 is [1, 0, 2]
     jfif.set(kCGImagePropertyJFIFDensityUnit, unit);
     jfif.set(kCGImagePropertyJFIFXDensity, x);
     jfif.set(kCGImagePropertyJFIFYDensity, y);
     if (x > 0 && y > 0 && (unit == 1 || unit == 2)) {  // a inch, a centimetre
-      const auto perInch = [&](std::size_t density) {
-        return unit == 1 ? Value(density) : Value(static_cast<double>(density) * 2.54);
+      const auto perInch = [&](int density) {
+        return unit == 1 ? Value(density) : Value(density * 2.54);
       };
       header_.formatProperties.set(kCGImagePropertyDPIWidth, perInch(x));
       header_.formatProperties.set(kCGImagePropertyDPIHeight, perInch(y));
@@ -316,8 +304,8 @@ class HeaderReader {
 
   void readProfileChunk(const Segment& segment) {
     if (const Data bytes = contents(segment, jpegProfileSignature, 2); !bytes.empty()) {
-      const Bytes number = window_.at(segment.offset + jpegProfileSignature.size(), 2);
-      profileChunks_.push_back({byteAt(number, 0), byteAt(number, 1), bytes});
+      ByteReader number = window_.at(segment.offset + jpegProfileSignature.size(), 2);
+      profileChunks_.push_back({number.take<std::uint8_t>(), number.take<std::uint8_t>(), bytes});
     }
   }
 
@@ -326,7 +314,7 @@ class HeaderReader {
   Data contents(const Segment& segment, std::string_view signature, std::size_t distance = 0) {
     const std::size_t skipped = signature.size() + distance;
     if (segment.size <= skipped ||
-        !startsWith(window_.at(segment.offset, signature.size()), signature)) {
+        !window_.at(segment.offset, signature.size()).startsWith(signature)) {
       return {};
     }
     if (metadataSize_ + segment.size > maximumMetadataSize) {

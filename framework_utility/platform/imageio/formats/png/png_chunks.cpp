@@ -1,9 +1,8 @@
 #include <framework_utility/platform/imageio/formats/png/png_chunks.h>
 
-#include <algorithm>
-#include <array>
 #include <cstdint>
 #include <memory>
+#include <string_view>
 
 #include <zlib.h>
 
@@ -11,7 +10,7 @@ namespace FrameworkUtility::detail {
 
 namespace {
 
-constexpr std::array<std::uint8_t, 8> signature{0x89, 'P', 'N', 'G', '\r', '\n', 0x1A, '\n'};
+constexpr std::string_view signature = "\x89PNG\r\n\x1A\n";
 constexpr std::uint32_t maximumLength = 0x7FFFFFFF;
 constexpr std::size_t checksumSize = 4;
 
@@ -24,25 +23,16 @@ bool isType(std::uint32_t type) {
 
 }  // namespace
 
-std::uint32_t pngNumber(std::span<const std::byte> bytes, std::size_t offset) {
-  std::uint32_t number = 0;
-  for (std::size_t i = 0; i < 4; ++i) {
-    number = number << 8 | std::to_integer<std::uint32_t>(bytes[offset + i]);
-  }
-  return number;
-}
-
 bool hasPngSignature(std::span<const std::byte> beginning) {
-  return beginning.size() >= signature.size() &&
-         std::equal(signature.begin(), signature.end(), beginning.begin(),
-                    [](std::uint8_t a, std::byte b) { return std::byte{a} == b; });
+  return asText(beginning).starts_with(signature);
 }
 
 std::optional<PngChunk> PngChunks::next() {
   if (isBroken_) return std::nullopt;
-  const Data head = source_.bytes(offset_, 8);
-  if (head.size() < 8) return std::nullopt;
-  const PngChunk chunk{pngNumber(head, 4), pngNumber(head, 0), offset_ + 8};
+  const Data bytes = source_.bytes(offset_, 8);
+  if (bytes.size() < 8) return std::nullopt;
+  const ByteReader head(bytes);
+  const PngChunk chunk{head.at<std::uint32_t>(4), head.at<std::uint32_t>(0), offset_ + 8};
   if (chunk.length > maximumLength || !isType(chunk.type)) {
     isBroken_ = true;
     return std::nullopt;
@@ -63,7 +53,8 @@ std::optional<Data> PngChunks::data(const PngChunk& chunk) const {
       std::make_shared<const Data>(source_.bytes(chunk.offset - 4, covered + checksumSize));
   if (bytes->size() < covered + checksumSize) return std::nullopt;
   const auto* begin = reinterpret_cast<const Bytef*>(bytes->data());
-  if (crc32_z(0, begin, covered) != pngNumber(*bytes, covered)) return std::nullopt;
+  if (crc32_z(0, begin, covered) != ByteReader(*bytes).at<std::uint32_t>(covered))
+    return std::nullopt;
   return Data::withBytesNoCopy({bytes->data() + 4, chunk.length}, bytes);
 }
 

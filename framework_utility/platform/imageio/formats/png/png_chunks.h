@@ -1,6 +1,7 @@
 #pragma once
 
 #include <framework_utility/platform/foundation/files/byte_source.h>
+#include <framework_utility/platform/foundation/values/byte_reader.h>
 #include <framework_utility/platform/foundation/values/data.h>
 
 #include <cstddef>
@@ -10,15 +11,8 @@
 
 namespace FrameworkUtility::detail {
 
-/// A chunk's type as the number that its four letters make, the first highest: `pngType("IHDR")`.
-constexpr std::uint32_t pngType(const char (&letters)[5]) {
-  std::uint32_t type = 0;
-  for (int i = 0; i < 4; ++i) type = type << 8 | static_cast<unsigned char>(letters[i]);
-  return type;
-}
-
-/// The 32-bit number at `offset`, which lies inside.
-std::uint32_t pngNumber(std::span<const std::byte> bytes, std::size_t offset);
+/// A chunk's type as a number: `pngType("IHDR")`.
+constexpr std::uint32_t pngType(const char (&letters)[5]) { return fourCharCode(letters); }
 
 bool hasPngSignature(std::span<const std::byte> beginning);
 

@@ -1,6 +1,7 @@
 #include <framework_utility/platform/imageio/formats/png/png_encode.h>
 
 #include <framework_utility/platform/foundation/app/uniform_type.h>
+#include <framework_utility/platform/foundation/values/byte_writer.h>
 #include <framework_utility/platform/foundation/values/utf8.h>
 #include <framework_utility/platform/graphics/pixel_buffer.h>
 #include <framework_utility/platform/graphics/rgba_rows.h>
@@ -27,26 +28,15 @@ namespace FrameworkUtility::detail {
 
 namespace {
 
-/// A chunk's data in the making.
-class ChunkData {
- public:
-  ChunkData& byte(std::uint32_t value) {
-    bytes_.push_back(static_cast<std::byte>(value));
-    return *this;
-  }
-  ChunkData& word(std::uint32_t value) { return byte(value >> 8 & 255).byte(value & 255); }
-  ChunkData& number(std::uint32_t value) { return word(value >> 16).word(value & 0xFFFF); }
-  ChunkData& text(std::string_view text) { return append(std::as_bytes(std::span(text))); }
-  ChunkData& append(std::span<const std::byte> bytes) {
-    bytes_.insert(bytes_.end(), bytes.begin(), bytes.end());
-    return *this;
-  }
-
-  operator std::span<const std::byte>() const { return bytes_; }
-
- private:
-  std::vector<std::byte> bytes_;
-};
+/// The beginning of a chunk of text: the NUL behind the keyword, and that it is compressed in the
+/// one way that there is.
+ByteWriter packedText(std::string_view keyword) {
+  return ByteWriter().put(keyword).putNumber(0, 2);
+}
+/// Of an iTXt chunk: neither compressed nor of a certain language.
+ByteWriter internationalText(std::string_view keyword) {
+  return ByteWriter().put(keyword).putNumber(0, 5);
+}
 
 bool isOfPng(const EncodeRequest& request) {
   return request.blocks.format == UTTypePNG.identifier();
@@ -59,11 +49,9 @@ std::span<const FormatPart> partsOf(const EncodeRequest& request) {
 bool writeText(PngWriter& writer, std::string_view keyword, std::string text) {
   std::erase(text, '\0');  // no text chunk can hold one
   if (const std::optional<std::string> latin1 = utf8::toLatin1(text)) {
-    return writer.writeChunk("tEXt", ChunkData().text(keyword).byte(0).text(*latin1));
+    return writer.writeChunk("tEXt", ByteWriter().put(keyword).putNumber(0, 1).put(*latin1));
   }
-  // Neither compressed nor of a certain language.
-  return writer.writeChunk("iTXt",
-                           ChunkData().text(keyword).byte(0).word(0).byte(0).byte(0).text(text));
+  return writer.writeChunk("iTXt", internationalText(keyword).put(text));
 }
 
 bool writeTime(PngWriter& writer, const std::string& text) {
@@ -74,8 +62,10 @@ bool writeTime(PngWriter& writer, const std::string& text) {
       t[1] < 1 || t[1] > 12 || t[2] < 1 || t[2] > 31 || t[3] > 23 || t[4] > 59 || t[5] > 60) {
     return true;  // not a time: nothing to write
   }
-  return writer.writeChunk(
-      "tIME", ChunkData().word(t[0]).byte(t[1]).byte(t[2]).byte(t[3]).byte(t[4]).byte(t[5]));
+  ByteWriter data;
+  data.putNumber(t[0], 2);
+  for (std::size_t i = 1; i < t.size(); ++i) data.putNumber(t[i], 1);
+  return writer.writeChunk("tIME", data);
 }
 
 std::optional<std::uint32_t> asResolution(double value) {
@@ -102,7 +92,10 @@ std::optional<std::uint32_t> resolution(const EncodeRequest& request, const Dict
 bool writeResolution(PngWriter& writer, const EncodeRequest& request, const Dictionary& png) {
   const auto x = resolution(request, png, "X", "DPIWidth");
   const auto y = resolution(request, png, "Y", "DPIHeight");
-  if (x && y) return writer.writeChunk("pHYs", ChunkData().number(*x).number(*y).byte(1));
+  if (x && y) {
+    return writer.writeChunk(
+        "pHYs", ByteWriter().put<std::uint32_t>(*x).put<std::uint32_t>(*y).put<std::uint8_t>(1));
+  }
   for (const FormatPart& part : partsOf(request)) {
     if (part.kind == pngType("pHYs")) return writer.writeChunk("pHYs", part.contents);
   }
@@ -116,7 +109,9 @@ bool writeStandardColors(PngWriter& writer, const EncodeRequest& request, const 
   const bool isAsBefore = isOfPng(request) && !request.properties.find(kCGImagePropertyProfileName);
   const auto isSaid = [&](std::string_view key) { return !isAsBefore || png.find(key); };
   constexpr std::uint32_t gammaOf22 = 45455;
-  if (isSaid("Gamma") && !writer.writeChunk("gAMA", ChunkData().number(gammaOf22))) return false;
+  if (isSaid("Gamma") && !writer.writeChunk("gAMA", ByteWriter().put<std::uint32_t>(gammaOf22))) {
+    return false;
+  }
 
   constexpr std::array<std::uint32_t, 8> primaries = {31270, 32900, 64000, 33000,
                                                       30000, 60000, 15000, 6000};
@@ -127,15 +122,16 @@ bool writeStandardColors(PngWriter& writer, const EncodeRequest& request, const 
                      const Number* number = value.as<Number>();
                      return number && std::abs(number->doubleValue() * 100'000 - exact) < 100;
                    });
-    ChunkData data;
-    for (const std::uint32_t number : primaries) data.number(number);
+    ByteWriter data;
+    for (const std::uint32_t number : primaries) data.put<std::uint32_t>(number);
     if (isThese && !writer.writeChunk("cHRM", data)) return false;
   }
 
   const Number* intent = png.get<Number>("sRGBIntent");
   const double number = intent ? intent->doubleValue() : 0;
   const auto known = number >= 0 && number <= 3 ? static_cast<std::uint32_t>(number) : 0;
-  return isGray || !isSaid("sRGBIntent") || writer.writeChunk("sRGB", ChunkData().byte(known));
+  return isGray || !isSaid("sRGBIntent") ||
+         writer.writeChunk("sRGB", ByteWriter().putNumber(known, 1));
 }
 
 /// What the components mean. A profile that every reader knows without it becomes a few bytes.
@@ -148,7 +144,7 @@ bool writeColorSpace(PngWriter& writer, const Data& profile, bool isGray,
   }
   const std::vector<std::byte> packed = deflated(profile);
   if (packed.empty()) return false;
-  return writer.writeChunk("iCCP", ChunkData().text("ICC profile").byte(0).byte(0).append(packed));
+  return writer.writeChunk("iCCP", packedText("ICC profile").put(packed));
 }
 
 /// The parts as they were, the texts among them that nobody changed, and the changed and new texts.
@@ -187,18 +183,14 @@ bool writeMetadata(PngWriter& writer, const EncodeRequest& request, const Dictio
   if (!blocks.exif.empty() && !writer.writeChunk("eXIf", blocks.exif)) return false;
   const Data xmp =
       blocks.extendedXmp.empty() ? blocks.xmp : joinedXmp(blocks.xmp, blocks.extendedXmp);
-  if (!xmp.empty() &&
-      !writer.writeChunk(
-          "iTXt", ChunkData().text(pngXmpKeyword).byte(0).word(0).byte(0).byte(0).append(xmp))) {
+  if (!xmp.empty() && !writer.writeChunk("iTXt", internationalText(pngXmpKeyword).put(xmp))) {
     return false;
   }
   if (!blocks.imageResources.empty()) {
     const std::string text = rawProfile("iptc", blocks.imageResources);
-    if (!writer.writeChunk("zTXt", ChunkData()
-                                       .text("Raw profile type iptc")
-                                       .byte(0)
-                                       .byte(0)
-                                       .append(deflated(std::as_bytes(std::span(text)))))) {
+    if (!writer.writeChunk(
+            "zTXt",
+            packedText("Raw profile type iptc").put(deflated(std::as_bytes(std::span(text)))))) {
       return false;
     }
   }

@@ -1,6 +1,8 @@
 #include <framework_utility/platform/imageio/formats/png/png_header.h>
 
 #include <framework_utility/platform/foundation/app/uniform_type.h>
+#include <framework_utility/platform/foundation/values/byte_reader.h>
+#include <framework_utility/platform/foundation/values/byte_writer.h>
 #include <framework_utility/platform/imageio/formats/png/png_chunks.h>
 #include <framework_utility/platform/imageio/formats/png/png_text.h>
 #include <framework_utility/platform/imageio/metadata/metadata_budget.h>
@@ -29,14 +31,8 @@ constexpr std::string_view xmpPrefix{"http://ns.adobe.com/xap/1.0/\0", 29};
 /// The head of the image resource that holds an IPTC record, up to its length.
 constexpr std::string_view iptcResource{"8BIM\x04\x04\0\0", 8};
 
-std::uint8_t byteAt(const Data& data, std::size_t offset) {
-  return std::to_integer<std::uint8_t>(data.data()[offset]);
-}
-
 bool beginsWith(const Data& data, std::string_view prefix) {
-  return data.size() >= prefix.size() &&
-         std::equal(prefix.begin(), prefix.end(), data.begin(),
-                    [](char a, std::byte b) { return static_cast<std::byte>(a) == b; });
+  return asText(data).starts_with(prefix);
 }
 
 Data withoutPrefix(const Data& data, std::string_view prefix) {
@@ -45,17 +41,11 @@ Data withoutPrefix(const Data& data, std::string_view prefix) {
 
 /// A bare IPTC record in the image resource where it belongs.
 Data asImageResources(const Data& data) {
-  if (data.empty() || data.data()[0] != std::byte{0x1C}) return data;
-  const auto* head = reinterpret_cast<const std::byte*>(iptcResource.data());
-  std::vector<std::byte> bytes;
+  if (!beginsWith(data, "\x1C")) return data;
+  ByteWriter bytes;
   bytes.reserve(iptcResource.size() + 4 + data.size() + 1);
-  bytes.assign(head, head + iptcResource.size());
-  for (const int shift : {24, 16, 8, 0}) {
-    bytes.push_back(static_cast<std::byte>(data.size() >> shift & 255));
-  }
-  bytes.insert(bytes.end(), data.begin(), data.end());
-  if (data.size() % 2 != 0) bytes.push_back(std::byte{0});
-  return Data(std::move(bytes));
+  bytes.put(iptcResource).putNumber(data.size(), 4).put(data).putNumber(0, data.size() % 2);
+  return Data(bytes.takeBytes());
 }
 
 /// What may stay beside other pixels: the standard's mark of a type that is safe to copy. Not an
@@ -133,9 +123,10 @@ class HeaderReader {
   }
 
   void takeData(std::uint32_t type, const Data& data) {
+    const ByteReader bytes(data);
     switch (type) {
       case pngType("IHDR"):
-        return takeHeader(data);
+        return takeHeader(bytes);
       case pngType("PLTE"):
         hasPalette_ = true;
         return;
@@ -143,12 +134,12 @@ class HeaderReader {
         header_.hasAlpha = true;
         return;
       case pngType("gAMA"):
-        if (data.size() == 4) set("Gamma", pngNumber(data, 0) / 100000.0);
+        if (data.size() == 4) set("Gamma", bytes.at<std::uint32_t>(0) / 100000.0);
         return;
       case pngType("cHRM"):
-        return takeChromaticities(data);
+        return takeChromaticities(bytes);
       case pngType("sRGB"):
-        if (data.size() == 1) set("sRGBIntent", int{byteAt(data, 0)});
+        if (data.size() == 1) set("sRGBIntent", int{bytes.at<std::uint8_t>(0)});
         return;
       case pngType("pHYs"):
         return takeResolution(data);
@@ -159,7 +150,7 @@ class HeaderReader {
         }
         return;
       case pngType("tIME"):
-        return takeTime(data);
+        return takeTime(bytes);
       case pngType("eXIf"):
         if (header_.blocks.exif.empty()) header_.blocks.exif = withoutPrefix(data, exifPrefix);
         return;
@@ -176,24 +167,22 @@ class HeaderReader {
     header_.blocks.formatParts.push_back({type, data});
   }
 
-  void takeHeader(const Data& data) {
-    if (data.size() != 13) {
-      isInvalid_ = true;
-      return;
-    }
-    const std::uint32_t width = pngNumber(data, 0);
-    const std::uint32_t height = pngNumber(data, 4);
-    const unsigned depth = byteAt(data, 8);
-    colorType_ = byteAt(data, 9);
-    const unsigned interlacing = byteAt(data, 12);
+  void takeHeader(ByteReader bytes) {
+    const bool isWhole = bytes.size() == 13;
+    const auto width = bytes.take<std::uint32_t>();
+    const auto height = bytes.take<std::uint32_t>();
+    const unsigned depth = bytes.take<std::uint8_t>();
+    colorType_ = bytes.take<std::uint8_t>();
+    const unsigned methods = bytes.take<std::uint16_t>();  // of compression and of filtering
+    const unsigned interlacing = bytes.take<std::uint8_t>();
     // The standard's table of bit depths: a bit for each depth.
     const unsigned depths = colorType_ == 0   ? 1 | 2 | 4 | 8 | 16
                             : colorType_ == 3 ? 1 | 2 | 4 | 8
                             : colorType_ == 2 || colorType_ == 4 || colorType_ == 6 ? 8 | 16
                                                                                     : 0;
-    isInvalid_ = width == 0 || height == 0 || width > 0x7FFFFFFF || height > 0x7FFFFFFF ||
-                 (depth & (depth - 1)) != 0 || (depth & depths) == 0 || byteAt(data, 10) != 0 ||
-                 byteAt(data, 11) != 0 || interlacing > 1;
+    isInvalid_ = !isWhole || width == 0 || height == 0 || width > 0x7FFFFFFF ||
+                 height > 0x7FFFFFFF || (depth & (depth - 1)) != 0 || (depth & depths) == 0 ||
+                 methods != 0 || interlacing > 1;
     header_.width = width;
     header_.height = height;
     header_.bitsPerComponent = isIndexed() ? 8 : depth;  // a palette's entries have 8
@@ -204,34 +193,36 @@ class HeaderReader {
     set("InterlaceType", static_cast<int>(interlacing));
   }
 
-  void takeChromaticities(const Data& data) {
-    if (data.size() != 32) return;
+  void takeChromaticities(ByteReader bytes) {
+    if (bytes.size() != 32) return;
     Array values;
-    for (std::size_t offset = 0; offset < 32; offset += 4) {
-      values.emplace_back(pngNumber(data, offset) / 100000.0);
-    }
+    while (bytes.size() > 0) values.emplace_back(bytes.take<std::uint32_t>() / 100000.0);
     set("Chromaticities", Value(std::move(values)));
   }
 
   void takeResolution(const Data& data) {
+    if (data.size() != 9) return;
+    ByteReader bytes(data);
+    const auto x = bytes.take<std::uint32_t>();
+    const auto y = bytes.take<std::uint32_t>();
+    const auto unit = bytes.take<std::uint8_t>();
     // A unit of 0 says only how wide pixels are for their height.
-    if (data.size() == 9 && byteAt(data, 8) == 0) keep(pngType("pHYs"), data);
-    if (data.size() != 9 || byteAt(data, 8) != 1) return;
-    const std::uint32_t x = pngNumber(data, 0);
-    const std::uint32_t y = pngNumber(data, 4);
-    if (x == 0 || y == 0) return;
+    if (unit == 0) keep(pngType("pHYs"), data);
+    if (unit != 1 || x == 0 || y == 0) return;
     set("XPixelsPerMeter", x);
     set("YPixelsPerMeter", y);
     header_.formatProperties.set("DPIWidth", pngDotsPerInch(x));
     header_.formatProperties.set("DPIHeight", pngDotsPerInch(y));
   }
 
-  void takeTime(const Data& data) {
-    if (data.size() != 7) return;
+  void takeTime(ByteReader bytes) {
+    if (bytes.size() != 7) return;
+    const unsigned year = bytes.take<std::uint16_t>();
+    std::array<unsigned, 5> rest;
+    for (unsigned& number : rest) number = bytes.take<std::uint8_t>();
     char text[32];
-    std::snprintf(text, sizeof text, "%04u:%02u:%02u %02u:%02u:%02u", pngNumber(data, 0) >> 16,
-                  unsigned{byteAt(data, 2)}, unsigned{byteAt(data, 3)}, unsigned{byteAt(data, 4)},
-                  unsigned{byteAt(data, 5)}, unsigned{byteAt(data, 6)});
+    std::snprintf(text, sizeof text, "%04u:%02u:%02u %02u:%02u:%02u", year, rest[0], rest[1],
+                  rest[2], rest[3], rest[4]);
     set("ModificationTime", text);
   }
 
@@ -253,9 +244,8 @@ class HeaderReader {
         texts_.leaveOut(kCGImagePropertyPNGDictionary);
       }
     } else if (isRaw) {
-      const std::string_view digits(reinterpret_cast<const char*>(text->bytes.data()),
-                                    text->bytes.size());
-      if (auto bytes = bytesOfRawProfile(digits)) takeRawProfile(keyword, Data(std::move(*bytes)));
+      auto bytes = bytesOfRawProfile(asText(text->bytes));
+      if (bytes) takeRawProfile(keyword, Data(*std::move(bytes)));
     } else if (header_.blocks.xmp.empty()) {
       header_.blocks.xmp = asUtf8(*text);
     }

@@ -17,10 +17,6 @@ namespace FrameworkUtility::detail {
 
 namespace {
 
-std::string_view textOf(std::span<const std::byte> bytes) {
-  return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
-}
-
 /// What follows the next NUL; absent without one.
 std::optional<std::span<const std::byte>> behindNul(std::span<const std::byte> bytes) {
   const auto nul = std::find(bytes.begin(), bytes.end(), std::byte{0});
@@ -117,13 +113,13 @@ std::vector<std::byte> deflated(std::span<const std::byte> bytes) {
 
 std::string_view pngKeyword(std::span<const std::byte> chunk) {
   constexpr std::size_t longest = 79;
-  const std::string_view text = textOf(chunk.first(std::min(chunk.size(), longest + 1)));
+  const std::string_view text = asText(chunk.first(std::min(chunk.size(), longest + 1)));
   const std::size_t end = text.find('\0');
   return end == std::string_view::npos ? std::string_view() : text.substr(0, end);
 }
 
 std::string PngText::utf8() const {
-  return isLatin1 ? utf8::fromLatin1(textOf(bytes)) : std::string(textOf(bytes));
+  return isLatin1 ? utf8::fromLatin1(asText(bytes)) : std::string(asText(bytes));
 }
 
 std::optional<PngText> pngText(std::uint32_t type, const Data& chunk, InflationBudget& budget) {
