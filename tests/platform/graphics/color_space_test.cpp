@@ -4,8 +4,8 @@
 
 #include <gtest/gtest.h>
 
-#include <cstring>
-#include <string>
+#include <algorithm>
+#include <string_view>
 
 namespace FrameworkUtility {
 namespace {
@@ -13,24 +13,14 @@ namespace {
 using testing::bytesOf;
 using testing::dataOf;
 
-void setBig32(std::vector<std::uint8_t>& bytes, std::size_t offset, std::uint32_t value) {
-  for (std::size_t i = 0; i < 4; ++i) {
-    bytes[offset + i] = static_cast<std::uint8_t>(value >> (24 - 8 * i));
-  }
+std::vector<std::uint8_t> profileOf(std::string_view name) {
+  return bytesOf(*CGColorSpace::createWithName(name)->iccData());
 }
 
-std::uint32_t big32(const std::vector<std::uint8_t>& bytes, std::size_t offset) {
-  return std::uint32_t{bytes[offset]} << 24 | std::uint32_t{bytes[offset + 1]} << 16 |
-         std::uint32_t{bytes[offset + 2]} << 8 | bytes[offset + 3];
-}
-
-/// Where the tag's data begin.
-std::size_t tagOffset(const std::vector<std::uint8_t>& profile, const char* tag) {
-  for (std::size_t entry = 132; entry < 132 + 12 * big32(profile, 128); entry += 12) {
-    if (std::memcmp(&profile[entry], tag, 4) == 0) return big32(profile, entry + 4);
-  }
-  ADD_FAILURE() << "no tag " << tag;
-  return 0;
+/// A profile with other bytes at a place.
+Data changed(std::vector<std::uint8_t> profile, std::size_t offset, std::string_view bytes) {
+  std::copy(bytes.begin(), bytes.end(), profile.begin() + static_cast<std::ptrdiff_t>(offset));
+  return dataOf(profile);
 }
 
 TEST(ColorSpaceTest, NamedSpacesAreWhatTheirProfilesSay) {
@@ -73,7 +63,9 @@ TEST(ColorSpaceTest, DeviceSpacesAreTheNamedOnes) {
 }
 
 TEST(ColorSpaceTest, KeepsAProfileByteForByte) {
-  auto bytes = bytesOf(*CGColorSpace::createWithName(kCGColorSpaceDisplayP3)->iccData());
+  auto bytes = profileOf(kCGColorSpaceDisplayP3);
+  const std::vector<std::uint8_t> date(bytes.begin() + 24, bytes.begin() + 36);
+  EXPECT_EQ(date, (std::vector<std::uint8_t>{7, 232, 0, 1, 0, 1, 0, 0, 0, 0, 0, 0}));  // not now
   bytes.insert(bytes.end(), {1, 2, 3, 4});  // behind the end that the header states
   const auto space = CGColorSpace::createWithICCData(dataOf(bytes));
   ASSERT_TRUE(space);
@@ -81,47 +73,38 @@ TEST(ColorSpaceTest, KeepsAProfileByteForByte) {
 }
 
 TEST(ColorSpaceTest, NamesAreUtf8) {
-  auto bytes = bytesOf(*CGColorSpace::createWithName(kCGColorSpaceDisplayP3)->iccData());
-  const std::size_t text = tagOffset(bytes, "desc") + 28;
+  const auto bytes = profileOf(kCGColorSpaceDisplayP3);
+  constexpr std::string_view name("\0D\0i\0s", 6);
+  const auto place = std::search(bytes.begin(), bytes.end(), name.begin(), name.end());
   // "é", "€", two surrogates for U+1F3A8, "A", end
-  const std::vector<std::uint8_t> units{0x00, 0xE9, 0x20, 0xAC, 0xD8, 0x3C,
-                                        0xDF, 0xA8, 0x00, 0x41, 0x00, 0x00};
-  std::copy(units.begin(), units.end(), bytes.begin() + static_cast<std::ptrdiff_t>(text));
-  const auto space = CGColorSpace::createWithICCData(dataOf(bytes));
+  const auto space = CGColorSpace::createWithICCData(
+      changed(bytes, static_cast<std::size_t>(place - bytes.begin()),
+              {"\x00\xE9\x20\xAC\xD8\x3C\xDF\xA8\0A\0\0", 12}));
   ASSERT_TRUE(space);
   EXPECT_EQ(space->profileName(), "\u00E9\u20AC\U0001F3A8A");
 }
 
 TEST(ColorSpaceTest, RefusesWhatIsNoProfileOfPixels) {
-  const auto good = bytesOf(*CGColorSpace::createWithName(kCGColorSpaceSRGB)->iccData());
-  const auto with = [&](std::size_t offset, const char* signature) {
-    auto bytes = good;
-    std::memcpy(&bytes[offset], signature, 4);
-    return dataOf(bytes);
-  };
-  EXPECT_FALSE(CGColorSpace::createWithICCData({}));
-  EXPECT_FALSE(CGColorSpace::createWithICCData(dataOf(testing::noise(4000))));
-  EXPECT_FALSE(CGColorSpace::createWithICCData(with(12, "link")));
-  EXPECT_FALSE(CGColorSpace::createWithICCData(with(12, "nmcl")));
-  EXPECT_FALSE(CGColorSpace::createWithICCData(with(16, "XYZ ")));
-  EXPECT_FALSE(CGColorSpace::createWithICCData(with(16, "CMYK")));  // no table for four inks
-  EXPECT_FALSE(CGColorSpace::createWithICCData(with(36, "none")));
+  const auto good = profileOf(kCGColorSpaceSRGB);
+  for (const Data& bad :
+       {Data(), dataOf(testing::noise(4000)), changed(good, 12, "link"), changed(good, 12, "nmcl"),
+        changed(good, 16, "XYZ "), changed(good, 16, "CMYK"),  // no table for four inks
+        changed(good, 36, "none")}) {
+    EXPECT_FALSE(CGColorSpace::createWithICCData(bad));
+  }
 }
 
 TEST(ColorSpaceTest, SurvivesDamagedProfiles) {
-  const auto good = bytesOf(*CGColorSpace::createWithName(kCGColorSpaceSRGB)->iccData());
-  for (std::size_t length = 0; length < good.size(); ++length) {
-    const auto space = CGColorSpace::createWithICCData(
-        dataOf({good.begin(), good.begin() + static_cast<std::ptrdiff_t>(length)}));
-    EXPECT_TRUE(!space || space->numberOfComponents() == 3);
-  }
-  // Counts, offsets and lengths of every size in every place.
-  for (std::size_t offset = 0; offset + 4 <= good.size(); offset += 4) {
-    for (const std::uint32_t value : {0x0FFFFFFFU, 0x7FFFFFFFU, 0xFFFFFFFFU}) {
-      auto bytes = good;
-      setBig32(bytes, offset, value);
-      const auto space = CGColorSpace::createWithICCData(dataOf(bytes));
-      EXPECT_TRUE(!space || space->model() == CGColorSpaceModel::rgb);
+  const auto good = profileOf(kCGColorSpaceSRGB);
+  // Cut short, and with counts, offsets and lengths of every size in every place.
+  for (std::size_t at = 0; at + 4 <= good.size(); ++at) {
+    const auto begin = good.begin();
+    for (const Data& damaged :
+         {dataOf({begin, begin + static_cast<std::ptrdiff_t>(at)}),
+          changed(good, at, "\x0F\xFF\xFF\xFF"), changed(good, at, "\x7F\xFF\xFF\xFF"),
+          changed(good, at, "\xFF\xFF\xFF\xFF")}) {
+      const auto space = CGColorSpace::createWithICCData(damaged);
+      EXPECT_TRUE(!space || space->numberOfComponents() == 3);
     }
   }
 }

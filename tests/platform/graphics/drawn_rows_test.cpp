@@ -4,26 +4,21 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <array>
 #include <cmath>
 #include <optional>
 #include <random>
 #include <vector>
 
-namespace FrameworkUtility {
+namespace FrameworkUtility::detail {
 namespace {
 
-using detail::AlphaForm;
-using detail::DrawnRows;
-using detail::PixelSize;
-using testing::dataOf;
 using testing::layoutOf;
 using testing::noise;
 using enum CGImageAlphaInfo;
 
-CGImage imageOf(const CGImageLayout& layout, const std::vector<std::uint8_t>& bytes) {
-  return *CGImage::create(layout, CGColorSpace::createDeviceRGB(), dataOf(bytes));
+CGImage imageOf(std::size_t width, std::size_t height, const std::vector<std::uint8_t>& bytes) {
+  return *CGImage::create(layoutOf(width, height, 4, premultipliedLast),
+                          CGColorSpace::createDeviceRGB(), testing::dataOf(bytes));
 }
 
 /// One pixel a letter, top row first: red, green, blue, black, and blank for none.
@@ -36,51 +31,37 @@ CGImage pictureOf(const std::vector<std::string>& rows) {
       }
     }
   }
-  return imageOf(layoutOf(rows[0].size(), rows.size(), 4, premultipliedLast), bytes);
+  return imageOf(rows[0].size(), rows.size(), bytes);
 }
 
-/// All rows, fourth bytes that say nothing as 255.
-std::vector<std::uint8_t> drawn(const CGImage& image, PixelSize bitmap, Size area) {
+/// All rows, fourth bytes that say nothing as 255; from the last to the first where asked to.
+std::vector<std::uint8_t> drawn(const CGImage& image, PixelSize bitmap, Size area,
+                                bool isUpwards = false) {
   auto rows = DrawnRows::create(image, bitmap, area);
-  std::vector<std::uint8_t> bytes;
-  for (std::size_t y = 0; rows && y < bitmap.height; ++y) {
+  std::vector<std::uint8_t> bytes(rows ? bitmap.width * bitmap.height * 4 : 0);
+  for (std::size_t i = 0; rows && i < bitmap.height; ++i) {
+    const std::size_t y = isUpwards ? bitmap.height - 1 - i : i;
     const auto [pixels, isOpaque] = rows->row(y);
-    bytes.insert(bytes.end(), pixels, pixels + bitmap.width * 4);
-    for (std::size_t x = 0; isOpaque && x < bitmap.width; ++x) {
-      bytes[(y * bitmap.width + x) * 4 + 3] = 255;
-    }
+    std::uint8_t* const row = &bytes[y * bitmap.width * 4];
+    std::copy_n(pixels, bitmap.width * 4, row);
+    for (std::size_t x = 0; isOpaque && x < bitmap.width; ++x) row[4 * x + 3] = 255;
   }
   return bytes;
 }
 
-/// How much of the pixel from `begin` to `begin` + 1 lies in row or column `i` of `count` that are
-/// spread over `length`.
-double overlap(double begin, std::size_t i, std::size_t count, double length) {
-  const double step = length / static_cast<double>(count);
-  const double from = static_cast<double>(i) * step;
-  return std::max(std::min(begin + 1, from + step) - std::max(begin, from), 0.0);
-}
-
-TEST(DrawnRowsTest, APictureOfTheBitmapsSizeStaysAsItIs) {
-  constexpr std::size_t width = 37;
-  constexpr std::size_t height = 5;
-  for (const CGImageAlphaInfo info :
-       {none, premultipliedLast, premultipliedFirst, last, first, noneSkipLast, noneSkipFirst}) {
-    for (const std::size_t bits : {8U, 16U}) {
-      for (const CGImageByteOrder order :
-           {CGImageByteOrder::unspecified, CGImageByteOrder::little32, CGImageByteOrder::big32}) {
-        CGImageLayout layout = layoutOf(width, height, info == none ? 3 : 4, info, bits, order);
-        layout.bytesPerRow += 3;
-        const auto image = CGImage::create(layout, CGColorSpace::createDeviceRGB(),
-                                           dataOf(noise(layout.bytesPerRow * height)));
-        if (!image) continue;  // an order that the layout cannot have
-        const auto expected = detail::rgbaPixels(*image, AlphaForm::premultiplied);
-        ASSERT_TRUE(expected);
-        EXPECT_EQ(drawn(*image, {width, height}, {width, height}),
-                  std::vector(expected->data(), expected->data() + expected->size()))
-            << static_cast<int>(info) << ' ' << bits;
-      }
+TEST(DrawnRowsTest, OnlyRGBIsDrawnAndAPictureOfTheBitmapsSizeStaysAsItIs) {
+  for (const CGImage& image : testing::imagesInEveryLayout(37, 5)) {
+    const CGImageLayout& layout = image.layout();
+    SCOPED_TRACE(::testing::Message() << layout.bitsPerPixel << " bits, alpha "
+                                      << static_cast<std::uint32_t>(layout.alphaInfo) << ", order "
+                                      << static_cast<std::uint32_t>(layout.byteOrder));
+    if (!image.colorSpace() || image.colorSpace()->model() != CGColorSpaceModel::rgb) {
+      EXPECT_FALSE(DrawnRows::create(image, {37, 5}, {37, 5}));
+      continue;
     }
+    const auto expected = rgbaPixels(image, AlphaForm::premultiplied);
+    EXPECT_EQ(drawn(image, {37, 5}, {37, 5}),
+              std::vector(expected->data(), expected->data() + expected->size()));
   }
 }
 
@@ -89,39 +70,25 @@ TEST(DrawnRowsTest, EachPixelIsTheAverageOfWhatItShows) {
   const auto between = [&random](std::size_t low, std::size_t high) {
     return std::uniform_int_distribution(low, high)(random);
   };
-  for (int i = 0; i < 200; ++i) {
-    const std::size_t width = between(1, 24);
-    const std::size_t height = between(1, 24);
-    const PixelSize bitmap{between(1, 24), between(1, 24)};
+  for (std::uint32_t i = 0; i < 200; ++i) {
+    const PixelSize size{between(1, 24), between(1, 24)}, bitmap{between(1, 24), between(1, 24)};
     const Size area{1 + static_cast<double>(between(0, 120)) / 4,
                     1 + static_cast<double>(between(0, 120)) / 4};
     SCOPED_TRACE(::testing::Message()
-                 << width << 'x' << height << " as " << area.width << 'x' << area.height << " in "
-                 << bitmap.width << 'x' << bitmap.height);
-    const auto bytes = noise(width * height * 4, static_cast<std::uint32_t>(i));
-    const auto found =
-        drawn(imageOf(layoutOf(width, height, 4, premultipliedLast), bytes), bitmap, area);
+                 << size.width << 'x' << size.height << " as " << area.width << 'x' << area.height
+                 << " in " << bitmap.width << 'x' << bitmap.height);
+    const auto bytes = noise(size.width * size.height * 4, i);
+    const CGImage image = imageOf(size.width, size.height, bytes);
+    const auto found = drawn(image, bitmap, area);
+    EXPECT_EQ(drawn(image, bitmap, area, true), found);
     ASSERT_EQ(found.size(), bitmap.width * bitmap.height * 4);
-    for (std::size_t y = 0; y < bitmap.height; ++y) {
-      for (std::size_t x = 0; x < bitmap.width; ++x) {
-        std::array<double, 4> expected{};
-        // The area's lower left corner is the bitmap's.
-        const double top =
-            static_cast<double>(y) + area.height - static_cast<double>(bitmap.height);
-        for (std::size_t sy = 0; sy < height; ++sy) {
-          for (std::size_t sx = 0; sx < width; ++sx) {
-            for (std::size_t c = 0; c < 4; ++c) {
-              expected[c] += overlap(top, sy, height, area.height) *
-                             overlap(static_cast<double>(x), sx, width, area.width) *
-                             bytes[(sy * width + sx) * 4 + c];
-            }
-          }
-        }
-        for (std::size_t c = 0; c < 4; ++c) {
-          ASSERT_NEAR(found[(y * bitmap.width + x) * 4 + c], expected[c], 0.5 + 1e-9)
-              << x << ", " << y;
-        }
-      }
+    for (std::size_t k = 0; k < found.size(); ++k) {
+      const auto left = static_cast<double>(k / 4 % bitmap.width);
+      // The area's lower left corner is the bitmap's.
+      const double top = static_cast<double>(k / 4 / bitmap.width) + area.height -
+                         static_cast<double>(bitmap.height);
+      ASSERT_NEAR(found[k], testing::averageShown(bytes, size, 4, area, left, top, k % 4),
+                  0.5 + 1e-9);
     }
   }
 }
@@ -135,39 +102,17 @@ TEST(DrawnRowsTest, TheLowerLeftPartIsSeen) {
       << "nothing above a picture that is lower than the bitmap";
 }
 
-TEST(DrawnRowsTest, RowsComeInAnyOrder) {
-  const CGImage image = imageOf(layoutOf(9, 20, 4, last), noise(9 * 20 * 4));
-  auto downwards = DrawnRows::create(image, {5, 7}, {5, 7});
-  auto upwards = DrawnRows::create(image, {5, 7}, {5, 7});
-  std::vector<std::vector<std::uint8_t>> rows;
-  for (std::size_t y = 0; y < 7; ++y) {
-    rows.emplace_back(downwards->row(y).pixels, downwards->row(y).pixels + 20);
-  }
-  for (std::size_t y = 7; y-- > 0;) {
-    const std::uint8_t* pixels = upwards->row(y).pixels;
-    EXPECT_EQ(std::vector(pixels, pixels + 20), rows[y]) << y;
-  }
-}
-
-TEST(DrawnRowsTest, AnythingElseHasNoRows) {
+TEST(DrawnRowsTest, ImpossibleSizesHaveNoRows) {
   const CGImage image = pictureOf({"rg", "bk"});
   EXPECT_TRUE(DrawnRows::create(image, {2, 2}, {1, 1}));
-  EXPECT_FALSE(DrawnRows::create(image, {0, 2}, {2, 2}));
-  EXPECT_FALSE(DrawnRows::create(image, {2, 0}, {2, 2}));
-  EXPECT_FALSE(DrawnRows::create(image, {2, 2}, {0.99, 2}));
-  EXPECT_FALSE(DrawnRows::create(image, {2, 2}, {2, std::nan("")}));
-  EXPECT_FALSE(DrawnRows::create(image, {std::size_t{1} << 40, 1}, {1e12, 1}))
-      << "more than memory may take";
-  const auto alone = [](const CGColorSpace& space, std::size_t components, CGImageAlphaInfo info) {
-    return *CGImage::create(layoutOf(2, 2, components, info), space, dataOf(noise(16)));
-  };
-  for (const CGImage& other : {alone(CGColorSpace::createDeviceGray(), 1, none),
-                               alone(CGColorSpace::createDeviceGray(), 2, premultipliedLast),
-                               alone(CGColorSpace::createDeviceCMYK(), 4, none),
-                               alone(CGColorSpace::createDeviceRGB(), 1, alphaOnly)}) {
-    EXPECT_FALSE(DrawnRows::create(other, {2, 2}, {2, 2}));
+  for (const PixelSize& bitmap : {PixelSize{0, 2}, {2, 0}, {std::size_t{1} << 40, 1}}) {
+    EXPECT_FALSE(DrawnRows::create(image, bitmap, {2, 1})) << bitmap.width;
+  }
+  for (const double side : {0.99, -1.0, std::nan("")}) {
+    EXPECT_FALSE(DrawnRows::create(image, {2, 2}, {side, 2})) << side;
+    EXPECT_FALSE(DrawnRows::create(image, {2, 2}, {2, side})) << side;
   }
 }
 
 }  // namespace
-}  // namespace FrameworkUtility
+}  // namespace FrameworkUtility::detail

@@ -3,6 +3,7 @@
 #include <framework_utility/plane/point.h>
 #include <framework_utility/platform/graphics/cg_image.h>
 #include <framework_utility/platform/graphics/ui_color.h>
+#include <tests/platform/graphics/pictures.h>
 
 #include <gtest/gtest.h>
 
@@ -10,7 +11,8 @@
 #include <array>
 #include <cmath>
 #include <cstddef>
-#include <cstdint>
+#include <limits>
+#include <utility>
 #include <vector>
 
 namespace FrameworkUtility::testing {
@@ -68,31 +70,32 @@ struct ExactGradient {
   static constexpr long double infinite = std::numeric_limits<long double>::infinity();
 };
 
-/// By how many levels a pixel of an image drawn at `scale` is off at most; places are in pixels
-/// from the top left, points begin there too.
-inline long double errorAt(const CGImage& image, const ExactGradient& gradient, std::size_t x,
-                           std::size_t y, long double scale = 1) {
-  const auto* pixel = reinterpret_cast<const std::uint8_t*>(image.pixels().data()) +
-                      y * image.layout().bytesPerRow + 4 * x;
-  const auto center = [&](std::size_t place) {
-    return (static_cast<long double>(place) + 0.5L) / scale;
-  };
-  const auto levels = gradient.levelsAt(gradient.positionOf(center(x), center(y)));
-  long double worst = 0;
-  for (std::size_t c = 0; c < 4; ++c) worst = std::max(worst, std::abs(pixel[c] - levels[c]));
-  return worst;
-}
-
-/// Expects every pixel of every `everyRow`th row, and of the last one, within one level.
-inline void expectExact(const CGImage& image, const ExactGradient& gradient, long double scale = 1,
-                        std::size_t everyRow = 1) {
+/// Expects every pixel of every `everyRow`th row, and of the last one, within one level of the
+/// colour where `pointOf`, of two numbers, says that its centre is.
+template <class PointOf>
+void expectExactAt(const CGImage& image, const ExactGradient& gradient, const PointOf& pointOf,
+                   std::size_t everyRow = 1) {
   for (std::size_t y = 0; y < image.height();
        y = std::min(y + everyRow, std::max(y + 1, image.height() - 1))) {
     for (std::size_t x = 0; x < image.width(); ++x) {
-      const long double error = errorAt(image, gradient, x, y, scale);
+      const auto [atX, atY] =
+          pointOf(static_cast<long double>(x) + 0.5L, static_cast<long double>(y) + 0.5L);
+      const auto levels = gradient.levelsAt(gradient.positionOf(atX, atY));
+      const auto pixel = pixelAt(image, x, y);
+      long double error = 0;
+      for (std::size_t c = 0; c < 4; ++c) error = std::max(error, std::abs(pixel[c] - levels[c]));
       ASSERT_LE(error, 1) << image.width() << " x " << image.height() << " at " << x << ", " << y;
     }
   }
+}
+
+/// The same where points begin at the top left.
+inline void expectExact(const CGImage& image, const ExactGradient& gradient, long double scale = 1,
+                        std::size_t everyRow = 1) {
+  const auto pointOf = [&](long double x, long double y) {
+    return std::pair(x / scale, y / scale);
+  };
+  expectExactAt(image, gradient, pointOf, everyRow);
 }
 
 }  // namespace FrameworkUtility::testing

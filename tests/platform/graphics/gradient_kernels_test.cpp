@@ -30,14 +30,12 @@ TEST(GradientKernelsTest, TheUnitsDoNotChangeTheResult) {
   };
   for (std::size_t pixels = 0; pixels < 1000; pixels += 1 + pixels / 16) {
     RunColors<double> colors;
+    RunColors<float> shorter;
     const double length = 1500;  // more than any position of these runs
     for (std::size_t c = 0; c < 4; ++c) {
       const double most = c < 3 ? 255 : 1;
       colors.base[c] = real(0, most);
       colors.step[c] = (real(0, most) - colors.base[c]) / length;
-    }
-    RunColors<float> shorter;
-    for (std::size_t c = 0; c < 4; ++c) {
       shorter.base[c] = static_cast<float>(colors.base[c]);
       shorter.step[c] = static_cast<float>(colors.step[c]);
     }
