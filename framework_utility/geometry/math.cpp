@@ -121,12 +121,10 @@ Point Math::centerPointOfLineFrom(Point p1, Point p2) {
 std::optional<Point> Math::intersectionOfLineFrom(Point p1, Point p2, Point p3, Point p4) {
   const Point r{p2.x - p1.x, p2.y - p1.y};
   const Point q{p4.x - p3.x, p4.y - p3.y};
-  const double denominator = r.x * q.y - r.y * q.x;
-  if (denominator == 0) return std::nullopt;
-
+  const double denominator = r.x * q.y - r.y * q.x;  // 0 for parallel segments
   const Point between{p3.x - p1.x, p3.y - p1.y};
   const double t = (between.x * q.y - between.y * q.x) / denominator;
-  if (!(t >= 0 && t <= 1)) return std::nullopt;  // not a number has none either
+  if (!(t >= 0 && t <= 1)) return std::nullopt;  // parallel, it is infinite or not a number
   const double u = (r.y * between.x - r.x * between.y) / denominator;
   if (u < 0 || u > 1) return std::nullopt;
   return Point{p1.x + t * r.x, p1.y + t * r.y};

@@ -33,35 +33,25 @@ double yAt(const KvCollageSegment& line, double x) {
 double slope(const KvCollageSegment& line) { return yAt(line, 1) - yAt(line, 0); }
 
 TEST(KvCollageSegmentTest, IsVerticalBelowATenMillionth) {
-  EXPECT_TRUE(KvCollageSegment({10, 0}, {10 + 5e-8, 50}).isVertical);
-  EXPECT_FALSE(KvCollageSegment({10, 0}, {10 + 2e-7, 50}).isVertical);
-  EXPECT_FALSE(KvCollageSegment({1e-7, 0}, {0, 50}).isVertical);  // exactly there it is not
-  EXPECT_TRUE(KvCollageSegment({std::nextafter(1e-7, 0), 0}, {0, 50}).isVertical);
-
+  for (const auto& [x, isVertical] :
+       {std::pair{1e-7, false}, {std::nextafter(1e-7, 0), true}, {-2e-7, false}, {-5e-8, true}}) {
+    EXPECT_EQ(KvCollageSegment({x, 0}, {0, 50}).isVertical, isVertical) << x;
+  }
   const KvCollageSegment point({3, 4}, {3, 4});
   EXPECT_TRUE(point.isVertical);
   EXPECT_EQ(point.length, 0);
   EXPECT_EQ(point.intersectionPointWithSegment(sloped(2, 1)), (Point{3, 7}));
 }
 
-TEST(KvCollageSegmentTest, IntersectionsLieOnBothLines) {
+TEST(KvCollageSegmentTest, LinesThroughAPointMeetThere) {
   Numbers numbers;
   for (int i = 0; i < 2000; ++i) {
-    const Point p1 = numbers.point(), p2 = numbers.point(), p3 = numbers.point();
-    const KvCollageSegment line(p1, p2);
-    const KvCollageSegment other =
-        i % 4 == 0 ? KvCollageSegment(p3, {p3.x, p3.y + 1}) : KvCollageSegment(p3, numbers.point());
-    const std::optional<Point> at = line.intersectionPointWithSegment(other);
-    ASSERT_TRUE(at);
-    // Twice the area of the triangle with the line's points, over the base: the distance.
-    for (const KvCollageSegment& segment : {line, other}) {
-      const Point along{segment.p2.x - segment.p1.x, segment.p2.y - segment.p1.y};
-      const double area = along.x * (at->y - segment.p1.y) - along.y * (at->x - segment.p1.x);
-      const double size = std::abs(at->x) + std::abs(at->y) + 2000;
-      EXPECT_LT(std::abs(area) / segment.length, 1e-10 * size * (1 + std::abs(slope(line))));
+    const Point at = numbers.point(), far = numbers.point();
+    const KvCollageSegment line(numbers.pointBeside(at), at), other(far, at);
+    for (const auto& meet :
+         {line.intersectionPointWithSegment(other), other.intersectionPointWithSegment(line)}) {
+      EXPECT_LT(Math::distanceBetweenPoint(meet.value(), at), 1e-6);
     }
-    const std::optional<Point> swapped = other.intersectionPointWithSegment(line);
-    EXPECT_NEAR(swapped.value().x, at->x, 1e-9 * (1 + std::abs(at->x)));
   }
 }
 
@@ -80,27 +70,26 @@ TEST(KvCollageSegmentTest, ParallelAndPerpendicularLinesGoThroughThePoint) {
     const KvCollageSegment line(numbers.point(), numbers.point());
     const Point through = numbers.point();
     const double tolerance = 1e-9 * (1 + std::abs(slope(line)) + 1 / std::abs(slope(line)));
-
     const KvCollageSegment parallel = line.parallele(through);
-    EXPECT_FALSE(line.intersectionPointWithSegment(parallel));
-    EXPECT_NEAR(yAt(parallel, through.x), through.y, tolerance);
-
     const KvCollageSegment perpendicular = line.perpandiculaire(through);
+    EXPECT_FALSE(line.intersectionPointWithSegment(parallel));
     EXPECT_NEAR(slope(line) * slope(perpendicular), -1, tolerance);
-    EXPECT_NEAR(yAt(perpendicular, through.x), through.y, tolerance);
-    EXPECT_EQ(perpendicular.length, 0);
-    EXPECT_EQ(perpendicular.p1, Point{});
+    for (const KvCollageSegment& made : {parallel, perpendicular}) {
+      EXPECT_NEAR(yAt(made, through.x), through.y, tolerance);
+      EXPECT_EQ(made.length, 0);
+    }
   }
-
-  EXPECT_EQ(verticalAt(7).parallele({3, 4}).intersectionPointWithSegment(sloped(0, 0)),
-            (Point{3, 0}));
-  EXPECT_EQ(KvCollageSegment::withVertical(false, 2, 1, 7).parallele({0, 9}).description(),
-            "KvCollageSegment: a 2.0, b 9.0, c 7.0, isVertical 0.");
-  EXPECT_EQ(yAt(verticalAt(7).perpandiculaire({3, 4}), 100), 4);
-  EXPECT_EQ(sloped(0, 1).perpandiculaire({3, 4}).intersectionPointWithSegment(sloped(0, 9)),
-            (Point{3, 9}));
+  const std::pair<KvCollageSegment, std::string> cases[] = {
+      {verticalAt(7).parallele({3, 4}), "a 0.0, b 0.0, c 3.0, isVertical 1"},
+      {KvCollageSegment::withVertical(false, 2, 1, 7).parallele({0, 9}),
+       "a 2.0, b 9.0, c 7.0, isVertical 0"},
+      {verticalAt(7).perpandiculaire({3, 4}), "a 0.0, b 4.0, c 0.0, isVertical 0"},
+      {sloped(0, 1).perpandiculaire({3, 4}), "a 0.0, b 0.0, c 3.0, isVertical 1"},
+      {sloped(epsilon / 2, 1).perpandiculaire({3, 4}), "a 0.0, b 0.0, c 3.0, isVertical 1"}};
+  for (const auto& [line, text] : cases) {
+    EXPECT_EQ(line.description(), "KvCollageSegment: " + text + '.');
+  }
   // A slope of exactly the machine epsilon is not horizontal.
-  EXPECT_TRUE(sloped(epsilon / 2, 1).perpandiculaire({3, 4}).isVertical);
   EXPECT_FALSE(sloped(epsilon, 1).perpandiculaire({3, 4}).isVertical);
 }
 
@@ -115,8 +104,7 @@ TEST(KvCollageSegmentTest, ContainsOnlyWhatIsComputedOnTheLine) {
 TEST(KvCollageSegmentTest, LocatesFromEitherEnd) {
   Numbers numbers;
   for (int i = 0; i < 1000; ++i) {
-    const Point p1 = numbers.point();
-    const Point p2 = i % 4 == 0 ? Point{p1.x, numbers.point().y} : numbers.point();
+    const Point p1 = numbers.point(), p2 = numbers.pointBeside(p1);
     const KvCollageSegment segment(p1, p2);
     const double distance = numbers.between(-3000, 3000);
     const Point expected = Math::pointOnLineFrom(p1, p2, distance);
@@ -150,7 +138,9 @@ TEST(KvCollageSegmentTest, DescribesPointsCoefficientsOrBoth) {
       "KvCollageSegment: p1 [0.0, 0.0], p2 [0.0, 5.0], isVertical 1, Length 5.0.";
   const std::pair<KvCollageSegment, std::string> cases[] = {
       {KvCollageSegment({0, 0}, {0, 5}), vertical},
-      {sloped(2, 1), "KvCollageSegment: a 2.0, b 1.0, c 0.0, isVertical 0."},
+      {KvCollageSegment({4, 0}, {4, 0}),
+       "KvCollageSegment: p1 [4.0, 0.0], p2 [4.0, 0.0], a 0.0, b 0.0, c 4.0, isVertical 1, "
+       "Length 0.0."},
       {verticalAt(-7.25), "KvCollageSegment: a 0.0, b 0.0, c -7.2, isVertical 1."},
       // From left to right a horizontal line's slope is 0 over a negative difference.
       {KvCollageSegment({0, 2}, {1, 2}),
