@@ -3,6 +3,7 @@
 #include <bench/paired.h>
 #include <examples/demo/phone_photo.h>
 #include <framework_utility/color/images/color_analysis.h>
+#include <framework_utility/platform/imageio/ui_image_coding.h>
 
 #include <opencv2/core.hpp>
 #include <opencv2/imgproc.hpp>
@@ -59,7 +60,7 @@ void readAll(const Data& pixels) {
 int main() {
   cv::setNumThreads(1);
   const std::vector<std::byte> file = demo::makePhonePhoto();
-  const auto image = UIImage::withData(Data{std::span(file)});
+  const auto image = imageWithData(Data{std::span(file)});
   check(image && image->cgImage(), "decoding");
   const CGImage& photo = *image->cgImage();
   check(photo.layout().bitsPerPixel == 32, "decoding to four bytes a pixel");

@@ -6,6 +6,7 @@
 #include <framework_utility/imageio/image_writer.h>
 #include <framework_utility/platform/graphics/ui_graphics_image_renderer.h>
 #include <framework_utility/platform/graphics/ui_image_drawing.h>
+#include <framework_utility/platform/imageio/ui_image_coding.h>
 
 #include <algorithm>
 #include <cstddef>
@@ -105,7 +106,7 @@ int main(int argc, char** argv) {
   const std::string name = argc > 1 ? argv[1] : "collage.svg";
   std::vector<UIImage> photos;
   for (int i = 2; i < argc; ++i) {
-    if (const auto photo = UIImage::withContentsOfFile(argv[i])) photos.push_back(*photo);
+    if (const auto photo = imageWithContentsOfFile(argv[i])) photos.push_back(*photo);
   }
 
   std::ofstream svg(name);

@@ -4,6 +4,7 @@
 #include <framework_utility/imageio/image_metadata.h>
 #include <framework_utility/imageio/image_writer.h>
 #include <framework_utility/imageio/session_manager.h>
+#include <framework_utility/platform/imageio/ui_image_coding.h>
 
 #include <chrono>
 #include <cstdlib>
@@ -47,7 +48,7 @@ int main(int argc, char** argv) {
   metadata.setLocation(CLLocation{.latitude = 48.2082, .longitude = 16.3738, .altitude = 171});
   metadata.removeLivePhotosMetadata();
 
-  const std::optional<UIImage> picture = UIImage::withContentsOfFile(argv[1], &error);
+  const std::optional<UIImage> picture = imageWithContentsOfFile(argv[1], &error);
   if (!picture) return fail(error);
   const std::optional<URL> written = writeToDiskWithFileName(
       *picture, "photo", session,

@@ -11,6 +11,7 @@
 #include <framework_utility/platform/foundation/values/path.h>
 #include <framework_utility/platform/imageio/metadata/metadata_blocks.h>
 #include <framework_utility/platform/imageio/metadata/property_keys.h>
+#include <framework_utility/platform/imageio/ui_image_coding.h>
 
 #include <algorithm>
 #include <chrono>
@@ -207,7 +208,7 @@ int main(int argc, char** argv) {
   heading("The photo " + photo);
   KvImageMetadata metadata = orFail(KvImageMetadata::withUrl(before, &error), error);
   showFacts(metadata);
-  const UIImage picture = orFail(UIImage::withContentsOfFile(photo, &error), error);
+  const UIImage picture = orFail(imageWithContentsOfFile(photo, &error), error);
 
   heading("Turned, moved by a day, signed, placed, no longer live, and saved into a session");
   edit(metadata);

@@ -1,27 +1,11 @@
 #include <framework_utility/imageio/image_orientation.h>
 
+#include <framework_utility/platform/graphics/exif_orientation.h>
+
 namespace FrameworkUtility {
 
 std::uint32_t exifOrientationWithImageOrientation(UIImageOrientation orientation) {
-  switch (orientation) {
-    case UIImageOrientation::up:
-      return 1;
-    case UIImageOrientation::down:
-      return 3;
-    case UIImageOrientation::left:
-      return 8;
-    case UIImageOrientation::right:
-      return 6;
-    case UIImageOrientation::upMirrored:
-      return 2;
-    case UIImageOrientation::downMirrored:
-      return 4;
-    case UIImageOrientation::leftMirrored:
-      return 5;
-    case UIImageOrientation::rightMirrored:
-      return 7;
-  }
-  return 0;
+  return detail::exifOrientation(orientation).value_or(0);
 }
 
 Size adjustSizeToExif(Size size, std::int64_t exifOrientation) {

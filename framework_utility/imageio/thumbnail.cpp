@@ -36,7 +36,6 @@ std::optional<UIImage> thumbnailForImageAtURL(const URL& url, Size size,
       source->thumbnailAtIndex(0,
                                {.createThumbnailFromImageAlways = true,
                                 .createThumbnailWithTransform = true,
-                                .shouldCacheImmediately = true,
                                 .thumbnailMaxPixelSize = side},
                                error);
   if (!thumbnail) return std::nullopt;

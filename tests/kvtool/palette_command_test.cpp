@@ -1,6 +1,7 @@
 #include <framework_utility/color/images/color_analysis.h>
 #include <framework_utility/platform/imageio/image_source.h>
 #include <framework_utility/platform/imageio/metadata/property_keys.h>
+#include <framework_utility/platform/imageio/ui_image_coding.h>
 #include <tests/imageio/pictures.h>
 #include <tests/support/run_program.h>
 #include <tests/support/temporary_folder.h>
@@ -112,7 +113,7 @@ TEST_F(PaletteCommandTest, DrawsTheColoursBesideThePhoto) {
                                      ".png --quality full --count 3 --png strip.png");
     EXPECT_EQ(result.exitCode, 0);
     EXPECT_EQ(result.problems, "");
-    const auto picture = UIImage::withContentsOfFile(folder_.path("strip.png"));
+    const auto picture = imageWithContentsOfFile(folder_.path("strip.png"));
     ASSERT_TRUE(picture && picture->cgImage());
     EXPECT_EQ(picture->size(), (Size{252 + 30, 120}));
     EXPECT_EQ(::FrameworkUtility::hasAlpha(*picture), hasAlpha);
@@ -140,7 +141,7 @@ TEST_F(PaletteCommandTest, DrawsTheColoursBesideThePhoto) {
 TEST_F(PaletteCommandTest, ThePhotoStandsUprightAndNoLargerThanTheScreen) {
   write("large.png", redAndBlue(2000, 100), {{kCGImagePropertyOrientation, 6}});
   EXPECT_EQ(run("large.png --png strip.png").exitCode, 0);
-  const auto picture = UIImage::withContentsOfFile(folder_.path("strip.png"));
+  const auto picture = imageWithContentsOfFile(folder_.path("strip.png"));
   ASSERT_TRUE(picture);
   EXPECT_EQ(picture->size(), (Size{51 + 12, 1024}));
 }

@@ -85,7 +85,7 @@ std::optional<UIImage> imageForAnalysis(const URL& url, std::int64_t quality,
   const auto longest = static_cast<double>(quality);
   if (quality == 0 ||
       std::max(side(kCGImagePropertyPixelWidth), side(kCGImagePropertyPixelHeight)) <= longest) {
-    return detail::uiImageFrom(*source, error);
+    return imageWithImageSource(*source, error);
   }
   const auto reduced = source->thumbnailAtIndex(0,
                                                 {.createThumbnailFromImageAlways = true,

@@ -4,6 +4,7 @@
 
 #include <framework_utility/platform/foundation/values/stop.h>
 #include <framework_utility/platform/graphics/ui_graphics_image_renderer.h>
+#include <framework_utility/platform/imageio/ui_image_coding.h>
 
 #include <algorithm>
 #include <cmath>

@@ -102,19 +102,6 @@ void movePixels(std::size_t pixelBytes, const std::uint8_t* source, const Walk& 
   }
 }
 
-/// Whether rows can be averaged as they lie.
-bool isGray8(const CGImage& image) {
-  return image.colorSpace() && image.layout().bitsPerPixel == 8;
-}
-
-bool isRGBA8(const CGImage& image) {
-  const CGImageLayout& layout = image.layout();
-  return image.colorSpace() && image.colorSpace()->model() == CGColorSpaceModel::rgb &&
-         layout.bitsPerComponent == 8 && layout.byteOrder != CGImageByteOrder::little32 &&
-         (layout.alphaInfo == CGImageAlphaInfo::premultipliedLast ||
-          layout.alphaInfo == CGImageAlphaInfo::noneSkipLast);
-}
-
 }  // namespace
 
 std::optional<CGImage> uprightImage(const CGImage& image, std::size_t exifOrientation) {
@@ -131,43 +118,6 @@ std::optional<CGImage> uprightImage(const CGImage& image, std::size_t exifOrient
   // An alpha mask has no space, and none is looked at.
   return CGImage::create(layout, image.colorSpace().value_or(CGColorSpace::createDeviceGray()),
                          std::move(*target).share());
-}
-
-std::optional<CGImage> reducedImage(const CGImage& image, std::size_t maxPixelSize) {
-  const PixelSize size{image.width(), image.height()};
-  const PixelSize target = fittedSize(size, maxPixelSize);
-  if (target == size) return image;
-
-  const bool isGray = isGray8(image);
-  const std::size_t components = isGray ? 1 : 4;
-  const std::optional<RGBARows> rows = RGBARows::of(image, AlphaForm::premultiplied);
-  std::optional<AreaScaler> scaler = AreaScaler::create(size, target, components);
-  std::optional<PixelBuffer> row = PixelBuffer::allocate(size.width, 4);
-  std::optional<PixelBuffer> pixels =
-      PixelBuffer::allocate(target.height, target.width * components);
-  if (!rows || !scaler || !row || !pixels) return std::nullopt;
-
-  const bool asTheyLie = isGray || isRGBA8(image);
-  std::size_t targetY = 0;
-  for (std::size_t y = 0; y < size.height; ++y) {
-    if (!asTheyLie) rows->read(y, row->data());
-    const std::uint8_t* next =
-        asTheyLie ? pixelsOf(image) + y * image.layout().bytesPerRow : row->data();
-    if (scaler->push(next, pixels->row(targetY))) ++targetY;
-  }
-
-  CGImageLayout layout;
-  layout.width = target.width;
-  layout.height = target.height;
-  layout.bitsPerPixel = 8 * components;
-  layout.bytesPerRow = target.width * components;
-  if (isGray || !carriesAlpha(image.alphaInfo())) {
-    layout.alphaInfo = isGray ? CGImageAlphaInfo::none : CGImageAlphaInfo::noneSkipLast;
-  }
-  const bool keepsSpace =
-      isGray || (image.colorSpace() && image.colorSpace()->model() == CGColorSpaceModel::rgb);
-  return CGImage::create(layout, keepsSpace ? *image.colorSpace() : CGColorSpace::createDeviceRGB(),
-                         std::move(*pixels).share());
 }
 
 }  // namespace FrameworkUtility::detail

@@ -101,8 +101,9 @@ bool isPremultiplied(CGImageAlphaInfo info) {
          info == CGImageAlphaInfo::premultipliedFirst;
 }
 
-std::optional<RGBARows> RGBARows::of(const CGImage& image, AlphaForm form) {
-  const CGImageLayout& layout = image.layout();
+std::optional<RGBAConverter> RGBAConverter::create(const CGImageLayout& layout,
+                                                   const std::optional<CGColorSpace>& space,
+                                                   AlphaForm form) {
   const bool isFirst = layout.alphaInfo == CGImageAlphaInfo::premultipliedFirst ||
                        layout.alphaInfo == CGImageAlphaInfo::first ||
                        layout.alphaInfo == CGImageAlphaInfo::noneSkipFirst;
@@ -114,40 +115,36 @@ std::optional<RGBARows> RGBARows::of(const CGImage& image, AlphaForm form) {
   const std::size_t begin = isFirst ? 1 : 0;
   std::size_t colors = 0;
 
-  RGBARows rows(image);
-  rows.form_ = form;
-  if (image.colorSpace()) {
-    colors = image.colorSpace()->numberOfComponents();
-    switch (image.colorSpace()->model()) {
+  RGBAConverter converter(layout, form);
+  if (space) {
+    colors = space->numberOfComponents();
+    switch (space->model()) {
       case CGColorSpaceModel::monochrome:
-        rows.color_.fill(place(begin));
+        converter.color_.fill(place(begin));
         break;
       case CGColorSpaceModel::cmyk:
-        rows.black_ = place(begin + 3);
+        converter.black_ = place(begin + 3);
         [[fallthrough]];
       case CGColorSpaceModel::rgb:
-        rows.color_ = {place(begin), place(begin + 1), place(begin + 2)};
+        converter.color_ = {place(begin), place(begin + 1), place(begin + 2)};
         break;
       default:
         return std::nullopt;
     }
   }
-  if (carriesAlpha(layout.alphaInfo)) rows.alpha_ = place(isFirst ? 0 : colors);
-  return rows;
+  if (carriesAlpha(layout.alphaInfo)) converter.alpha_ = place(isFirst ? 0 : colors);
+  return converter;
 }
 
 template <class Component>
-void RGBARows::readAs(std::size_t y, Component* row) const {
-  const CGImageLayout& layout = image_.layout();
-  const std::size_t pixels = layout.width;
-  const std::size_t bytesPerPixel = layout.bitsPerPixel / 8;
-  const auto* source =
-      reinterpret_cast<const std::uint8_t*>(image_.pixels().data()) + y * layout.bytesPerRow;
+void RGBAConverter::convertTo(const std::uint8_t* source, Component* row) const {
+  const std::size_t pixels = layout_.width;
+  const std::size_t bytesPerPixel = layout_.bitsPerPixel / 8;
 
   const auto each = [&](const auto& pixel) {
-    if (layout.bitsPerComponent == 8) {
+    if (layout_.bitsPerComponent == 8) {
       forEachPixel<std::uint8_t, byteAt>(source, bytesPerPixel, row, pixels, pixel);
-    } else if (layout.byteOrder == CGImageByteOrder::little16) {
+    } else if (layout_.byteOrder == CGImageByteOrder::little16) {
       forEachPixel<std::uint16_t, littleAt>(source, bytesPerPixel, row, pixels, pixel);
     } else {
       forEachPixel<std::uint16_t, bigAt>(source, bytesPerPixel, row, pixels, pixel);
@@ -171,7 +168,7 @@ void RGBARows::readAs(std::size_t y, Component* row) const {
       std::fill_n(out, 3, Component{0});
       out[3] = alphaOf(load);
     });
-  } else if (sizeof(Component) == 1 && bytesPerPixel == 4 && layout.bitsPerComponent == 8) {
+  } else if (sizeof(Component) == 1 && bytesPerPixel == 4 && layout_.bitsPerComponent == 8) {
     // The fourth component, skipped or not, is at the one place that no colour has.
     const std::size_t fourth = 6 - color_[0] - color_[1] - color_[2];
     permuteRow(source, {color_[0], color_[1], color_[2], fourth}, alpha_ == missing,
@@ -184,14 +181,23 @@ void RGBARows::readAs(std::size_t y, Component* row) const {
   }
 
   if (alpha_ == missing || color_[0] == missing) return;
-  const bool premultiplied = isPremultiplied(layout.alphaInfo);
+  const bool premultiplied = isPremultiplied(layout_.alphaInfo);
   if (premultiplied && form_ == AlphaForm::straight) unpremultiply(row, pixels);
   if (!premultiplied && form_ == AlphaForm::premultiplied) premultiply(row, pixels);
 }
 
-void RGBARows::read(std::size_t y, std::uint8_t* row) const { readAs(y, row); }
+void RGBAConverter::convert(const std::uint8_t* stored, std::uint8_t* row) const {
+  convertTo(stored, row);
+}
 
-void RGBARows::read(std::size_t y, std::uint16_t* row) const { readAs(y, row); }
+void RGBAConverter::convert(const std::uint8_t* stored, std::uint16_t* row) const {
+  convertTo(stored, row);
+}
+
+std::optional<RGBARows> RGBARows::of(const CGImage& image, AlphaForm form) {
+  const auto converter = RGBAConverter::create(image.layout(), image.colorSpace(), form);
+  return converter ? std::optional(RGBARows(image, *converter)) : std::nullopt;
+}
 
 std::optional<PixelBuffer> rgbaPixels(const CGImage& image, AlphaForm form) {
   const std::optional<RGBARows> rows = RGBARows::of(image, form);

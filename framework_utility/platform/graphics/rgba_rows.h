@@ -16,38 +16,64 @@ enum class AlphaForm { straight, premultiplied };
 bool carriesAlpha(CGImageAlphaInfo info);
 bool isPremultiplied(CGImageAlphaInfo info);
 
-/// Reads any bitmap's rows as red, green, blue, alpha with 8 or 16 bits each, the latter in the
+/// Converts rows of any bitmap to red, green, blue, alpha with 8 or 16 bits each, the latter in the
 /// machine's byte order.
 ///
 /// Components are used as they are, without a change of colour space. Grey becomes three equal
 /// components, CMYK the light that its inks leave, (1 - ink) (1 - black), and an alpha mask black.
 /// A bitmap without alpha is opaque.
-///
-///     const std::optional<RGBARows> rows = RGBARows::of(image, AlphaForm::premultiplied);
-///     for (std::size_t y = 0; rows && y < image.height(); ++y) rows->read(y, buffer.row(y));
-class RGBARows {
+class RGBAConverter {
  public:
-  /// Absent for a Lab bitmap, whose components are no light.
-  static std::optional<RGBARows> of(const CGImage& image, AlphaForm form);
+  /// `space` is absent for an alpha mask. Absent for Lab, whose components are no light.
+  static std::optional<RGBAConverter> create(const CGImageLayout& layout,
+                                             const std::optional<CGColorSpace>& space,
+                                             AlphaForm form);
 
-  void read(std::size_t y, std::uint8_t* row) const;   ///< Writes 4 components a pixel.
-  void read(std::size_t y, std::uint16_t* row) const;  ///< The same with 16 bits each.
+  /// Writes 4 components a pixel.
+  void convert(const std::uint8_t* stored, std::uint8_t* row) const;
+  /// The same with 16 bits each.
+  void convert(const std::uint8_t* stored, std::uint16_t* row) const;
 
  private:
   static constexpr std::size_t missing = ~std::size_t{0};
 
-  explicit RGBARows(const CGImage& image) : image_(image) {}
+  RGBAConverter(const CGImageLayout& layout, AlphaForm form) : layout_(layout), form_(form) {}
 
   template <class Component>
-  void readAs(std::size_t y, Component* row) const;
+  void convertTo(const std::uint8_t* source, Component* row) const;
 
-  CGImage image_;
-  AlphaForm form_ = AlphaForm::straight;
+  CGImageLayout layout_;
+  AlphaForm form_;
   // Where a pixel's components begin, in bytes. Of CMYK the first three are the inks beside black;
   // all three are the same for grey, and missing in an alpha mask.
   std::array<std::size_t, 3> color_{missing, missing, missing};
   std::size_t black_ = missing;
   std::size_t alpha_ = missing;
+};
+
+/// A bitmap's rows, converted.
+///
+///     const std::optional<RGBARows> rows = RGBARows::of(image, AlphaForm::premultiplied);
+///     for (std::size_t y = 0; rows && y < image.height(); ++y) rows->read(y, buffer.row(y));
+class RGBARows {
+ public:
+  /// Absent for a Lab bitmap.
+  static std::optional<RGBARows> of(const CGImage& image, AlphaForm form);
+
+  void read(std::size_t y, std::uint8_t* row) const { converter_.convert(stored(y), row); }
+  void read(std::size_t y, std::uint16_t* row) const { converter_.convert(stored(y), row); }
+
+ private:
+  RGBARows(const CGImage& image, const RGBAConverter& converter)
+      : image_(image), converter_(converter) {}
+
+  const std::uint8_t* stored(std::size_t y) const {
+    return reinterpret_cast<const std::uint8_t*>(image_.pixels().data()) +
+           y * image_.layout().bytesPerRow;
+  }
+
+  CGImage image_;
+  RGBAConverter converter_;
 };
 
 /// A whole bitmap as rows of 8-bit red, green, blue, alpha without padding; absent for Lab and when

@@ -1,7 +1,8 @@
 #include <framework_utility/platform/imageio/image_destination.h>
 
+#include <framework_utility/platform/foundation/files/file_error.h>
 #include <framework_utility/platform/foundation/files/files.h>
-#include <framework_utility/platform/imageio/formats/image_codec.h>
+#include <framework_utility/platform/imageio/image_formats.h>
 #include <framework_utility/platform/imageio/metadata/metadata_codec.h>
 #include <framework_utility/platform/imageio/metadata/property_keys.h>
 
@@ -15,16 +16,6 @@ namespace FrameworkUtility {
 namespace {
 
 using detail::EncodeRequest;
-using detail::ImageCodec;
-
-/// Null for a type that is not written.
-const ImageCodec* codecFor(std::string_view typeIdentifier) {
-  const auto codecs = detail::imageCodecs();
-  const auto found = std::find_if(codecs.begin(), codecs.end(), [&](const ImageCodec* codec) {
-    return codec->typeIdentifier() == typeIdentifier;
-  });
-  return found == codecs.end() ? nullptr : *found;
-}
 
 /// The profile that a file has to bear. None for the spaces that a reader assumes without one.
 Data profileOf(const CGImage& image) {
@@ -48,17 +39,30 @@ EncodeRequest requestFor(const CGImage& image, const Dictionary& properties,
   return request;
 }
 
+bool cannotFinalize(std::string_view why, Error* error) {
+  if (error) {
+    *error = Error(NSCocoaErrorDomain, NSFileWriteUnknownError, {{NSLocalizedDescriptionKey, why}});
+  }
+  return false;
+}
+
 }  // namespace
 
 struct CGImageDestination::Contents {
+  struct AuxiliaryData {
+    std::string type;
+    Dictionary info;
+  };
   struct Picture {
     CGImage image;
     EncodeRequest request;
+    std::vector<AuxiliaryData> auxiliaryData;
   };
 
-  const ImageCodec* codec = nullptr;
+  std::unique_ptr<detail::ImageWriter> writer;
   std::optional<std::string> path;  // absent: in memory
   std::size_t count = 0;
+  Dictionary properties;
   std::vector<Picture> pictures;
   bool isFinalized = false;
   std::optional<Data> data;
@@ -79,43 +83,53 @@ std::unique_ptr<CGImageDestination> CGImageDestination::createWithURL(
 
 std::unique_ptr<CGImageDestination> CGImageDestination::createInMemory(
     std::string_view typeIdentifier, std::size_t count) {
-  const ImageCodec* codec = codecFor(typeIdentifier);
-  if (!codec) return nullptr;
+  const detail::ImageFormat* format = detail::imageFormatForType(typeIdentifier);
+  std::unique_ptr<detail::ImageWriter> writer =
+      format ? format->create(typeIdentifier, count) : nullptr;
+  if (!writer) return nullptr;
   std::unique_ptr<CGImageDestination> destination(new CGImageDestination);
   destination->contents_ = std::make_unique<Contents>();
-  destination->contents_->codec = codec;
+  destination->contents_->writer = std::move(writer);
   destination->contents_->count = count;
   return destination;
 }
 
-void CGImageDestination::addImage(const CGImage& image, const Dictionary& properties,
-                                  const std::shared_ptr<const MetadataBlocks>& blocks) {
-  if (!contents_->isFinalized) {
-    contents_->pictures.push_back({image, requestFor(image, properties, blocks.get())});
-  }
+void CGImageDestination::setProperties(const Dictionary& properties) {
+  contents_->properties = properties;
 }
 
-// None of the formats written here holds auxiliary data.
-void CGImageDestination::addAuxiliaryDataInfo(std::string_view, const Dictionary&) {}
+void CGImageDestination::addImage(const CGImage& image, const Dictionary& properties,
+                                  const std::shared_ptr<const MetadataBlocks>& blocks) {
+  if (contents_->isFinalized) return;
+  contents_->pictures.push_back({image, requestFor(image, properties, blocks.get()), {}});
+}
+
+void CGImageDestination::addAuxiliaryDataInfo(std::string_view type, const Dictionary& info) {
+  if (contents_->pictures.empty()) return;
+  contents_->pictures.back().auxiliaryData.push_back({std::string(type), info});
+}
 
 bool CGImageDestination::finalize(Error* error) {
   if (std::exchange(contents_->isFinalized, true)) {
-    return detail::cannotEncode("the image file was finished before", error);
+    return cannotFinalize("the image file was finished before", error);
   }
-  // Every format written here holds one image.
-  if (contents_->count != 1 || contents_->pictures.size() != 1) {
-    return detail::cannotEncode("an image file of " + std::to_string(contents_->count) +
-                                    " images was announced and has " +
-                                    std::to_string(contents_->pictures.size()) + "; it must be 1",
-                                error);
+  const std::size_t count = contents_->pictures.size();
+  if (count == 0 || count != contents_->count) {
+    return cannotFinalize("an image file of " + std::to_string(contents_->count) +
+                              " images was announced and has " + std::to_string(count),
+                          error);
   }
-  const Contents::Picture& picture = contents_->pictures.front();
-  std::vector<std::byte> bytes;
-  if (!contents_->codec->encode(picture.image, picture.request, bytes, error)) return false;
+  detail::ImageWriter& writer = *contents_->writer;
+  for (const auto& [image, request, auxiliaryData] : contents_->pictures) {
+    if (!writer.addImage(image, request)) return cannotFinalize(writer.problem(), error);
+    for (const auto& [type, info] : auxiliaryData) writer.addAuxiliaryDataInfo(type, info);
+  }
+  std::vector<std::byte> file;
+  if (!writer.finish(contents_->properties, file)) return cannotFinalize(writer.problem(), error);
   if (contents_->path) {
-    return FileManager::defaultManager().writeAtomically(bytes, *contents_->path, error);
+    return FileManager::defaultManager().writeAtomically(file, *contents_->path, error);
   }
-  contents_->data = Data(std::move(bytes));
+  contents_->data = Data(std::move(file));
   return true;
 }
 

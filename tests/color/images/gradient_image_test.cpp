@@ -1,6 +1,7 @@
 #include <framework_utility/color/images/gradient_image.h>
 
 #include <framework_utility/platform/imageio/image_source.h>
+#include <framework_utility/platform/imageio/ui_image_coding.h>
 #include <tests/platform/graphics/exact_gradient.h>
 
 #include <gtest/gtest.h>

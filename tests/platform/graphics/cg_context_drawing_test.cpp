@@ -112,7 +112,7 @@ TEST(CGContextDrawingTest, ReducedImagesAreAveragesAndEnlargedOnesLines) {
   const CGImage large = noiseImage(300, 200);
   const auto context = contextOf(40, 30);
   drawInRect(UIImage(large), *context, {3, 5, 30, 20});
-  const CGImage drawn = *context->createImage(), average = *detail::reducedImage(large, 30);
+  const CGImage drawn = *context->createImage(), average = *testing::reducedImage(large, 30);
   for (std::size_t i = 0; i < 600; ++i) {
     const Pixel found = testing::pixelAt(drawn, i % 30 + 3, i / 30 + 5);
     const Pixel expected = testing::pixelAt(average, i % 30, i / 30);

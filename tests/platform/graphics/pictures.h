@@ -3,12 +3,14 @@
 #include <framework_utility/platform/graphics/area_scaler.h>
 #include <framework_utility/platform/graphics/cg_context.h>
 #include <framework_utility/platform/graphics/cg_image.h>
+#include <framework_utility/platform/graphics/image_reducer.h>
 
 #include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <random>
 #include <utility>
 #include <vector>
@@ -118,6 +120,18 @@ inline double averageShown(const std::vector<std::uint8_t>& bytes, const detail:
     }
   }
   return sum;
+}
+
+/// The image reduced so that no side exceeds `maxPixelSize`; absent for Lab.
+inline std::optional<CGImage> reducedImage(const CGImage& image, std::size_t maxPixelSize) {
+  const auto reduced = detail::fittedSize({image.width(), image.height()}, maxPixelSize);
+  auto reducer = detail::ImageReducer::create(
+      image.layout(), image.colorSpace().value_or(CGColorSpace::createDeviceGray()), reduced);
+  std::vector<std::uint8_t> rows = bytesOf(image.pixels());
+  for (std::size_t y = 0; reducer && y < image.height(); ++y) {
+    reducer->push(&rows[y * image.layout().bytesPerRow]);
+  }
+  return reducer ? std::move(*reducer).image() : std::nullopt;
 }
 
 }  // namespace FrameworkUtility::testing

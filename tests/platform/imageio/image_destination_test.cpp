@@ -3,6 +3,7 @@
 #include <framework_utility/platform/imageio/image_destination.h>
 #include <framework_utility/platform/imageio/image_source.h>
 #include <framework_utility/platform/imageio/metadata/property_keys.h>
+#include <framework_utility/platform/imageio/ui_image_coding.h>
 #include <tests/platform/imageio/formats/jpeg_file.h>
 #include <tests/support/temporary_folder.h>
 
@@ -128,7 +129,7 @@ TEST(UIImageCoding, JpegKeepsTheOrientation) {
     const auto orientation = static_cast<UIImageOrientation>(raw);
     const auto jpeg = UIImageJPEGRepresentation(UIImage(quarters(32, 16), 2, orientation), 0.9);
     ASSERT_TRUE(jpeg);
-    const auto image = UIImage::withData(*jpeg);
+    const auto image = imageWithData(*jpeg);
     ASSERT_TRUE(image);
     EXPECT_EQ(image->imageOrientation(), orientation);
     EXPECT_EQ(cornersOf(*image->cgImage()), "rgbw");

@@ -4,6 +4,7 @@
 #include <framework_utility/platform/imageio/image_source_error.h>
 #include <framework_utility/platform/imageio/metadata/metadata_blocks.h>
 #include <framework_utility/platform/imageio/metadata/property_keys.h>
+#include <framework_utility/platform/imageio/ui_image_coding.h>
 #include <tests/platform/imageio/formats/jpeg_file.h>
 #include <tests/platform/imageio/formats/png_file.h>
 #include <tests/support/is_error.h>
@@ -249,9 +250,9 @@ TEST(ImageSource, EveryFailureFillsTheErrorThatIsShared) {
     const Error first = std::exchange(error, Error());
     EXPECT_FALSE(source->thumbnailAtIndex(0, {}, &error));
     EXPECT_EQ(std::exchange(error, Error()), first);
-    EXPECT_FALSE(UIImage::withContentsOfFile(*url.path(), &error));
+    EXPECT_FALSE(imageWithContentsOfFile(*url.path(), &error));
     EXPECT_EQ(std::exchange(error, Error()), first);
-    EXPECT_FALSE(UIImage::withData(c.file, &error));
+    EXPECT_FALSE(imageWithData(c.file, &error));
     EXPECT_EQ(error.localizedDescription(), c.description);
   }
   const auto whole = CGImageSource::createWithData(jpeg);

@@ -1,6 +1,7 @@
 #include <framework_utility/platform/graphics/ui_image.h>
 #include <framework_utility/platform/imageio/image_source.h>
 #include <framework_utility/platform/imageio/metadata/metadata_blocks.h>
+#include <framework_utility/platform/imageio/ui_image_coding.h>
 #include <tests/platform/imageio/formats/jpeg_file.h>
 
 #include <gtest/gtest.h>
@@ -103,7 +104,7 @@ TEST(Thumbnail, IsUprightForAllEightOrientations) {
     EXPECT_EQ(cornersOf(*stored), "rgbw");
 
     // The picture type turns when it is drawn: same sizes, and the bitmap as stored.
-    const auto image = UIImage::withData(file);
+    const auto image = imageWithData(file);
     ASSERT_TRUE(image);
     EXPECT_EQ(image->size(), (lies ? Size{64, 96} : Size{96, 64}));
     EXPECT_EQ(cornersOf(*image->cgImage()), "rgbw");

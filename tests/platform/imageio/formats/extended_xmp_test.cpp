@@ -1,12 +1,12 @@
 // Packets of XMP that are longer than a segment of a JPEG.
 
-#include <framework_utility/platform/imageio/formats/jpeg/jpeg_encode.h>
+#include <framework_utility/platform/imageio/formats/jpeg/jpeg_format.h>
 #include <framework_utility/platform/imageio/formats/jpeg/jpeg_header.h>
-#include <framework_utility/platform/imageio/formats/png/png_encode.h>
-#include <framework_utility/platform/imageio/formats/png/png_header.h>
+#include <framework_utility/platform/imageio/formats/png/png_format.h>
 #include <framework_utility/platform/imageio/metadata/metadata_codec.h>
 #include <framework_utility/platform/imageio/metadata/xmp/xmp_extension.h>
 #include <framework_utility/platform/imageio/metadata/xmp/xmp_packet.h>
+#include <tests/platform/imageio/formats/format_coding.h>
 #include <tests/platform/imageio/formats/jpeg_file.h>
 
 #include <gtest/gtest.h>
@@ -47,9 +47,7 @@ ImageHeader jpegOf(const Data& xmp, const Data& extendedXmp = {}) {
   EncodeRequest request;
   request.blocks.xmp = xmp;
   request.blocks.extendedXmp = extendedXmp;
-  std::vector<std::byte> out;
-  EXPECT_TRUE(detail::encodeJpeg(quarters(16, 16), request, out, nullptr));
-  return detail::readJpegHeader(ByteSource(Data(std::move(out))));
+  return headerOf(detail::jpegFormat, encodedBy(detail::jpegFormat, quarters(16, 16), request));
 }
 
 TEST(ExtendedXmp, OnePacketSaysWhatTwoDid) {
@@ -133,9 +131,8 @@ TEST(ExtendedXmp, APngHoldsOnePacket) {
   request.blocks.xmp = dataOf(packetOf("<rdf:Description" + tiff + " tiff:Make='M'/>"));
   request.blocks.extendedXmp = dataOf(
       packetOf("<rdf:Description" + tiff + " tiff:Model='" + std::string(70'000, 'm') + "'/>"));
-  std::vector<std::byte> out;
-  ASSERT_TRUE(detail::encodePng(quarters(16, 16), request, out, nullptr));
-  const ImageHeader header = detail::readPngHeader(ByteSource(Data(std::move(out))));
+  const ImageHeader header =
+      headerOf(detail::pngFormat, encodedBy(detail::pngFormat, quarters(16, 16), request));
   EXPECT_EQ(said(header.blocks.xmp).size(), 2U);
 }
 

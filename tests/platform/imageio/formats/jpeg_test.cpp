@@ -1,8 +1,8 @@
 #include <framework_utility/platform/foundation/app/uniform_type.h>
-#include <framework_utility/platform/imageio/formats/jpeg/jpeg_decode.h>
-#include <framework_utility/platform/imageio/formats/jpeg/jpeg_encode.h>
+#include <framework_utility/platform/imageio/formats/jpeg/jpeg_format.h>
 #include <framework_utility/platform/imageio/formats/jpeg/jpeg_header.h>
 #include <framework_utility/platform/imageio/metadata/property_keys.h>
+#include <tests/platform/imageio/formats/format_coding.h>
 #include <tests/platform/imageio/formats/jpeg_file.h>
 
 #include <gtest/gtest.h>
@@ -25,12 +25,11 @@ ImageHeader read(std::string_view bytes) {
 }
 
 std::optional<CGImage> decode(std::string_view bytes) {
-  return detail::decodeJpeg(ByteSource(dataOf(bytes)), read(bytes));
+  return decodedBy(detail::jpegFormat, dataOf(bytes));
 }
 
 std::string encode(const CGImage& image, const EncodeRequest& request = {}) {
-  std::vector<std::byte> out;
-  return detail::encodeJpeg(image, request, out, nullptr) ? textOf(Data(std::move(out))) : "";
+  return textOf(encodedBy(detail::jpegFormat, image, request));
 }
 
 EncodeRequest atQuality(double quality) {
@@ -90,7 +89,7 @@ TEST(JpegHeader, StatusSaysWhatTheBytesAre) {
   for (const auto& [what, bytes, status] : cases) {
     SCOPED_TRACE(what);
     EXPECT_EQ(read(bytes).status, status);
-    EXPECT_EQ(read(bytes).width > 0, status == Status::complete);
+    EXPECT_EQ(read(bytes).size.width > 0, status == Status::complete);
   }
 }
 
@@ -110,8 +109,7 @@ TEST(JpegHeader, EveryKindOfFrameIsRead) {
         jpegHeader(jpegFrame({.marker = marker, .width = 65500, .height = 3, .precision = 12})));
     ASSERT_EQ(header.status, isFrame ? Status::complete : Status::invalidData) << marker;
     if (isFrame) {
-      EXPECT_EQ(header.width, 65500U);
-      EXPECT_EQ(header.height, 3U);
+      EXPECT_EQ(header.size, (detail::PixelSize{65500, 3}));
       EXPECT_EQ(header.bitsPerComponent, 12U);
       EXPECT_EQ(header.formatProperties.empty(), marker % 4 != 2) << "IsProgressive";
     }
@@ -282,7 +280,7 @@ TEST(JpegPixels, TooManyAreRefused) {
     const ImageHeader header = read(huge);
     ASSERT_EQ(header.status, Status::complete);
     EXPECT_FALSE(decode(huge));
-    EXPECT_FALSE(detail::decodeJpegReduced(ByteSource(dataOf(huge)), header, 100));
+    EXPECT_FALSE(decodedReducedBy(detail::jpegFormat, dataOf(huge), 100));
   }
 }
 

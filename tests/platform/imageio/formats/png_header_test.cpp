@@ -1,6 +1,7 @@
-#include <framework_utility/platform/imageio/formats/png/png_codec.h>
+#include <framework_utility/platform/imageio/formats/png/png_format.h>
 #include <framework_utility/platform/imageio/metadata/property_keys.h>
 
+#include <tests/platform/imageio/formats/format_coding.h>
 #include <tests/platform/imageio/formats/png_file.h>
 
 #include <gtest/gtest.h>
@@ -18,7 +19,7 @@ using testing::Bytes;
 using testing::deflated;
 using testing::PngFile;
 
-ImageHeader headerOf(const Data& data) { return detail::pngCodec().readHeader(ByteSource(data)); }
+ImageHeader headerOf(const Data& data) { return testing::headerOf(detail::pngFormat, data); }
 
 ImageHeader headerOf(const PngFile& file) { return headerOf(file.data()); }
 
@@ -108,8 +109,7 @@ TEST(PngHeaderTest, TellsColourTypes) {
     if (c.hasTransparency) file.chunk("tRNS", Bytes{0, 0});
     const ImageHeader header = headerOf(file.chunk("IDAT", "never looked at"));
     EXPECT_EQ(header.status, CGImageSourceStatus::complete);
-    EXPECT_EQ(header.width, 7U);
-    EXPECT_EQ(header.height, 5U);
+    EXPECT_EQ(header.size, (detail::PixelSize{7, 5}));
     EXPECT_EQ(header.model, c.model);
     EXPECT_EQ(header.bitsPerComponent, c.bitsPerComponent);
     EXPECT_EQ(header.hasAlpha, c.hasAlpha);
@@ -151,7 +151,7 @@ TEST(PngHeaderTest, AFileThatIsCutIsIncompleteUpToItsPixels) {
     EXPECT_EQ(header.status, size < 8          ? CGImageSourceStatus::unknownType
                              : size < complete ? CGImageSourceStatus::incomplete
                                                : CGImageSourceStatus::complete);
-    EXPECT_EQ(detail::pngCodec().recognizes(cut), size >= 8);
+    EXPECT_EQ(detail::pngFormat.sniff(cut), size >= 8);
   }
 }
 

@@ -1,10 +1,11 @@
 #include <framework_utility/platform/graphics/image_transform.h>
 #include <framework_utility/platform/graphics/rgba_rows.h>
 #include <framework_utility/platform/imageio/formats/png/png_chunks.h>
-#include <framework_utility/platform/imageio/formats/png/png_codec.h>
+#include <framework_utility/platform/imageio/formats/png/png_format.h>
 #include <framework_utility/platform/imageio/metadata/property_keys.h>
 
 #include <tests/platform/graphics/pictures.h>
+#include <tests/platform/imageio/formats/format_coding.h>
 #include <tests/platform/imageio/formats/png_file.h>
 
 #include <gtest/gtest.h>
@@ -20,7 +21,7 @@ using detail::AlphaForm;
 using detail::ByteSource;
 using detail::EncodeRequest;
 using detail::ImageHeader;
-using detail::pngCodec;
+using detail::pngFormat;
 using detail::RGBARows;
 using testing::dataOf;
 using testing::layoutOf;
@@ -49,14 +50,12 @@ Pixels pixelsOf(const CGImage& image, AlphaForm form = AlphaForm::straight) {
   return pixels;
 }
 
-std::optional<CGImage> decoded(const Data& file) {
-  const ByteSource source(file);
-  return pngCodec().decode(source, pngCodec().readHeader(source), {});
-}
+ImageHeader headerOf(const Data& file) { return testing::headerOf(pngFormat, file); }
+
+std::optional<CGImage> decoded(const Data& file) { return testing::decodedBy(pngFormat, file); }
 
 std::optional<CGImage> decodedReduced(const Data& file, std::size_t maxPixelSize) {
-  const ByteSource source(file);
-  return pngCodec().decodeReduced(source, pngCodec().readHeader(source), maxPixelSize, {});
+  return testing::decodedReducedBy(pngFormat, file, maxPixelSize);
 }
 
 std::size_t samplesPerPixel(int colorType) {
@@ -143,7 +142,7 @@ TEST(PngPixelsTest, ReadsEveryKind) {
 
           // 16 bits are rounded before they are averaged here, and after it there.
           const auto reduced = decodedReduced(file, 8);
-          const auto expected = detail::reducedImage(*image, 8);
+          const auto expected = testing::reducedImage(*image, 8);
           ASSERT_TRUE(reduced && expected);
           ASSERT_EQ(reduced->width(), 8U);
           ASSERT_EQ(reduced->height(), 5U);
@@ -172,7 +171,7 @@ TEST(PngPixelsTest, DamagedPixelsAreNone) {
   }
   for (std::size_t size = pixels + 4; size < end; ++size) {
     const Data cut = dataOf({good.begin(), good.begin() + static_cast<std::ptrdiff_t>(size)});
-    EXPECT_EQ(pngCodec().readHeader(ByteSource(cut)).status, CGImageSourceStatus::complete);
+    EXPECT_EQ(headerOf(cut).status, CGImageSourceStatus::complete);
     EXPECT_FALSE(decoded(cut)) << size;
   }
   // What is behind the pixels harms none of them.
@@ -182,7 +181,7 @@ TEST(PngPixelsTest, DamagedPixelsAreNone) {
 TEST(PngPixelsTest, BelievesNoSizeThatTheFileCannotHold) {
   for (const std::uint32_t side : {0x7FFFFFFFU, 100'000U, 20'000U}) {
     const Data file = PngFile().header(side, side, 16, 6).pixelAndEnd().data();
-    EXPECT_EQ(pngCodec().readHeader(ByteSource(file)).status, CGImageSourceStatus::complete);
+    EXPECT_EQ(headerOf(file).status, CGImageSourceStatus::complete);
     EXPECT_FALSE(decoded(file));
     EXPECT_FALSE(decodedReduced(file, 100));
   }
@@ -216,9 +215,8 @@ TEST(PngPixelsTest, WritesWhatItReadsBack) {
                  << c.space.numberOfComponents() << " components, " << c.layout.bitsPerPixel
                  << " bits a pixel, alpha " << static_cast<std::uint32_t>(c.layout.alphaInfo));
     const auto image = CGImage::create(c.layout, c.space, dataOf(noise(c.layout.bytesPerRow * h)));
-    std::vector<std::byte> file;
-    ASSERT_TRUE(pngCodec().encode(image.value(), {}, file, nullptr));
-    const auto back = decoded(Data(file));
+    const Data file = testing::encodedBy(pngFormat, image.value());
+    const auto back = decoded(file);
     ASSERT_TRUE(back);
     EXPECT_EQ(back->layout().bitsPerComponent, c.layout.bitsPerComponent);
     const bool isGray = c.space == gray;
@@ -242,10 +240,9 @@ TEST(PngPixelsTest, WritesMetadataThatItReadsBack) {
                        {"Gamma", 7},
                        {"Unheard of", "text"}};
   request.properties = Dictionary{{"DPIWidth", 300}, {"DPIHeight", 150.5}, {"{PNG}", png}};
-  std::vector<std::byte> file;
-  ASSERT_TRUE(pngCodec().encode(image.value(), request, file, nullptr));
+  const Data file = testing::encodedBy(pngFormat, image.value(), request);
 
-  const ImageHeader header = pngCodec().readHeader(ByteSource(Data(file)));
+  const ImageHeader header = headerOf(file);
   EXPECT_EQ(header.status, CGImageSourceStatus::complete);
   EXPECT_EQ(header.iccProfile, request.iccProfile);
   EXPECT_EQ(header.blocks.exif, request.blocks.exif);
@@ -261,7 +258,7 @@ TEST(PngPixelsTest, WritesMetadataThatItReadsBack) {
                                                  {"Creation Time", "yesterday"},
                                                  {"ModificationTime", "2024:05:17 09:30:01"}}}};
   EXPECT_EQ(header.formatProperties, expected);
-  EXPECT_EQ(decoded(Data(file))->colorSpace(), p3);
+  EXPECT_EQ(decoded(file)->colorSpace(), p3);
 }
 
 /// "type:data" of each chunk of a PNG, less its header, pixels and end.
@@ -301,7 +298,7 @@ TEST(PngPixelsTest, TextsAndWhatMayBeCopiedComeBack) {
       .chunk("orNT", "\6")
       .chunk("prVT", "unsafe")
       .pixelAndEnd();
-  const ImageHeader header = pngCodec().readHeader(ByteSource(file.data()));
+  const ImageHeader header = headerOf(file.data());
   EncodeRequest request;
   request.properties = header.formatProperties;
   request.properties.set("DPIWidth", 72);  // as EXIF says
@@ -311,9 +308,7 @@ TEST(PngPixelsTest, TextsAndWhatMayBeCopiedComeBack) {
   const auto image =
       CGImage::create(layoutOf(1, 1, 1, none), CGColorSpace::createDeviceGray(), dataOf({0}));
   const auto written = [&] {
-    std::vector<std::byte> out;
-    EXPECT_TRUE(pngCodec().encode(image.value(), request, out, nullptr));
-    return chunksOf(Data(std::move(out)));
+    return chunksOf(testing::encodedBy(pngFormat, image.value(), request));
   };
   std::vector<std::string> expected = {"cHRM:" + white + primaries,
                                        "pHYs:\0\0\0\2\0\0\0\1\0"s,
@@ -340,9 +335,8 @@ TEST(PngPixelsTest, KeepsAResolutionThatNobodyChanged) {
   const auto perMetre = [&](Dictionary properties) {
     EncodeRequest request;
     request.properties = std::move(properties);
-    std::vector<std::byte> file;
-    EXPECT_TRUE(pngCodec().encode(image.value(), request, file, nullptr));
-    const ImageHeader header = pngCodec().readHeader(ByteSource(Data(file)));
+    const Data file = testing::encodedBy(pngFormat, image.value(), request);
+    const ImageHeader header = headerOf(file);
     const auto* png = header.formatProperties.get<Dictionary>("{PNG}");
     const auto* number = png->get<Number>("XPixelsPerMeter");
     return number ? number->integerValue() : 0;

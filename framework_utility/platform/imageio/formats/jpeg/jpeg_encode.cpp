@@ -177,28 +177,27 @@ bool profileFits(const EncodeRequest& request, const CGImage& image, const Encod
 }  // namespace
 
 bool encodeJpeg(const CGImage& image, const EncodeRequest& request, std::vector<std::byte>& out,
-                Error* error) {
+                std::string& problem) {
   std::optional<EncoderRows> rows = EncoderRows::of(image);
-  if (!rows) return cannotEncode("JPEG cannot hold the colours of this image", error);
+  if (!rows) return cannotEncode("JPEG cannot hold the colours of this image", problem);
   const MetadataBlocks& blocks = request.blocks;
   const bool hasExif = fits(jpegExifSignature, blocks.exif);
   JpegWriter writer(out);
-  if (!writer.start({.width = image.width(),
-                     .height = image.height(),
-                     .colors = rows->colors(),
-                     .bytesPerPixel = rows->bytesPerPixel(),
-                     .quality = qualityNumber(request.quality),
-                     .jfif = jpegResolution(request.properties, !hasExif)}) ||
-      (hasExif && !writer.writeSegment(JPEG_APP0 + 1, jpegExifSignature, blocks.exif)) ||
-      !writeXmp(writer, blocks) || !writeImageResources(writer, blocks.imageResources) ||
-      (profileFits(request, image, *rows) && !writer.writeProfile(request.iccProfile)) ||
-      !writeParts(writer, blocks)) {
-    return cannotEncode(writer.problem(), error);
+  bool isWritten =
+      writer.start({.width = image.width(),
+                    .height = image.height(),
+                    .colors = rows->colors(),
+                    .bytesPerPixel = rows->bytesPerPixel(),
+                    .quality = qualityNumber(request.quality),
+                    .jfif = jpegResolution(request.properties, !hasExif)}) &&
+      (!hasExif || writer.writeSegment(JPEG_APP0 + 1, jpegExifSignature, blocks.exif)) &&
+      writeXmp(writer, blocks) && writeImageResources(writer, blocks.imageResources) &&
+      (!profileFits(request, image, *rows) || writer.writeProfile(request.iccProfile)) &&
+      writeParts(writer, blocks);
+  for (std::size_t y = 0; y < image.height() && isWritten; ++y) {
+    isWritten = writer.writeRow(rows->row(y));
   }
-  for (std::size_t y = 0; y < image.height(); ++y) {
-    if (!writer.writeRow(rows->row(y))) return cannotEncode(writer.problem(), error);
-  }
-  return writer.finish() || cannotEncode(writer.problem(), error);
+  return (isWritten && writer.finish()) || cannotEncode(writer.problem(), problem);
 }
 
 }  // namespace FrameworkUtility::detail

@@ -148,7 +148,8 @@ class HeaderReader {
       if (const auto status = next(segment); status != CGImageSourceStatus::complete) return status;
       if (segment.marker == endOfImage) return CGImageSourceStatus::incomplete;
       if (segment.marker == startOfScan) {
-        return header_.width > 0 ? CGImageSourceStatus::complete : CGImageSourceStatus::invalidData;
+        return header_.size.width > 0 ? CGImageSourceStatus::complete
+                                      : CGImageSourceStatus::invalidData;
       }
       if (isStartOfFrame(segment.marker)) {
         if (!readFrame(segment)) return CGImageSourceStatus::invalidData;
@@ -187,10 +188,10 @@ class HeaderReader {
   /// False for a second frame or an impossible one.
   bool readFrame(const Segment& segment) {
     ByteReader bytes = window_.at(segment.offset, segment.size);
-    if (header_.width > 0) return false;
+    if (header_.size.width > 0) return false;
     header_.bitsPerComponent = bytes.take<std::uint8_t>();
-    header_.height = bytes.take<std::uint16_t>();
-    header_.width = bytes.take<std::uint16_t>();
+    header_.size.height = bytes.take<std::uint16_t>();
+    header_.size.width = bytes.take<std::uint16_t>();
     const std::size_t components = bytes.take<std::uint8_t>();
     header_.model = components == 1   ? CGColorSpaceModel::monochrome
                     : components == 3 ? CGColorSpaceModel::rgb
@@ -200,7 +201,7 @@ class HeaderReader {
       header_.formatProperties.subdictionary(kCGImagePropertyJFIFDictionary)
           .set(kCGImagePropertyJFIFIsProgressive, true);
     }
-    return header_.width > 0 && header_.height > 0 && header_.bitsPerComponent >= 2 &&
+    return header_.size.width > 0 && header_.size.height > 0 && header_.bitsPerComponent >= 2 &&
            header_.bitsPerComponent <= 16 && components > 0 && bytes.size() == 3 * components;
   }
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include <framework_utility/platform/foundation/files/byte_source.h>
-#include <framework_utility/platform/imageio/formats/image_codec.h>
+#include <framework_utility/platform/imageio/formats/image_header.h>
 
 #include <string_view>
 

@@ -229,11 +229,11 @@ bool writeRows(PngWriter& writer, const CGImage& image, const RGBARows& rows,
 }
 
 bool encode(const CGImage& image, const EncodeRequest& request, std::vector<std::byte>& out,
-            Error* error) {
+            std::string& problem) {
   const std::optional<RGBARows> rows = RGBARows::of(image, AlphaForm::straight);
-  if (!rows) return cannotEncode("PNG cannot hold the colours of this image", error);
+  if (!rows) return cannotEncode("PNG cannot hold the colours of this image", problem);
   if (image.width() > 0x7FFFFFFF || image.height() > 0x7FFFFFFF) {
-    return cannotEncode("a side of more than 2147483647 pixels does not fit into PNG", error);
+    return cannotEncode("a side of more than 2147483647 pixels does not fit into PNG", problem);
   }
   const std::optional<CGColorSpace>& space = image.colorSpace();
   const bool isGray = !space || space->model() == CGColorSpaceModel::monochrome;
@@ -254,17 +254,17 @@ bool encode(const CGImage& image, const EncodeRequest& request, std::vector<std:
       (isWide ? writeRows<std::uint16_t>(writer, image, *rows, components)
               : writeRows<std::uint8_t>(writer, image, *rows, components)) &&
       writer.finish();
-  return isWhole || cannotEncode(writer.problem(), error);
+  return isWhole || cannotEncode(writer.problem(), problem);
 }
 
 }  // namespace
 
 bool encodePng(const CGImage& image, const EncodeRequest& request, std::vector<std::byte>& out,
-               Error* error) {
+               std::string& problem) {
   try {
-    return encode(image, request, out, error);
+    return encode(image, request, out, problem);
   } catch (const std::bad_alloc&) {
-    return cannotEncode(pngMemoryIsShort, error);
+    return cannotEncode(pngMemoryIsShort, problem);
   }
 }
 

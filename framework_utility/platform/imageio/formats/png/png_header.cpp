@@ -183,8 +183,7 @@ class HeaderReader {
     isInvalid_ = !isWhole || width == 0 || height == 0 || width > 0x7FFFFFFF ||
                  height > 0x7FFFFFFF || (depth & (depth - 1)) != 0 || (depth & depths) == 0 ||
                  methods != 0 || interlacing > 1;
-    header_.width = width;
-    header_.height = height;
+    header_.size = {width, height};
     header_.bitsPerComponent = isIndexed() ? 8 : depth;  // a palette's entries have 8
     header_.isIndexed = isIndexed();
     header_.hasAlpha = colorType_ == 4 || colorType_ == 6;

@@ -1,4 +1,4 @@
-#include <framework_utility/platform/imageio/formats/foreign_format.h>
+#include <framework_utility/platform/imageio/foreign_format.h>
 
 #include <framework_utility/platform/foundation/values/byte_reader.h>
 

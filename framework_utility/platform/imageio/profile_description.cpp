@@ -1,4 +1,4 @@
-#include <framework_utility/platform/imageio/formats/profile_description.h>
+#include <framework_utility/platform/imageio/profile_description.h>
 
 #include <framework_utility/platform/foundation/values/byte_reader.h>
 #include <framework_utility/platform/foundation/values/utf8.h>

@@ -1,0 +1,9 @@
+#pragma once
+
+#include <framework_utility/platform/imageio/formats/image_format.h>
+
+namespace FrameworkUtility::detail {
+
+extern const ImageFormat jpegFormat;
+
+}  // namespace FrameworkUtility::detail
