@@ -1,48 +1,29 @@
+#include <framework_utility/platform/foundation/values/byte_reader.h>
 #include <framework_utility/platform/imageio/metadata/exif/maker_note.h>
 #include <tests/platform/imageio/metadata/exif_block.h>
 
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <string>
+#include <optional>
 
 namespace FrameworkUtility::testing {
 namespace {
-
-using enum TiffType;
 
 constexpr std::uint32_t noteDirectory = 14;
 
 // A phone's note: what a block's first directory would be, behind another header.
 Bytes phoneNote() {
-  TestBlock block;
-  block.image = {block.numbers(1, signedLong, {14}),
-                 block.raw(2, undefined, "exposure matrix"),
-                 block.numbers(8, signedRational, {-1, 2, 1, 4, 3, 1}),
-                 block.numbers(10, signedLong, {4}),
-                 block.text(17, "0D7C1A2B-1111-2222-3333-444455556666"),
-                 {25, TiffType{16}, 1, Bytes(4, std::byte{9})},  // 64 bits, which TIFF has not.
-                 block.text(43, "A photo's own identifier")};
-  Bytes note = bytesOf(std::string_view("Apple iOS\0\0\1MM", noteDirectory));
-  const Bytes whole = block.bytes();
-  note.insert(note.end(), whole.begin() + 8, whole.end());
-  // The values stand six bytes further from the start than in the block.
-  for (std::uint32_t i = 0; i < block.image.size(); ++i) {
-    if (block.image[i].value.size() > 4) {
-      note[noteDirectory + 2 + 12 * i + 11] =
-          static_cast<std::byte>(std::to_integer<int>(note[noteDirectory + 2 + 12 * i + 11]) + 6);
-    }
-  }
-  return note;
-}
-
-std::optional<Dictionary> readMakerNote(const Bytes& note) {
-  detail::MetadataBudget budget;
-  return detail::readMakerNote(note, budget);
-}
-
-Bytes mergeMakerNote(const Bytes& note, const Dictionary& entries) {
-  return detail::mergeMakerNote(note, readMakerNote(note).value_or(Dictionary()), entries);
+  using enum TiffType;
+  detail::ByteWriter note;
+  note.put("Apple iOS\0\0\1MM"sv);
+  putDirectory(note, {{1, numbers(signedLong, 14)},
+                      {2, opaque("exposure matrix")},
+                      {8, numbers(signedRational, -1, 2, 1, 4, 3, 1)},
+                      {10, numbers(signedLong, 4)},
+                      {17, "0D7C1A2B-1111-2222-3333-444455556666"},
+                      {25, numbers(TiffType{16}, 9, 9, 9, 9)},  // Unknown to TIFF.
+                      {43, "A photo's own identifier"}});
+  return note.takeBytes();
 }
 
 Dictionary phoneEntries() {
@@ -54,49 +35,32 @@ Dictionary phoneEntries() {
           {"43", "A photo's own identifier"}};
 }
 
+std::optional<Dictionary> readMakerNote(const Bytes& note) {
+  detail::MetadataBudget budget;
+  return detail::readMakerNote(note, budget);
+}
+
+Bytes mergeMakerNote(const Bytes& note, const Dictionary& entries) {
+  return detail::mergeMakerNote(note, readMakerNote(note).value_or(Dictionary()), entries);
+}
+
 std::map<int, StoredEntry> noteEntries(const Bytes& note) {
-  std::map<int, StoredEntry> entries;
-  const TiffReader reader(note, std::endian::big);
-  for (std::uint32_t i = 0; i < reader.entryCount(noteDirectory); ++i) {
-    const detail::TiffEntry entry = reader.entry(noteDirectory, i);
-    entries[entry.tag] = {entry.type,
-                          entry.count,
-                          entry.value.size() > 4 ? entry.offset : 0,
-                          {entry.value.begin(), entry.value.end()}};
-  }
-  return entries;
+  return entriesOf(TiffReader(note, std::endian::big), noteDirectory);
 }
 
 TEST(MakerNoteTest, ReadsThePhonesNoteAndNoOther) {
-  EXPECT_EQ(readMakerNote(phoneNote()), phoneEntries());
-  EXPECT_FALSE(readMakerNote(bytesOf("Nikon\0\2\0\0\0MM")));
-  EXPECT_FALSE(readMakerNote({}));
-}
-
-TEST(MakerNoteTest, ADamagedNoteIsNotRead) {
   const Bytes whole = phoneNote();
+  EXPECT_EQ(readMakerNote(whole), phoneEntries());
   for (std::size_t size = 0; size < noteDirectory + 2 + 7 * 12 + 4; ++size) {
-    EXPECT_FALSE(
-        readMakerNote(Bytes(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(size))));
+    const Bytes cut(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(size));
+    EXPECT_FALSE(readMakerNote(cut)) << size;
   }
-  Bytes unsorted = whole;
-  unsorted[noteDirectory + 3] = std::byte{9};
-  EXPECT_FALSE(readMakerNote(unsorted));
-}
-
-TEST(MakerNoteTest, RemovingTheContentIdentifierTouchesNothingElse) {
-  const Bytes note = phoneNote();
-  Dictionary entries = phoneEntries();
-  entries.remove("17");
-  const Bytes merged = mergeMakerNote(note, entries);
-  EXPECT_EQ(readMakerNote(merged), entries);
-  EXPECT_EQ(merged.size(), note.size());
-  auto expected = noteEntries(note);
-  const StoredEntry removed = expected.at(17);
-  expected.erase(17);
-  EXPECT_EQ(noteEntries(merged), expected);
-  for (std::uint32_t i = 0; i < removed.count; ++i) {
-    ASSERT_EQ(merged[removed.offset + i], std::byte{0});
+  // Another signature, no byte order, tags that do not ascend, or far too many.
+  for (const auto& [at, value] :
+       {std::pair{0U, 'N'}, {12U, 'I'}, {noteDirectory + 3, '\x9'}, {noteDirectory, '\x1'}}) {
+    Bytes other = whole;
+    other[at] = std::byte(value);
+    EXPECT_FALSE(readMakerNote(other)) << at;
   }
 }
 
@@ -126,24 +90,31 @@ TEST(MakerNoteTest, ANewNoteHoldsEveryKindOfValue) {
 }
 
 TEST(MakerNoteTest, LivesInsideAnExifBlock) {
-  const Bytes note = phoneNote();
-  const std::string text(reinterpret_cast<const char*>(note.data()), note.size());
-  const Bytes block = photograph(std::endian::little, text).bytes();
+  constexpr std::pair note{0x8769, 0x927C};
+  const Bytes block = photograph(std::endian::little, detail::asText(phoneNote())).bytes();
   Dictionary properties = readExif(block);
   EXPECT_EQ(in(properties, "{MakerApple}"), phoneEntries());
   properties.subdictionary("{MakerApple}").remove("17");
   const Bytes merged = detail::mergeExif(block, properties, {});
   EXPECT_EQ(readExif(merged), properties);
   auto before = entriesOf(block), after = entriesOf(merged);
-  EXPECT_EQ(after.at({0x8769, 0x927C}).offset, before.at({0x8769, 0x927C}).offset);
-  before.erase({0x8769, 0x927C});
-  after.erase({0x8769, 0x927C});
+  const StoredEntry was = before.at(note), is = after.at(note);
+  EXPECT_EQ(is.offset, was.offset);
+  before[note] = is;
   EXPECT_EQ(after, before);
+  // The content identifier is gone, and of the note only its bytes are.
+  auto expected = noteEntries(was.value);
+  const StoredEntry removed = expected.at(17);
+  expected.erase(17);
+  EXPECT_EQ(noteEntries(is.value), expected);
+  EXPECT_EQ(is.count, was.count);
+  const auto rest = std::span(is.value).subspan(removed.offset, removed.count);
+  EXPECT_TRUE(std::ranges::all_of(rest, [](std::byte byte) { return byte == std::byte{0}; }));
 
   // Only an entry that somebody sets replaces the note of another maker.
   const Bytes foreign = photograph(std::endian::big, "Acme's own note").bytes();
   properties = readExif(foreign);
-  EXPECT_EQ(entriesOf(detail::mergeExif(foreign, properties, {})).at({0x8769, 0x927C}).value,
+  EXPECT_EQ(entriesOf(detail::mergeExif(foreign, properties, {})).at(note).value,
             bytesOf("Acme's own note"));
   properties.subdictionary("{MakerApple}").set("17", "an identifier");
   EXPECT_EQ(readExif(detail::mergeExif(foreign, properties, {})), properties);

@@ -1,21 +1,25 @@
+#include <framework_utility/platform/foundation/values/byte_reader.h>
 #include <framework_utility/platform/foundation/values/value.h>
 #include <framework_utility/platform/imageio/metadata/metadata_codec.h>
+#include <tests/support/files.h>
 
 #include <gtest/gtest.h>
 
-#include <span>
 #include <string>
 #include <string_view>
 
 namespace FrameworkUtility::detail {
 namespace {
 
+using testing::bytesOf;
+
 constexpr PixelFacts pixels{.width = 64, .height = 48};
 
-Data dataOf(std::string_view text) { return Data(std::as_bytes(std::span(text))); }
-
-std::string textOf(const Data& data) {
-  return {reinterpret_cast<const char*>(data.data()), data.size()};
+Data packetOf(const std::string& attributes, std::string_view elements = {}) {
+  return Data(
+      bytesOf("<rdf:RDF xmlns:rdf='http://www.w3.org/1999/02/22-rdf-syntax-ns#'>"
+              "<rdf:Description xmlns:dc='http://purl.org/dc/elements/1.1/'" +
+              attributes + ">" + std::string(elements) + "</rdf:Description></rdf:RDF>"));
 }
 
 Dictionary read(const MetadataBlocks& blocks) {
@@ -24,71 +28,53 @@ Dictionary read(const MetadataBlocks& blocks) {
   return properties;
 }
 
-MetadataBlocks blocksOf(const Data& exif, const Data& xmp) {
-  MetadataBlocks blocks;
-  blocks.exif = exif;
-  blocks.xmp = xmp;
-  return blocks;
-}
-
-// EXIF and XMP disagree about the make; only XMP knows the model, the place and the creator.
-MetadataBlocks sampleBlocks() {
-  const Dictionary own{{"{TIFF}", Dictionary{{"Make", "Exif"}}},
-                       {"{IPTC}", Dictionary{{"City", "Ulm"}}}};
-  MetadataBlocks blocks = mergeMetadata(nullptr, own, pixels);
-  blocks.xmp = dataOf(
-      "<rdf:RDF xmlns:rdf='http://www.w3.org/1999/02/22-rdf-syntax-ns#'><rdf:Description"
-      " xmlns:tiff='http://ns.adobe.com/tiff/1.0/' xmlns:exif='http://ns.adobe.com/exif/1.0/'"
-      " xmlns:dc='http://purl.org/dc/elements/1.1/' tiff:Make='Xmp' tiff:Model='M'"
-      " exif:GPSLatitude='10,30.0S' exif:GPSLongitude='20,0.0E'>"
-      "<dc:creator><rdf:Seq><rdf:li>Ada</rdf:li></rdf:Seq></dc:creator>"
-      "</rdf:Description></rdf:RDF>");
-  return blocks;
-}
-
-TEST(MetadataTest, AnUnchangedSaveKeepsEveryBlock) {
-  const MetadataBlocks blocks = sampleBlocks();
-  const MetadataBlocks saved = mergeMetadata(&blocks, read(blocks), pixels);
-  EXPECT_EQ(saved.exif, blocks.exif);
-  EXPECT_EQ(saved.imageResources, blocks.imageResources);
-  EXPECT_EQ(textOf(saved.xmp), textOf(blocks.xmp));
-}
-
-TEST(MetadataTest, AChangeReachesEveryBlockThatSaysIt) {
-  const MetadataBlocks blocks = sampleBlocks();
-  Dictionary changed = read(blocks);
-  changed.subdictionary("{TIFF}").set("Make", "New");
-  changed.subdictionary("{IPTC}").set("Byline", Value(Array{"Bo"}));
-  const MetadataBlocks saved = mergeMetadata(&blocks, changed, pixels);
-
-  EXPECT_EQ(read(saved), changed);
-  for (MetadataBlocks part : {blocksOf(saved.exif, {}), blocksOf({}, saved.xmp)}) {
-    const Dictionary properties = read(part);
-    ASSERT_TRUE(properties.get<Dictionary>("{TIFF}"));
-    EXPECT_EQ(*properties.get<Dictionary>("{TIFF}")->find("Make"), Value("New"));
+/// EXIF and XMP disagree about the make; only XMP knows the model, the place and the creator.
+class MetadataTest : public ::testing::Test {
+ protected:
+  MetadataTest() {
+    const Dictionary own{{"{TIFF}", Dictionary{{"Make", "Exif"}}},
+                         {"{IPTC}", Dictionary{{"City", "Ulm"}}}};
+    blocks_ = mergeMetadata(nullptr, own, pixels);
+    blocks_.xmp = packetOf(
+        " xmlns:tiff='http://ns.adobe.com/tiff/1.0/' xmlns:exif='http://ns.adobe.com/exif/1.0/'"
+        " tiff:Make='Xmp' tiff:Model='M' exif:GPSLatitude='10,30.0S' exif:GPSLongitude='20,0.0E'",
+        "<dc:creator><rdf:Seq><rdf:li>Ada</rdf:li></rdf:Seq></dc:creator>");
+    properties_ = read(blocks_);
   }
+  MetadataBlocks saved() const { return mergeMetadata(&blocks_, properties_, pixels); }
+
+  MetadataBlocks blocks_;
+  Dictionary properties_;
+};
+
+TEST_F(MetadataTest, AnUnchangedSaveKeepsEveryBlock) {
+  EXPECT_EQ(saved().exif, blocks_.exif);
+  EXPECT_EQ(saved().imageResources, blocks_.imageResources);
+  EXPECT_EQ(saved().xmp, blocks_.xmp);
 }
 
-TEST(MetadataTest, ARemovedPlaceIsGoneFromEveryBlock) {
-  const MetadataBlocks blocks = sampleBlocks();
-  Dictionary changed = read(blocks);
-  ASSERT_TRUE(changed.remove("{GPS}"));
-  const MetadataBlocks saved = mergeMetadata(&blocks, changed, pixels);
-  EXPECT_EQ(read(saved), changed);
-  EXPECT_EQ(textOf(saved.xmp).find("GPS"), std::string::npos);
+TEST_F(MetadataTest, AChangeReachesEveryBlockThatSaysIt) {
+  properties_.subdictionary("{TIFF}").set("Make", "New");
+  properties_.subdictionary("{IPTC}").set("Byline", Value(Array{"Bo"}));
+  ASSERT_TRUE(properties_.remove("{GPS}"));
+  EXPECT_EQ(read(saved()), properties_);
+  EXPECT_EQ(asText(saved().xmp).find("GPS"), std::string_view::npos);
+  MetadataBlocks withoutExif = saved();
+  withoutExif.exif = Data();
+  EXPECT_EQ(*read(withoutExif).get<Dictionary>("{TIFF}")->find("Make"), Value("New"));
+  // XMP of which nothing is read follows too.
+  blocks_.xmp = packetOf("", "<dc:creator>Ada</dc:creator>");
+  EXPECT_NE(asText(saved().xmp).find("<dc:creator>Bo</dc:creator>"), std::string_view::npos);
 }
 
-TEST(MetadataTest, AnOrientationAtTheTopTurnsXmpToo) {
-  MetadataBlocks blocks;
-  blocks.xmp = dataOf(
-      "<rdf:RDF xmlns:rdf='http://www.w3.org/1999/02/22-rdf-syntax-ns#'><rdf:Description"
-      " xmlns:tiff='http://ns.adobe.com/tiff/1.0/' tiff:Orientation='6'/></rdf:RDF>");
-  Dictionary properties = read(blocks);
-  EXPECT_EQ(properties, (Dictionary{{"{TIFF}", Dictionary{{"Orientation", 6}}}}));
-  properties.set("Orientation", 1);
-  const Dictionary again = read(mergeMetadata(&blocks, properties, pixels));
-  EXPECT_EQ(*again.find("Orientation"), Value(1));
-  EXPECT_EQ(*again.get<Dictionary>("{TIFF}")->find("Orientation"), Value(1));
+TEST_F(MetadataTest, AnOrientationAtTheTopTurnsXmpToo) {
+  blocks_ = {};
+  blocks_.xmp = packetOf(" xmlns:tiff='http://ns.adobe.com/tiff/1.0/' tiff:Orientation='6'");
+  properties_ = read(blocks_);
+  EXPECT_EQ(properties_, (Dictionary{{"{TIFF}", Dictionary{{"Orientation", 6}}}}));
+  properties_.set("Orientation", 1);
+  EXPECT_EQ(read(saved()),
+            (Dictionary{{"Orientation", 1}, {"{TIFF}", Dictionary{{"Orientation", 1}}}}));
 }
 
 }  // namespace
