@@ -1,4 +1,4 @@
-// One contract, three forms: each test here runs with the system's file manager, with the one in
+// One contract, three forms: most tests here run with the system's file manager, with the one in
 // memory, and with a failing one that never fails.
 
 #include <framework_utility/platform/foundation/files/file_error.h>
@@ -11,10 +11,13 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <array>
 #include <cerrno>
 #include <functional>
+#include <initializer_list>
 #include <limits>
 #include <memory>
+#include <utility>
 
 namespace FrameworkUtility {
 namespace {
@@ -192,44 +195,28 @@ TEST_P(FileManagerTest, MakesFoldersWithAndWithoutThoseAbove) {
 }
 
 TEST_P(FileManagerTest, ReportsThePlatformsCodeThePathAndTheCause) {
-  using Operation = std::function<bool(FileManager&, const std::string&, Error*)>;
-  const auto attributes = [](FileManager& f, const std::string& path, Error* e) {
-    return f.attributesOfItemAtPath(path, e).has_value();
+  using F = FileManager;
+  using Operation = std::function<bool(F&, const std::string&, Error*)>;
+  const auto onPath = [](auto call, auto... more) -> Operation {
+    return
+        [=](F& f, const std::string& path, Error* e) { return bool((f.*call)(path, more..., e)); };
   };
-  const auto volume = [](FileManager& f, const std::string& path, Error* e) {
-    return f.attributesOfFileSystemForPath(path, e).has_value();
-  };
-  const auto list = [](FileManager& f, const std::string& path, Error* e) {
-    return f.contentsOfDirectoryAtPath(path, e).has_value();
-  };
-  const auto open = [](FileManager& f, const std::string& path, Error* e) {
-    return f.openFileAtPath(path, e) != nullptr;
-  };
-  const auto put = [](FileManager& f, const std::string& path, Error* e) {
+  const Operation attributes = onPath(&F::attributesOfItemAtPath);
+  const Operation volume = onPath(&F::attributesOfFileSystemForPath);
+  const Operation list = onPath(&F::contentsOfDirectoryAtPath);
+  const Operation open = onPath(&F::openFileAtPath);
+  const Operation makeFolders = onPath(&F::createDirectoryAtPath, IntermediateDirectories::create);
+  const Operation flush = onPath(&F::flushDirectoryAtPath);
+  const Operation copy = onPath(&F::copyItemAtPath, at("new"));
+  const Operation move = onPath(&F::moveItemAtPath, at("new"));
+  const Operation remove = onPath(&F::removeItemAtPath);
+  const Operation removeEmpty = onPath(&F::removeEmptyDirectoryAtPath);
+  const Operation put = [](F& f, const std::string& path, Error* e) {
     return f.writeAtomically(bytesOf("x"), path, e);
   };
-  const auto makeFolders = [](FileManager& f, const std::string& path, Error* e) {
-    return f.createDirectoryAtPath(path, IntermediateDirectories::create, e);
-  };
-  const auto flush = [](FileManager& f, const std::string& path, Error* e) {
-    return f.flushDirectoryAtPath(path, e);
-  };
-  const auto copy = [this](FileManager& f, const std::string& path, Error* e) {
-    return f.copyItemAtPath(path, at("new"), e);
-  };
-  const auto copyTo = [this](FileManager& f, const std::string& path, Error* e) {
+  const Operation copyTo = [this](F& f, const std::string& path, Error* e) {
     return f.copyItemAtPath(at("file"), path, e);
   };
-  const auto move = [this](FileManager& f, const std::string& path, Error* e) {
-    return f.moveItemAtPath(path, at("new"), e);
-  };
-  const auto remove = [](FileManager& f, const std::string& path, Error* e) {
-    return f.removeItemAtPath(path, e);
-  };
-  const auto removeEmpty = [](FileManager& f, const std::string& path, Error* e) {
-    return f.removeEmptyDirectoryAtPath(path, e);
-  };
-
   ASSERT_TRUE(write("file", "") && makeFolder("folder"));
   const std::string longName(256, 'n'), withNul = "a\0b"s;
   struct Case {
@@ -302,6 +289,66 @@ TEST_P(FileManagerTest, KnowsHowMuchRoomThereIs) {
   EXPECT_GT(volume->totalSize, 0);
   EXPECT_GE(volume->freeSize, 0);
   EXPECT_LE(volume->freeSize, volume->totalSize);
+}
+
+TEST(FailingFileManagerTest, EachCallCanFailAndTheInnerManagerNeverHearsOfIt) {
+  const auto inner = makeInMemoryFileManager();
+  const auto folders = IntermediateDirectories::create;
+  ASSERT_TRUE(inner->writeAtomically(bytesOf("text"), "/f", nullptr));
+  ASSERT_TRUE(inner->createDirectoryAtPath("/d", folders, nullptr));
+  std::string asked;
+  bool fails = false;
+  const auto f = makeFailingFileManager(
+      *inner, [&](std::string_view operation, std::string_view path) -> std::optional<Error> {
+        asked.append(operation).append(path);
+        return fails ? std::optional(Error("Test", 7)) : std::nullopt;
+      });
+  const auto reader = f->openFileAtPath("/f", nullptr);
+  ASSERT_TRUE(reader);
+  fails = true;
+  std::array<std::byte, 4> bytes{};
+  using Call = std::function<bool(Error*)>;
+  for (const auto& [name, call] : std::initializer_list<std::pair<const char*, Call>>{
+           {"createDirectoryAtPath/e",
+            [&](Error* e) { return f->createDirectoryAtPath("/e", folders, e); }},
+           {"writeAtomically/g", [&](Error* e) { return f->writeAtomically(bytes, "/g", e); }},
+           {"attributesOfItemAtPath/f",
+            [&](Error* e) { return bool(f->attributesOfItemAtPath("/f", e)); }},
+           {"attributesOfFileSystemForPath/f",
+            [&](Error* e) { return bool(f->attributesOfFileSystemForPath("/f", e)); }},
+           {"contentsOfDirectoryAtPath/d",
+            [&](Error* e) { return bool(f->contentsOfDirectoryAtPath("/d", e)); }},
+           {"openFileAtPath/f", [&](Error* e) { return bool(f->openFileAtPath("/f", e)); }},
+           {"readAt/f", [&](Error* e) { return bool(reader->readAt(0, bytes, e)); }},
+           {"flushDirectoryAtPath/d", [&](Error* e) { return f->flushDirectoryAtPath("/d", e); }},
+           {"copyItemAtPath/f", [&](Error* e) { return f->copyItemAtPath("/f", "/g", e); }},
+           {"moveItemAtPath/f", [&](Error* e) { return f->moveItemAtPath("/f", "/g", e); }},
+           {"removeItemAtPath/f", [&](Error* e) { return f->removeItemAtPath("/f", e); }},
+           {"removeEmptyDirectoryAtPath/d",
+            [&](Error* e) { return f->removeEmptyDirectoryAtPath("/d", e); }}}) {
+    Error error;
+    asked.clear();
+    EXPECT_FALSE(call(&error)) << name;
+    EXPECT_EQ(error, Error("Test", 7)) << name;
+    EXPECT_EQ(asked, name);
+    EXPECT_FALSE(call(nullptr)) << name;
+  }
+  EXPECT_THAT(inner->contentsOfDirectoryAtPath("/", nullptr),
+              Optional(UnorderedElementsAre("f", "d")));
+}
+
+TEST(ScopedFileManagerTest, PutsAManagerInTheDefaultOnesPlaceAndNests) {
+  FileManager& system = FileManager::defaultManager();
+  const auto outer = makeInMemoryFileManager(), inner = makeInMemoryFileManager();
+  {
+    const ScopedFileManager first(*outer);
+    {
+      const ScopedFileManager second(*inner);
+      EXPECT_EQ(&FileManager::defaultManager(), inner.get());
+    }
+    EXPECT_EQ(&FileManager::defaultManager(), outer.get());
+  }
+  EXPECT_EQ(&FileManager::defaultManager(), &system);
 }
 
 }  // namespace

@@ -18,12 +18,6 @@ static_assert(!std::is_reference_v<decltype(std::declval<Error>().userInfo())>);
 
 constexpr ErrorCode noFile{"DiskDomain", 5, "No file."};
 
-Error chainOfCauses(int length, std::int64_t lastCode) {
-  Error error("Last", lastCode);
-  for (int i = 0; i < length; ++i) error = Error("Chain", i, {{NSUnderlyingErrorKey, error}});
-  return error;
-}
-
 TEST(ErrorTest, DomainAndCodeDecideWhatItIs) {
   const Error error("DiskDomain", 5, {{NSLocalizedDescriptionKey, "No file."}});
   EXPECT_THAT(error, testing::IsError(noFile));
@@ -31,34 +25,37 @@ TEST(ErrorTest, DomainAndCodeDecideWhatItIs) {
   EXPECT_FALSE(Error("DiskDomain", 6).is(noFile));
   EXPECT_FALSE(Error("diskDomain", 5).is(noFile));
   std::ostringstream out;
-  out << error;
-  EXPECT_EQ(out.str(), "Error Domain=DiskDomain Code=5 \"No file.\"");
-}
-
-TEST(ErrorTest, WithoutADescriptionDomainAndCodeMakeOne) {
-  EXPECT_EQ(Error("D", -7).localizedDescription(),
+  out << error << Error("D", -7).localizedDescription();
+  EXPECT_EQ(out.str(),
+            "Error Domain=DiskDomain Code=5 \"No file.\""
             "The operation couldn’t be completed. (D error -7.)");
-  EXPECT_EQ(Error().domain(), "");
-  EXPECT_EQ(Error().code(), 0);
-  EXPECT_FALSE(Error().underlyingError());
-  EXPECT_EQ(Error(), Error("", 0));
 }
 
 TEST(ErrorTest, EqualityLooksAtAllUserInformation) {
-  const Dictionary info{{"Path", "/a"}, {NSUnderlyingErrorKey, Error("E", 1)}};
-  const Error error("D", 1, info);
-  EXPECT_EQ(error, Error("D", 1, {{NSUnderlyingErrorKey, Error("E", 1)}, {"Path", "/a"}}));
-  EXPECT_FALSE(error == Error("D", 1, {{NSUnderlyingErrorKey, Error("E", 2)}, {"Path", "/a"}}));
-  EXPECT_FALSE(error == Error("D", 1, {{NSUnderlyingErrorKey, Error("E", 1)}, {"Path", "/b"}}));
-  EXPECT_FALSE(error == Error("D", 1, {{NSUnderlyingErrorKey, "text"}, {"Path", "/a"}}));
-  EXPECT_FALSE(error == Error("D", 1));
+  const Error cause("E", 1);
+  const Error error("D", 1, {{"Path", "/a"}, {NSUnderlyingErrorKey, cause}});
+  EXPECT_EQ(error, Error("D", 1, {{NSUnderlyingErrorKey, cause}, {"Path", "/a"}}));
+  for (const Error& other :
+       {Error("D", 1, {{NSUnderlyingErrorKey, Error("E", 2)}, {"Path", "/a"}}),
+        Error("D", 1, {{NSUnderlyingErrorKey, cause}, {"Path", "/b"}}),
+        Error("D", 1, {{NSUnderlyingErrorKey, "text"}, {"Path", "/a"}}),
+        Error("D", 2, {{NSUnderlyingErrorKey, cause}, {"Path", "/a"}}),
+        Error("E", 1, {{NSUnderlyingErrorKey, cause}, {"Path", "/a"}}), Error("D", 1)}) {
+    EXPECT_FALSE(error == other) << other;
+  }
+  EXPECT_EQ(Error(), Error("", 0));
 }
 
 TEST(ErrorTest, AMillionCausesAreComparedAndFreedWithoutRecursion) {
   constexpr int length = 1'000'000;
-  Error error = chainOfCauses(length, 1);
-  EXPECT_EQ(error, chainOfCauses(length, 1));
-  EXPECT_FALSE(chainOfCauses(1000, 1) == chainOfCauses(1000, 2));
+  const auto chainOfCauses = [](std::int64_t lastCode) {
+    Error error("Last", lastCode);
+    for (int i = 0; i < length; ++i) error = Error("Chain", i, {{NSUnderlyingErrorKey, error}});
+    return error;
+  };
+  Error error = chainOfCauses(1);
+  EXPECT_EQ(error, chainOfCauses(1));
+  EXPECT_FALSE(error == chainOfCauses(2));
   Error cause = *error.underlyingError();
   error = Error();
   EXPECT_EQ(cause.code(), length - 2);  // what others hold lives on

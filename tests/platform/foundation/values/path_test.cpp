@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <tuple>
+
 namespace FrameworkUtility::paths {
 namespace {
 
@@ -41,14 +43,16 @@ TEST(PathTest, NamesAndExtensions) {
 }
 
 TEST(PathTest, OneSlashBetweenComponents) {
-  for (const auto& [path, component] :
-       {std::pair{"/a", "b"}, {"/a/", "b"}, {"/a", "/b"}, {"/a//", "//b"}}) {
-    EXPECT_EQ(appendingPathComponent(path, component), "/a/b") << path << ' ' << component;
+  for (const auto& [path, component, whole] : {std::tuple{"/a", "b", "/a/b"},
+                                               {"/a/", "b", "/a/b"},
+                                               {"/a", "/b", "/a/b"},
+                                               {"/a//", "//b", "/a/b"},
+                                               {"/", "b", "/b"},
+                                               {"", "b", "b"},
+                                               {"a", "", "a"},
+                                               {"a", "b/c/", "a/b/c/"}}) {
+    EXPECT_EQ(appendingPathComponent(path, component), whole) << path << ' ' << component;
   }
-  EXPECT_EQ(appendingPathComponent("/", "b"), "/b");
-  EXPECT_EQ(appendingPathComponent("", "b"), "b");
-  EXPECT_EQ(appendingPathComponent("a", ""), "a");
-  EXPECT_EQ(appendingPathComponent("a", "b/c/"), "a/b/c/");
 }
 
 TEST(PathTest, OnlyValidExtensionsAreAppended) {
