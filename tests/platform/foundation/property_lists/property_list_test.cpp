@@ -185,8 +185,7 @@ TEST(PropertyListTest, ExpansionIsLimited) {
 
   const std::string many = "\xAF\x12"s + bigEndian(100'000, 4) + std::string(100'000, '\1');
   EXPECT_TRUE(read(BinaryList{{many, "\x09"}}.bytes()));
-  for (const char* marker :
-       {"\x4F\x12", "\x5F\x12"}) {  // one large object a hundred thousand times
+  for (const std::string marker : {"\x4F\x12", "\x5F\x12"}) {  // a large one as often
     const std::string large = marker + bigEndian(100'000, 4) + std::string(100'000, 'x');
     expectRefused(BinaryList{{many, large}}.bytes());
   }
