@@ -1,8 +1,6 @@
 #include <framework_utility/color/color_transformer.h>
 #include <framework_utility/platform/foundation/archives/keyed_archiver.h>
 
-#include <tests/support/archives.h>
-
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -55,18 +53,6 @@ TEST(ColorTransformerTest, AnythingElseGivesNothing) {
   KvColor::setSupportsSecureCoding(false);
   EXPECT_FALSE(transformer.reverseTransformedValue(Value(Array{color})));
   KvColor::setSupportsSecureCoding(true);
-}
-
-TEST(ColorTransformerTest, ReadsAnArchiveWrittenByHand) {
-  using testing::reference;
-  const Data data = testing::archiveOf(
-      {Dictionary{{"NS.objects", Value(Array{reference(2), reference(3), reference(2)})},
-                  {"$class", reference(5)}},
-       Dictionary{{"R", 1.0F}, {"G", 0.5F}, {"B", 0.0F}, {"$class", reference(4)}},
-       Dictionary{{"H", 0.0F}, {"S", 1.0F}, {"L", 0.5F}, {"$class", reference(4)}},
-       testing::classRecord("_TtC16FrameworkUtility7KvColor"), testing::classRecord("NSArray")});
-  EXPECT_EQ(unboxedColors(KvColorTransformer().transformedValue(Value(data))),
-            (std::vector{KvColor(1, 0.5, 0), KvColor(1, 0, 0), KvColor(1, 0.5, 0)}));
 }
 
 }  // namespace

@@ -2,9 +2,11 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <limits>
+#include <optional>
 #include <set>
+#include <string>
+#include <utility>
 
 namespace FrameworkUtility {
 namespace {
@@ -89,6 +91,82 @@ TEST(ColorUtilityTest, RandomColoursNeverReachOne) {
   EXPECT_EQ(*seen.begin(), 0);
   EXPECT_EQ(*seen.rbegin(), 254 / 255.0);
   EXPECT_EQ(randomColor().getRedGreenBlueAlpha().alpha, 1);
+}
+
+/// The colour as text, "none" without one.
+std::string shown(const std::optional<UIColor>& color) {
+  return color ? hexString(*color) : "none";
+}
+
+TEST(ColorParsingTest, HexadecimalTexts) {
+  const std::pair<std::string, const char*> cases[] = {
+      {"FF8000", "#FF8000"},
+      {"#09afAF", "#09AFAF"},
+      // The scanner skips white space and one prefix, and ends at the first other character.
+      {"0xFF80", "#00FF80"},
+      {"#0XFF80", "#00FF80"},
+      {" FF800", "#0FF800"},
+      {"#\n\t FF8", "#000FF8"},
+      {"\u3000\u200B\u2028FF8", "#000FF8"},
+      {" 0xFF8", "#000FF8"},
+      {"FF 800", "#0000FF"},
+      {"12.345", "#000012"},
+      {std::string("FF\0FFF", 6), "#0000FF"},
+      {"AB\U0001F3A8CD", "#0000AB"}};
+  for (const auto& [text, color] : cases) EXPECT_EQ(shown(colorFromHexString(text)), color) << text;
+  // Six units of UTF-16, of which none is scanned; digits of other scripts are none.
+  for (const char* text :
+       {"##FF800", "0x0xFF", "-FF800", "+FF800", "orange", "/:@G`g",
+        "\uFF11\uFF12\uFF13\uFF14\uFF15\uFF16", "\u0661\u0662\u0663\u0664\u0665\u0666",
+        "\U0001F3A8\U0001F3A8\U0001F3A8"}) {
+    EXPECT_EQ(shown(colorFromHexString(text)), "#000000") << text;
+  }
+  for (const std::string& text :
+       {std::string(), std::string("#"), std::string("#12345"), std::string("1234567"),
+        std::string("\U0001F3A8\U0001F3A8"), std::string("h\u00E9l\u00E9"),
+        std::string("ABCDE\xFF"), std::string("ABCDE\xC3"), std::string(1 << 20, 'A')}) {
+    EXPECT_EQ(shown(colorFromHexString(text)), "none") << text.substr(0, 20);
+  }
+  EXPECT_EQ(colorFromHexString("FF8000", 7), UIColor(1, 128 / 255.0, 0, 7)) << "alpha as given";
+}
+
+TEST(ColorParsingTest, ListsOfComponents) {
+  EXPECT_EQ(colorWithArray({255, 51.0, 0}), UIColor(1, 0.2, 0, 1));
+  EXPECT_EQ(colorWithArray({"255", "+51.0", ".0", "-127.5"}), UIColor(1, 0.2, 0, -0.5));
+  EXPECT_EQ(colorWithArray({510, -255, "51.", true}), UIColor(2, -1, 0.2, 1 / 255.0));
+
+  for (const Array& list : {Array{}, Array{1, 2}, Array{1, 2, 3, 4, 5}, Array{1, 2, Value()},
+                            Array{1, 2, Data()}, Array{1, 2, Value(Array{3})}}) {
+    EXPECT_EQ(shown(colorWithArray(list)), "none") << Value(list).description();
+  }
+  for (const char* text : {"", "-", "+", ".", "-.", "1.2.3", "1e2", "0x10", "1,000", " 1", "1 ",
+                           "12abc", "--1", "+-1", "inf", "nan", "\u0661", "1\n"}) {
+    EXPECT_EQ(shown(colorWithArray({1, 2, text})), "none") << text;
+  }
+  EXPECT_EQ(shown(colorWithArray({1, 2, std::string(1000, '9')})), "none") << "beyond a double";
+}
+
+TEST(ColorParsingTest, Objects) {
+  const std::pair<Value, const char*> cases[] = {
+      {"#FF8000", "#FF8000"},
+      {"255 0 0", "#FF0000"},
+      {"255 128 0 0.5", "#FF8000"},
+      {"255\u00A0128\u200B7", "#FF8007"},
+      {Value(Array{255, 0, "128"}), "#FF0080"},
+      // What can be hexadecimal is: these are six characters long.
+      {"10 0 0", "#000010"},
+      {"1 2 34", "#000001"}};
+  for (const auto& [object, color] : cases) EXPECT_EQ(shown(colorWithObject(object)), color);
+  EXPECT_EQ(colorWithObject(Value("255 128 0 51")), UIColor(1, 128 / 255.0, 0, 0.2));
+  // A line break does not split, and an empty piece is no number.
+  for (const Value& object : {Value("255\n128\n7"), Value("255  128 7"), Value(" 255 128 7"),
+                              Value("255 128 7 "), Value("255 128 7 255 "), Value("255 128"),
+                              Value("255 128 7 1 2"), Value("255 128 \U0001F3A8"),
+                              Value("255 128 \xFF"), Value(""), Value(std::string(1 << 20, ' ')),
+                              Value(), Value(255), Value(Dictionary{{"red", 1}}), Value(Data())}) {
+    EXPECT_EQ(shown(colorWithObject(object)), "none") << object.description().substr(0, 20);
+  }
+  EXPECT_EQ(shown(colorWithObject(std::nullopt)), "none");
 }
 
 }  // namespace

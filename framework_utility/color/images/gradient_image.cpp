@@ -27,7 +27,6 @@ template <class Draw>
 std::optional<UIImage> imageOfSize(Size size, double scale, const std::vector<KvColor>& colors,
                                    const Draw& draw) {
   const Size rounded = size.rounded();
-  if (!(rounded.width >= 1) || !(rounded.height >= 1)) return std::nullopt;
   const bool isOpaque = std::all_of(colors.begin(), colors.end(),
                                     [](const KvColor& color) { return color.isOpaque(); });
   return UIGraphicsImageRenderer(rounded, {.scale = scale, .opaque = isOpaque})

@@ -1,18 +1,21 @@
+#include <framework_utility/color/color_utility.h>
 #include <framework_utility/color/images/color_analysis.h>
+#include <framework_utility/platform/foundation/files/files.h>
+#include <framework_utility/platform/imageio/image_destination.h>
+#include <framework_utility/platform/imageio/metadata/property_keys.h>
 
-#include <tests/color/images/analysis_pictures.h>
+#include <tests/platform/graphics/pictures.h>
+#include <tests/support/temporary_folder.h>
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <array>
-#include <cmath>
 #include <cstdint>
+#include <functional>
 #include <limits>
-#include <map>
+#include <optional>
+#include <span>
 #include <string>
 #include <utility>
-#include <vector>
 
 namespace FrameworkUtility {
 namespace {
@@ -20,6 +23,40 @@ namespace {
 using namespace testing;
 using enum CGImageAlphaInfo;
 using enum UIImageAnalyzeColorQuality;
+
+constexpr Pixel red{255, 0, 0, 255};
+constexpr Pixel green{0, 255, 0, 255};
+constexpr Pixel blue{0, 0, 255, 255};
+constexpr Pixel white{255, 255, 255, 255};
+constexpr Pixel black{0, 0, 0, 255};
+
+using PixelAt = std::function<Pixel(std::size_t x, std::size_t y)>;
+
+PixelAt all(const Pixel& pixel) {
+  return [pixel](std::size_t, std::size_t) { return pixel; };
+}
+
+CGImage bitmapOf(std::size_t width, std::size_t height, const PixelAt& pixel,
+                 CGImageAlphaInfo info = CGImageAlphaInfo::premultipliedLast) {
+  std::vector<std::uint8_t> bytes;
+  for (std::size_t y = 0; y < height; ++y) {
+    for (std::size_t x = 0; x < width; ++x) {
+      for (const std::uint8_t component : pixel(x, y)) bytes.push_back(component);
+    }
+  }
+  return *CGImage::create(layoutOf(width, height, 4, info), CGColorSpace::createDeviceRGB(),
+                          dataOf(bytes));
+}
+
+/// "FF0000 00FF00", or "none" without a result.
+std::string colorsIn(const std::optional<UIImageAnalyzeResult>& result) {
+  if (!result) return "none";
+  std::string text;
+  for (const KvColor& color : result->colors) {
+    text += (text.empty() ? "" : " ") + hexString(color.uiColor()).substr(1);
+  }
+  return text;
+}
 
 UIImage imageOf(std::size_t width, std::size_t height, const PixelAt& pixel, double scale = 1) {
   return UIImage(bitmapOf(width, height, pixel), scale);
@@ -42,28 +79,17 @@ TEST(ColorAnalysisTest, RawValuesAreLengths) {
 }
 
 TEST(ColorAnalysisTest, AColourIsTheMiddleOfItsBucket) {
-  struct Case {
-    Pixel pixel;
-    double red, green, blue;
-  };
-  for (const Case& c : {
-           Case{{200, 100, 50, 255}, 200, 100, 50},
-           Case{{204, 95, 54, 255}, 200, 100, 50},
-           Case{white, 255, 255, 255},  // 26 tens, at most 255
-           Case{{254, 245, 4, 255}, 250, 250, 0},
-           // Premultiplied: what is half white counts as grey, and only alpha 0 not at all.
-           Case{{128, 128, 128, 128}, 130, 130, 130},
-           Case{{0, 0, 0, 1}, 0, 0, 0},
-       }) {
-    const auto result = analyzeImageWithQuality(imageOf(10, 10, all(c.pixel)), full, 5);
-    ASSERT_TRUE(result);
-    ASSERT_EQ(result->colors.size(), 1);
-    EXPECT_EQ(result->colors[0].red, c.red / 255);
-    EXPECT_EQ(result->colors[0].green, c.green / 255);
-    EXPECT_EQ(result->colors[0].blue, c.blue / 255);
-    EXPECT_EQ(result->colors[0].alpha, 1);
-  }
-  EXPECT_EQ(colorsOf(imageOf(10, 10, all({0, 0, 0, 0}))), "");
+  const auto result = analyzeImageWithQuality(imageOf(10, 10, all({204, 95, 54, 255})), full, 5);
+  EXPECT_EQ(result.value().colors.at(0).cgColor(),
+            (CGColor{{200 / 255.0, 100 / 255.0, 50 / 255.0, 1}}));
+  const std::pair<Pixel, const char*> cases[] = {
+      {white, "FFFFFF"},  // 26 tens, at most 255
+      {{254, 245, 4, 255}, "FAFA00"},
+      // Premultiplied: what is half white counts as grey, and only alpha 0 not at all.
+      {{128, 128, 128, 128}, "828282"},
+      {{0, 0, 0, 1}, "000000"},
+      {{0, 0, 0, 0}, ""}};
+  for (const auto& [pixel, color] : cases) EXPECT_EQ(colorsOf(imageOf(10, 10, all(pixel))), color);
 }
 
 TEST(ColorAnalysisTest, OnlyWhatDiffersByMoreThanAQuarterIsTakenToo) {
@@ -90,35 +116,32 @@ TEST(ColorAnalysisTest, TheCountEndsTheSelection) {
   });
   EXPECT_EQ(colorsOf(image, full, 1), "0000FF");
   EXPECT_EQ(colorsOf(image, full, 2), "0000FF 00FF00");
-  for (const std::int64_t count :
-       {std::int64_t{0}, std::int64_t{-1}, std::int64_t{3},
-        std::numeric_limits<std::int64_t>::min(), std::numeric_limits<std::int64_t>::max()}) {
+  using Limits = std::numeric_limits<std::int64_t>;
+  for (const std::int64_t count : {0L, -1L, 3L, Limits::min(), Limits::max()}) {
     EXPECT_EQ(colorsOf(image, full, count), "0000FF 00FF00 FF0000") << count;
   }
 }
 
 TEST(ColorAnalysisTest, OfEqualCountsTheSmallerKeyComesFirst) {
   const Pixel four[] = {white, red, blue, green};
-  EXPECT_EQ(colorsOf(imageOf(4, 4, [&](std::size_t x, std::size_t) { return four[x]; })),
-            "FF0000 00FF00 0000FF FFFFFF");
-  EXPECT_EQ(colorsOf(imageOf(4, 4, [&](std::size_t, std::size_t y) { return four[3 - y]; })),
-            "FF0000 00FF00 0000FF FFFFFF");
+  const UIImage across = imageOf(4, 4, [&](std::size_t x, std::size_t) { return four[x]; });
+  const UIImage up = imageOf(4, 4, [&](std::size_t, std::size_t y) { return four[3 - y]; });
+  for (const UIImage& image : {across, up}) {
+    EXPECT_EQ(colorsOf(image), "FF0000 00FF00 0000FF FFFFFF");
+  }
 }
 
 TEST(ColorAnalysisTest, NoiseIsAHundredthOfTheHeight) {
-  struct Case {
-    std::size_t height;
-    std::size_t noisePixels;
-    bool isSeen;
-  };
-  for (const Case& c : {Case{49, 1, true}, Case{50, 1, false}, Case{50, 2, true},
-                        Case{100, 1, false}, Case{100, 2, true}, Case{149, 2, true},
-                        Case{150, 2, false}, Case{250, 3, false}, Case{250, 4, true}}) {
-    const UIImage image = imageOf(7, c.height, [&](std::size_t x, std::size_t y) {
-      return x == 3 && y < c.noisePixels ? white : black;
-    });
-    EXPECT_EQ(colorsOf(image), c.isSeen ? "000000 FFFFFF" : "000000")
-        << c.noisePixels << " of height " << c.height;
+  const std::pair<std::size_t, std::size_t> mostNoise[] = {{49, 0},  {50, 1},  {100, 1},
+                                                           {149, 1}, {150, 2}, {250, 3}};
+  for (const auto& [height, most] : mostNoise) {
+    for (const std::size_t pixels : {most, most + 1}) {
+      const UIImage image = imageOf(7, height, [&](std::size_t x, std::size_t y) {
+        return x == 3 && y < pixels ? white : black;
+      });
+      EXPECT_EQ(colorsOf(image), pixels > most ? "000000 FFFFFF" : "000000")
+          << pixels << " of height " << height;
+    }
   }
 }
 
@@ -172,51 +195,6 @@ TEST(ColorAnalysisTest, PointsCountAndNotPixels) {
   EXPECT_EQ(colorsOf(turned), "FF0000 0000FF");
 }
 
-TEST(ColorAnalysisTest, EqualsTheStepsOneByOne) {
-  for (std::uint32_t seed = 1; seed <= 20; ++seed) {
-    const std::size_t width = 20 + seed * 7 % 90;
-    const std::size_t height = 20 + seed * 31 % 140;
-    auto bytes = noise(width * height * 4, seed);
-    // Few colours, so that many counts are equal; some pixels are transparent.
-    for (std::uint8_t& byte : bytes) byte = static_cast<std::uint8_t>(byte % 5 * 63);
-    const UIImage image(*CGImage::create(layoutOf(width, height, 4, premultipliedLast),
-                                         CGColorSpace::createDeviceRGB(), dataOf(bytes)));
-
-    std::map<double, std::int64_t> counted;
-    for (std::size_t x = 0; x < width; ++x) {
-      for (std::size_t y = 0; y < height; ++y) {
-        const std::uint8_t* pixel = &bytes[(y * width + x) * 4];
-        if (pixel[3] == 0) continue;
-        ++counted[std::round(pixel[0] / 10.0) + std::round(pixel[1] / 10.0) * 1000 +
-                  std::round(pixel[2] / 10.0) * 1'000'000];
-      }
-    }
-    std::vector<std::pair<double, std::int64_t>> sorted;
-    for (const auto& [key, count] : counted) {
-      if (static_cast<double>(count) > std::round(static_cast<double>(height) * 0.01)) {
-        sorted.emplace_back(key, count);
-      }
-    }
-    std::stable_sort(sorted.begin(), sorted.end(),
-                     [](const auto& a, const auto& b) { return a.second > b.second; });
-    UIImageAnalyzeResult expected;
-    for (const auto& [key, count] : sorted) {
-      const KvColor candidate(std::min(std::fmod(key, 1000) * 10, 255.0) / 255,
-                              std::min(std::fmod(std::floor(key / 1000), 1000) * 10, 255.0) / 255,
-                              std::min(std::floor(key / 1'000'000) * 10, 255.0) / 255);
-      if (std::none_of(expected.colors.begin(), expected.colors.end(), [&](const KvColor& other) {
-            return std::abs(candidate.red - other.red) <= 0.25 &&
-                   std::abs(candidate.green - other.green) <= 0.25 &&
-                   std::abs(candidate.blue - other.blue) <= 0.25;
-          })) {
-        expected.colors.push_back(candidate);
-      }
-      if (expected.colors.size() == 6) break;
-    }
-    EXPECT_EQ(colorsOf(image, full, 6), colorsIn(expected)) << seed;
-  }
-}
-
 TEST(ColorAnalysisTest, AlphaIsAskedOfTheLayout) {
   for (const auto& [info, expected] : {std::pair{premultipliedLast, true},
                                        {premultipliedFirst, true},
@@ -261,6 +239,83 @@ TEST(ColorAnalysisDeathTest, SizesThatAreNoIntegersStopTheProcess) {
   for (const double scale : {1e-300, 1e-18, 1e-9, 5e-324}) {
     EXPECT_DEATH((void)colorsOf(imageOf(100, 100, all(red), scale)), "not finite, or too large")
         << scale;
+  }
+}
+
+Data encoded(const CGImage& image, const char* type, const Dictionary& properties = {}) {
+  const auto destination = CGImageDestination::createInMemory(type, 1);
+  destination->addImage(image, properties);
+  EXPECT_TRUE(destination->finalize());
+  return *destination->data();
+}
+
+class ColorAnalysisOfFilesTest : public ::testing::Test {
+ protected:
+  URL urlOf(const std::string& name) const { return URL::fileURLWithPath(folder_.path(name)); }
+
+  URL write(const std::string& name, const Data& data) const {
+    EXPECT_TRUE(FileManager::defaultManager().writeAtomically(data, folder_.path(name), nullptr));
+    return urlOf(name);
+  }
+
+  static std::string colorsOf(const URL& url, UIImageAnalyzeColorQuality quality) {
+    const auto result = analyzeImageWithQuality(url, quality, 0);
+    EXPECT_EQ(colorsIn(analyzeImageAtUrl(url, quality, 0)), colorsIn(result));
+    return colorsIn(result);
+  }
+
+ private:
+  TemporaryFolder folder_;
+};
+
+TEST_F(ColorAnalysisOfFilesTest, LargeFilesAreReducedFirst) {
+  // Single white lines vanish in the average, and with them their colour.
+  const auto lined = [](std::size_t x, std::size_t y) {
+    return y % 10 == 9 ? white : x < 300 ? red : blue;
+  };
+  const URL png = write("lined.png", encoded(bitmapOf(500, 400, lined), "public.png"));
+  EXPECT_EQ(colorsOf(png, full), "FF0000 0000FF FFFFFF");
+  EXPECT_EQ(colorsOf(png, low), "FF1E1E 1E1EFF");
+  EXPECT_EQ(analyzeImageWithQuality(png, low, 0)->containsAlpha, true);
+
+  const URL jpeg = write("plain.jpg", encoded(bitmapOf(500, 400, all({200, 100, 50, 255})),
+                                              "public.jpeg", {{kCGImagePropertyOrientation, 6}}));
+  for (const auto quality : {full, low, medium, high}) {
+    EXPECT_EQ(colorsOf(jpeg, quality), "C86432");
+    EXPECT_EQ(analyzeImageWithQuality(jpeg, quality, 0)->containsAlpha, false);
+  }
+}
+
+TEST_F(ColorAnalysisOfFilesTest, SmallFilesAreReadWhole) {
+  const auto left = [](std::size_t x, std::size_t) { return x < 10 ? red : blue; };
+  const URL url = write("small.png", encoded(bitmapOf(20, 20, left), "public.png"));
+  EXPECT_EQ(colorsOf(url, full), "FF0000 0000FF");
+  EXPECT_EQ(colorsOf(url, low), "FF0000") << "enlarged, as an image of that size is";
+}
+
+TEST_F(ColorAnalysisOfFilesTest, WithoutAReadableColourPictureThereIsNoResult) {
+  const CGImage gray = *CGImage::create(layoutOf(200, 200, 1, CGImageAlphaInfo::none),
+                                        CGColorSpace::createDeviceGray(), dataOf(noise(40'000)));
+  const Data jpeg = encoded(bitmapOf(300, 300, all(red)), "public.jpeg");
+  const struct {
+    URL url;
+    std::int64_t code;
+  } cases[] = {{write("gray.png", encoded(gray, "public.png")), 3328},
+               {urlOf("missing.png"), 260},
+               {urlOf(""), 256},
+               {*URL::withString("https://example.com/a.png"), 262},
+               {*URL::withString("mailto:a@b.c"), 262},
+               {write("text.png", dataOf({'n', 'o'})), 259},
+               {write("empty.png", Data()), 259},
+               {write("cut.jpg", Data(std::span(jpeg).first(100))), 259},
+               {write("large.jpg", jpeg), 263}};
+  for (const auto quality : {full, low}) {
+    for (const auto& [url, code] : cases) {
+      Error error;
+      EXPECT_FALSE(analyzeImageAtUrl(url, quality, 0, {.mostPixels = 89'999}, &error))
+          << url.absoluteString();
+      EXPECT_EQ(error.code(), code) << url.absoluteString();
+    }
   }
 }
 
