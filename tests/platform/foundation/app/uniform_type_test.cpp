@@ -92,12 +92,6 @@ TEST(UTTypeTest, ConformanceReachesUpThroughEveryParent) {
   }
 }
 
-TEST(UTTypeTest, APlaceMovedFromKeepsItsName) {
-  UTType type = *UTType::typeWithFilenameExtension("gpx", UTTypeData);
-  const UTType taken = std::move(type);
-  EXPECT_EQ(type.identifier(), taken.identifier());
-}
-
 TEST(UTTypeTest, AppendsThePreferredExtensionUnlessTheNameHasOneOfTheType) {
   const UTType text("public.plain-text");
   const UTType dynamic = *UTType::typeWithFilenameExtension("gpx", UTTypeData);

@@ -310,9 +310,7 @@ TEST_F(RealFileManagerTest, AFolderThatCannotBeFlushedIsAFailure) {
 }
 
 TEST_F(RealFileManagerTest, AFolderIsCopiedWithoutFlushingWhatIsNotItsOwn) {
-  for (int i = 0; i < 70; ++i) {
-    ASSERT_TRUE(makeFolder("tree/" + std::to_string(i) + "/inner"));
-  }
+  for (int i = 0; i < 70; ++i) ASSERT_TRUE(makeFolder("tree/" + std::to_string(i) + "/inner"));
   EXPECT_TRUE(runInChild([&] {
     refuse(SYS_syncfs, 0, 0, 0, EIO);
     return files.copyItemAtPath("tree", "copy", nullptr);
