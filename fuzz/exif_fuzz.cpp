@@ -13,7 +13,7 @@ namespace {
 
 using namespace FrameworkUtility;
 
-Dictionary read(std::span<const std::byte> block) {
+Dictionary propertiesOf(std::span<const std::byte> block) {
   Dictionary properties;
   detail::MetadataBudget budget;
   detail::readExif(block, properties, budget);
@@ -66,15 +66,15 @@ void change(Dictionary& properties, std::uint8_t choice) {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const auto block = std::as_bytes(std::span(data, size));
-  const Dictionary before = read(block);
+  const Dictionary before = propertiesOf(block);
 
   const std::vector<std::byte> unchanged = detail::mergeExif(block, before, {});
-  require(isPart(read(unchanged), before));
+  require(isPart(propertiesOf(unchanged), before));
 
   Dictionary properties = before;
   change(properties, size > 0 ? data[size - 1] : 0);
   const std::vector<std::byte> changed = detail::mergeExif(block, properties, {640, 480});
-  const Dictionary after = read(changed);
-  require(isPart(read(detail::mergeExif(changed, after, {640, 480})), after));
+  const Dictionary after = propertiesOf(changed);
+  require(isPart(propertiesOf(detail::mergeExif(changed, after, {640, 480})), after));
   return 0;
 }
