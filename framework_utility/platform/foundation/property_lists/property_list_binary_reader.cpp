@@ -1,12 +1,12 @@
 #include <framework_utility/platform/foundation/property_lists/property_list_readers.h>
 
 #include <framework_utility/platform/foundation/property_lists/property_list_format.h>
+#include <framework_utility/platform/foundation/values/byte_reader.h>
 #include <framework_utility/platform/foundation/values/equal_keys.h>
 #include <framework_utility/platform/foundation/values/reference_date.h>
 #include <framework_utility/platform/foundation/values/utf8.h>
 
 #include <algorithm>
-#include <bit>
 #include <utility>
 #include <vector>
 
@@ -15,14 +15,6 @@ namespace {
 
 using namespace detail;
 using Bytes = std::span<const std::byte>;
-
-/// At most 8 bytes.
-std::uint64_t bigEndian(Bytes bytes) {
-  if (bytes.size() == 1) return std::to_integer<std::uint64_t>(bytes[0]);  // most references
-  std::uint64_t value = 0;
-  for (const std::byte byte : bytes) value = value << 8 | std::to_integer<std::uint64_t>(byte);
-  return value;
-}
 
 /// Reads objects by their number. Each `read` gives nothing when the bytes are corrupt.
 class Reader {
@@ -41,18 +33,18 @@ class Reader {
   struct Object {
     Marker marker;
     unsigned low;
-    std::size_t contents;  // the offset behind the marker
+    std::uint64_t contents;  // the offset behind the marker
   };
 
   bool findTables(Bytes data) {
-    constexpr std::size_t headerSize = sizeof propertyListSignature;
+    constexpr std::size_t headerSize = propertyListSignature.size();
     if (data.size() < headerSize + trailer::size) return false;
-    const Bytes end = data.last(trailer::size);
-    offsetSize_ = std::to_integer<std::size_t>(end[trailer::offsetSize]);
-    referenceSize_ = std::to_integer<std::size_t>(end[trailer::referenceSize]);
-    const std::uint64_t count = bigEndian(end.subspan(trailer::objectCount, 8));
-    const std::uint64_t table = bigEndian(end.subspan(trailer::tableOffset, 8));
-    topObject_ = bigEndian(end.subspan(trailer::topObject, 8));
+    const ByteReader end(data.last(trailer::size));
+    offsetSize_ = end.at<std::uint8_t>(trailer::offsetSize);
+    referenceSize_ = end.at<std::uint8_t>(trailer::referenceSize);
+    const auto count = end.at<std::uint64_t>(trailer::objectCount);
+    const auto table = end.at<std::uint64_t>(trailer::tableOffset);
+    topObject_ = end.at<std::uint64_t>(trailer::topObject);
 
     const std::size_t endOfTable = data.size() - trailer::size;
     if (offsetSize_ < 1 || offsetSize_ > 8 || referenceSize_ < 1 || referenceSize_ > 8) {
@@ -61,44 +53,42 @@ class Reader {
     if (table < headerSize || table > endOfTable || count > (endOfTable - table) / offsetSize_) {
       return false;
     }
-    objects_ = data.first(table);
-    offsets_ = data.subspan(table, count * offsetSize_);
+    objects_ = ByteReader(data.first(table));
+    offsets_ = ByteReader(data.subspan(table, count * offsetSize_));
     isOpen_.resize(count);
     return true;
   }
 
-  std::optional<Bytes> bytesAt(std::size_t offset, std::size_t count) const {
-    if (offset > objects_.size() || count > objects_.size() - offset) return std::nullopt;
-    return objects_.subspan(offset, count);
+  std::optional<ByteReader> bytesAt(std::uint64_t offset, std::uint64_t count) const {
+    if (!objects_.holds(offset, count)) return std::nullopt;
+    return ByteReader(objects_.part(offset, count));
   }
 
-  std::optional<Object> objectAt(std::size_t offset) const {
-    if (offset < sizeof propertyListSignature || offset >= objects_.size()) return std::nullopt;
-    const auto marker = std::to_integer<unsigned>(objects_[offset]);
+  std::optional<Object> objectAt(std::uint64_t offset) const {
+    if (offset < propertyListSignature.size() || offset >= objects_.size()) return std::nullopt;
+    const unsigned marker = objects_.at<std::uint8_t>(offset);
     return Object{static_cast<Marker>(marker & 0xF0), marker & 0x0F, offset + 1};
   }
 
   std::optional<Object> object(std::uint64_t number) const {
     if (number >= isOpen_.size()) return std::nullopt;
-    const std::uint64_t offset = bigEndian(offsets_.subspan(number * offsetSize_, offsetSize_));
-    if (offset > objects_.size()) return std::nullopt;
-    return objectAt(static_cast<std::size_t>(offset));
+    return objectAt(offsets_.number(number * offsetSize_, offsetSize_));
   }
 
   /// The bytes of an object with a length, each element of `elementSize` bytes.
-  std::optional<Bytes> elements(const Object& object, std::size_t elementSize) const {
+  std::optional<ByteReader> elements(const Object& object, std::size_t elementSize) const {
     std::uint64_t count = object.low;
-    std::size_t start = object.contents;
+    std::uint64_t start = object.contents;
     if (object.low == lengthFollows) {
       const std::optional<Object> length = objectAt(start);
       if (!length || length->marker != Marker::integer || length->low > 3) return std::nullopt;
-      const std::optional<Bytes> bytes = bytesAt(length->contents, std::size_t{1} << length->low);
-      if (!bytes) return std::nullopt;
-      count = bigEndian(*bytes);
-      start = length->contents + bytes->size();
+      const std::size_t size = std::size_t{1} << length->low;
+      if (!objects_.holds(length->contents, size)) return std::nullopt;
+      count = objects_.number(length->contents, size);
+      start = length->contents + size;
     }
     if (count > objects_.size() / elementSize) return std::nullopt;
-    return bytesAt(start, static_cast<std::size_t>(count) * elementSize);
+    return bytesAt(start, count * elementSize);
   }
 
   std::optional<Value> readObject(std::uint64_t number) {
@@ -133,11 +123,12 @@ class Reader {
 
   std::optional<Value> readInteger(const Object& object) const {
     if (object.low > 4) return std::nullopt;
-    const std::optional<Bytes> bytes = bytesAt(object.contents, std::size_t{1} << object.low);
+    const std::optional<ByteReader> bytes = bytesAt(object.contents, std::size_t{1} << object.low);
     if (!bytes) return std::nullopt;
-    if (bytes->size() <= 8) return Value(static_cast<std::int64_t>(bigEndian(*bytes)));
-    const std::uint64_t high = bigEndian(bytes->first(8));
-    const std::uint64_t low = bigEndian(bytes->last(8));
+    if (bytes->size() <= 8)
+      return Value(static_cast<std::int64_t>(bytes->number(0, bytes->size())));
+    const auto high = bytes->at<std::uint64_t>(0);
+    const auto low = bytes->at<std::uint64_t>(8);
     const auto asSigned = static_cast<std::int64_t>(low);
     if (high == 0) return asSigned < 0 ? Value(low) : Value(asSigned);
     // The sign of a negative number goes on through the higher bytes.
@@ -147,47 +138,42 @@ class Reader {
 
   std::optional<Value> readReal(const Object& object) const {
     if (object.low != 2 && object.low != 3) return std::nullopt;
-    const std::optional<Bytes> bytes = bytesAt(object.contents, std::size_t{1} << object.low);
+    const std::optional<ByteReader> bytes = bytesAt(object.contents, std::size_t{1} << object.low);
     if (!bytes) return std::nullopt;
-    const std::uint64_t bits = bigEndian(*bytes);
-    if (object.low == 2) return Value(std::bit_cast<float>(static_cast<std::uint32_t>(bits)));
-    return Value(std::bit_cast<double>(bits));
+    return object.low == 2 ? Value(bytes->at<float>(0)) : Value(bytes->at<double>(0));
   }
 
   std::optional<Value> readDate(const Object& object) const {
-    const std::optional<Bytes> bytes = bytesAt(object.contents, 8);
-    if (!bytes || object.low != 3) return std::nullopt;
-    const auto date = dateWithSecondsSinceReferenceDate(std::bit_cast<double>(bigEndian(*bytes)));
+    if (object.low != 3 || !objects_.holds(object.contents, 8)) return std::nullopt;
+    const auto date = dateWithSecondsSinceReferenceDate(objects_.at<double>(object.contents));
     return date ? std::optional<Value>(*date) : std::nullopt;
   }
 
   std::optional<Value> readData(const Object& object) {
-    const std::optional<Bytes> bytes = elements(object, 1);
+    const std::optional<ByteReader> bytes = elements(object, 1);
     if (!bytes || !budget_.spendBytes(bytes->size())) return std::nullopt;
-    return Value(Data(*bytes));
+    return Value(Data(bytes->bytes()));
   }
 
   std::optional<std::string> readText(const Object& object) {
     const bool isASCII = object.marker == Marker::ascii;
-    const std::optional<Bytes> bytes = elements(object, isASCII ? 1 : 2);
+    std::optional<ByteReader> bytes = elements(object, isASCII ? 1 : 2);
     if (!bytes || !budget_.spendBytes(bytes->size())) return std::nullopt;
     if (isASCII) {
       std::byte allBits{};
-      for (const std::byte byte : *bytes) allBits |= byte;
+      for (const std::byte byte : bytes->bytes()) allBits |= byte;
       if (std::to_integer<unsigned>(allBits) > 0x7F) return std::nullopt;
-      return std::string(reinterpret_cast<const char*>(bytes->data()), bytes->size());
+      return std::string(asText(bytes->bytes()));
     }
     std::u16string units(bytes->size() / 2, u'\0');
-    for (std::size_t i = 0; i < units.size(); ++i) {
-      units[i] = static_cast<char16_t>(bigEndian(bytes->subspan(2 * i, 2)));
-    }
+    for (char16_t& unit : units) unit = bytes->take<char16_t>();
     return utf8::fromUtf16(units);
   }
 
   std::optional<Value> readUID(const Object& object) const {
-    const std::optional<Bytes> bytes = bytesAt(object.contents, object.low + 1);
-    if (!bytes || bytes->size() > 8) return std::nullopt;
-    return Value(std::make_shared<PropertyListUID>(bigEndian(*bytes)));
+    const std::size_t size = object.low + 1;
+    if (size > 8 || !objects_.holds(object.contents, size)) return std::nullopt;
+    return Value(std::make_shared<PropertyListUID>(objects_.number(object.contents, size)));
   }
 
   std::optional<Value> readContainer(const Object& object, std::uint64_t number) {
@@ -201,12 +187,12 @@ class Reader {
     return value;
   }
 
-  std::uint64_t reference(Bytes references, std::size_t index) const {
-    return bigEndian(references.subspan(index * referenceSize_, referenceSize_));
+  std::uint64_t reference(const ByteReader& references, std::size_t index) const {
+    return references.number(index * referenceSize_, referenceSize_);
   }
 
   std::optional<Value> readArray(const Object& object) {
-    const std::optional<Bytes> references = elements(object, referenceSize_);
+    const std::optional<ByteReader> references = elements(object, referenceSize_);
     if (!references) return std::nullopt;
     const std::size_t count = references->size() / referenceSize_;
     if (!budget_.spendValues(count)) return std::nullopt;  // before they are given memory
@@ -221,7 +207,7 @@ class Reader {
   }
 
   std::optional<Value> readDictionary(const Object& object) {
-    const std::optional<Bytes> references = elements(object, 2 * referenceSize_);
+    const std::optional<ByteReader> references = elements(object, 2 * referenceSize_);
     if (!references) return std::nullopt;
     const std::size_t count = references->size() / (2 * referenceSize_);
     if (!budget_.spendValues(2 * count)) return std::nullopt;
@@ -243,8 +229,8 @@ class Reader {
     return Value(std::move(dictionary));
   }
 
-  Bytes objects_;  // from the signature to the table
-  Bytes offsets_;
+  ByteReader objects_;  // from the signature to the table
+  ByteReader offsets_;
   std::size_t offsetSize_ = 0;
   std::size_t referenceSize_ = 0;
   std::uint64_t topObject_ = 0;
@@ -262,10 +248,7 @@ std::optional<Value> detail::readBinaryPropertyList(Bytes data, std::size_t dept
 }
 
 bool detail::isBinaryPropertyList(Bytes data) {
-  constexpr std::size_t size = sizeof propertyListSignature;
-  const auto isSame = [](std::byte a, char b) { return a == static_cast<std::byte>(b); };
-  return data.size() >= size &&
-         std::equal(data.begin(), data.begin() + size, propertyListSignature, isSame);
+  return asText(data).starts_with(propertyListSignature);
 }
 
 }  // namespace FrameworkUtility

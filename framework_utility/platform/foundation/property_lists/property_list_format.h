@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <string_view>
 
 namespace FrameworkUtility::detail {
 
@@ -9,7 +10,7 @@ namespace FrameworkUtility::detail {
 // trailer; all numbers are big-endian. An object starts with a marker: its type in the high four
 // bits, in the low ones a length or size.
 
-inline constexpr char propertyListSignature[] = {'b', 'p', 'l', 'i', 's', 't', '0', '0'};
+inline constexpr std::string_view propertyListSignature = "bplist00";
 
 /// From the start of the trailer: five unused bytes, one for a sorting order, the sizes of an
 /// offset and of a reference, then eight bytes each of the number of objects, the top object and

@@ -1,6 +1,7 @@
 #include <framework_utility/platform/foundation/property_lists/property_list.h>
 
 #include <framework_utility/platform/foundation/property_lists/property_list_format.h>
+#include <framework_utility/platform/foundation/values/byte_writer.h>
 #include <framework_utility/platform/foundation/values/platform_error.h>
 #include <framework_utility/platform/foundation/values/reference_date.h>
 #include <framework_utility/platform/foundation/values/utf8.h>
@@ -35,7 +36,7 @@ class Writer {
 
   std::vector<std::byte> write() {
     referenceSize_ = sizeOf(objects_.size() - 1);
-    for (const char c : propertyListSignature) put(static_cast<unsigned char>(c), 1);
+    out_.put(propertyListSignature);
     std::vector<std::size_t> offsets;
     offsets.reserve(objects_.size());
     for (const Object& object : objects_) {
@@ -45,14 +46,12 @@ class Writer {
 
     const std::size_t tableOffset = out_.size();
     const std::size_t offsetSize = sizeOf(tableOffset);
-    for (const std::size_t offset : offsets) put(offset, offsetSize);
-    put(0, trailer::offsetSize);
-    put(offsetSize, 1);
-    put(referenceSize_, 1);
-    put(objects_.size(), 8);
-    put(0, 8);  // the top object is the first
-    put(tableOffset, 8);
-    return std::move(out_);
+    for (const std::size_t offset : offsets) out_.putNumber(offset, offsetSize);
+    out_.putNumber(0, trailer::offsetSize).putNumber(offsetSize, 1).putNumber(referenceSize_, 1);
+    out_.put<std::uint64_t>(objects_.size());
+    out_.put<std::uint64_t>(0);  // the top object is the first
+    out_.put<std::uint64_t>(tableOffset);
+    return out_.takeBytes();
   }
 
  private:
@@ -143,13 +142,9 @@ class Writer {
 
   // The bytes of objects.
 
-  void put(std::uint64_t number, std::size_t size) {
-    for (std::size_t i = size; i > 0; --i) {
-      out_.push_back(i > 8 ? std::byte{0} : static_cast<std::byte>(number >> (8 * (i - 1))));
-    }
+  void putMarker(Marker marker, std::size_t low) {
+    out_.putNumber(static_cast<std::size_t>(marker) | low, 1);
   }
-
-  void putMarker(Marker marker, std::size_t low) { put(static_cast<std::size_t>(marker) | low, 1); }
 
   void putLength(Marker marker, std::size_t length) {
     if (length < lengthFollows) return putMarker(marker, length);
@@ -160,7 +155,7 @@ class Writer {
   void putInteger(std::uint64_t number) {
     const std::size_t size = sizeOf(number);
     putMarker(Marker::integer, static_cast<std::size_t>(std::countr_zero(size)));
-    put(number, size);
+    out_.putNumber(number, size);
   }
 
   void write(const Number& number) {
@@ -180,51 +175,50 @@ class Writer {
   void writeUnsigned(std::uint64_t number) {
     if (number >> 63 == 0) return putInteger(number);
     putMarker(Marker::integer, 4);
-    put(number, 16);
+    out_.putNumber(number, 16);
   }
 
   void writeReal(const Number& number) {
     if (number.isSinglePrecision()) {
       putMarker(Marker::real, 2);
-      put(std::bit_cast<std::uint32_t>(static_cast<float>(number.doubleValue())), 4);
+      out_.put<float>(static_cast<float>(number.doubleValue()));
     } else {
       putMarker(Marker::real, 3);
-      put(std::bit_cast<std::uint64_t>(number.doubleValue()), 8);
+      out_.put<double>(number.doubleValue());
     }
   }
 
   void write(std::string_view ascii) {
     putLength(Marker::ascii, ascii.size());
-    const auto bytes = std::as_bytes(std::span(ascii));
-    out_.insert(out_.end(), bytes.begin(), bytes.end());
+    out_.put(ascii);
   }
 
   void write(const WideText& text) {
     putLength(Marker::utf16, text.units.size());
-    for (const char16_t unit : text.units) put(unit, 2);
+    for (const char16_t unit : text.units) out_.put<char16_t>(unit);
   }
 
   void write(const Data* data) {
     putLength(Marker::data, data->size());
-    out_.insert(out_.end(), data->begin(), data->end());
+    out_.put(*data);
   }
 
   void write(Seconds seconds) {
     putMarker(Marker::date, 3);
-    put(std::bit_cast<std::uint64_t>(seconds.sinceReferenceDate), 8);
+    out_.put<double>(seconds.sinceReferenceDate);
   }
 
   void write(UID uid) {
     const std::size_t size = sizeOf(uid.number);
     putMarker(Marker::uid, size - 1);
-    put(uid.number, size);
+    out_.putNumber(uid.number, size);
   }
 
   void write(const Container& container) {
     putLength(container.marker, container.count);
     const std::size_t each = container.marker == Marker::dictionary ? 2 : 1;
     for (std::size_t i = 0; i < container.count * each; ++i) {
-      put(references_[container.first + i], referenceSize_);
+      out_.putNumber(references_[container.first + i], referenceSize_);
     }
   }
 
@@ -233,7 +227,7 @@ class Writer {
   std::unordered_map<std::string_view, std::size_t> texts_;
   std::size_t depth_ = 0;
   std::size_t referenceSize_ = 1;
-  std::vector<std::byte> out_;
+  ByteWriter out_;
 };
 
 }  // namespace

@@ -16,7 +16,7 @@ namespace FrameworkUtility::detail {
 /// bytes, so that only a caller to whom this means something else asks `holds` before.
 class ByteReader {
  public:
-  explicit ByteReader(std::span<const std::byte> bytes, std::endian order = std::endian::big)
+  explicit ByteReader(std::span<const std::byte> bytes = {}, std::endian order = std::endian::big)
       : bytes_(bytes), order_(order) {}
 
   std::span<const std::byte> bytes() const { return bytes_; }
@@ -86,7 +86,8 @@ T ByteReader::at(std::uint64_t offset) const {
       sizeof(T) == 1, std::uint8_t,
       std::conditional_t<sizeof(T) == 2, std::uint16_t,
                          std::conditional_t<sizeof(T) == 4, std::uint32_t, std::uint64_t>>>;
-  if (!holds(offset, sizeof(T))) return T{};
+  // As `holds`, with the part that a loop does not repeat first.
+  if (bytes_.size() < sizeof(T) || offset > bytes_.size() - sizeof(T)) return T{};
   Bits bits;
   std::memcpy(&bits, bytes_.data() + offset, sizeof bits);
   return std::bit_cast<T>(order_ == std::endian::native ? bits : reversed(bits));

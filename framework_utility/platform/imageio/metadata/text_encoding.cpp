@@ -1,5 +1,6 @@
 #include <framework_utility/platform/imageio/metadata/text_encoding.h>
 
+#include <framework_utility/platform/foundation/values/byte_writer.h>
 #include <framework_utility/platform/foundation/values/utf8.h>
 
 #include <cstdint>
@@ -16,29 +17,26 @@ bool isXmlCharacter(char32_t code) {
 
 }  // namespace
 
-std::optional<std::string> utf8FromUtf16(std::span<const std::byte> text, std::endian order) {
-  if (text.size() % 2 != 0) return std::nullopt;
+std::u16string utf16Units(ByteReader text) {
   std::u16string units(text.size() / 2, u'\0');
-  for (std::size_t i = 0; i < units.size(); ++i) {
-    const auto first = std::to_integer<unsigned>(text[2 * i]);
-    const auto second = std::to_integer<unsigned>(text[2 * i + 1]);
-    units[i] = static_cast<char16_t>(order == std::endian::big ? first << 8 | second
-                                                               : second << 8 | first);
-  }
+  for (char16_t& unit : units) unit = text.take<char16_t>();
+  return units;
+}
+
+std::optional<std::string> utf8FromUtf16(const ByteReader& text) {
+  if (text.size() % 2 != 0) return std::nullopt;
+  const std::u16string units = utf16Units(text);
   std::string out = utf8::fromUtf16(units);
   // A lone surrogate has become another character.
   return utf8::toUtf16(out) == units ? std::optional(std::move(out)) : std::nullopt;
 }
 
 std::vector<std::byte> utf16FromUtf8(std::string_view text, std::endian order) {
-  std::vector<std::byte> out;
+  ByteWriter out(order);
   for (const char16_t unit : utf8::toUtf16(text).value_or(std::u16string())) {
-    const std::byte high{static_cast<std::uint8_t>(unit >> 8)};
-    const std::byte low{static_cast<std::uint8_t>(unit & 0xFF)};
-    out.push_back(order == std::endian::big ? high : low);
-    out.push_back(order == std::endian::big ? low : high);
+    out.put<char16_t>(unit);
   }
-  return out;
+  return out.takeBytes();
 }
 
 void appendXmlEscaped(std::string& out, std::string_view text) {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <framework_utility/platform/foundation/values/byte_reader.h>
+
 #include <bit>
 #include <cstddef>
 #include <optional>
@@ -12,8 +14,10 @@ namespace FrameworkUtility::detail {
 
 // The texts of metadata come in three encodings; inside the library they are UTF-8.
 
+/// All whole units.
+std::u16string utf16Units(ByteReader text);
 /// Absent for half a unit at the end and for a surrogate without its other half.
-std::optional<std::string> utf8FromUtf16(std::span<const std::byte> text, std::endian order);
+std::optional<std::string> utf8FromUtf16(const ByteReader& text);
 /// Units of valid UTF-8; no byte-order mark is added.
 std::vector<std::byte> utf16FromUtf8(std::string_view text, std::endian order);
 

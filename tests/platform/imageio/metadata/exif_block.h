@@ -31,6 +31,12 @@ inline Bytes bytesOf(std::string_view text) {
   return {bytes.begin(), bytes.end()};
 }
 
+/// Puts a big-endian number over what stands at `at`.
+inline void store(Bytes& block, std::size_t at, std::uint64_t number, std::size_t size) {
+  const Bytes bytes = detail::ByteWriter().putNumber(number, size).takeBytes();
+  std::copy(bytes.begin(), bytes.end(), block.begin() + static_cast<std::ptrdiff_t>(at));
+}
+
 /// A record's value: a text, stored with its NUL, or numbers, of rational ones both terms.
 struct TestValue {
   TestValue(const char* text) : TestValue(std::string(text)) {}

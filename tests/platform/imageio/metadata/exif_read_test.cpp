@@ -162,7 +162,7 @@ TEST(ExifReadTest, EndsForEveryPointer) {
     for (const std::size_t offset : {std::size_t{0}, std::size_t{8}, at, whole.size() - 1,
                                      std::size_t{0x7FFFFFFF}, std::size_t{0xFFFFFFFF}}) {
       bytes = whole;
-      detail::storeTiffInteger(bytes.data() + at, offset, 4, std::endian::big);
+      store(bytes, at, offset, 4);
       const Dictionary properties = readExif(bytes);
       ASSERT_EQ(readExif(detail::mergeExif(bytes, properties, {})), properties)
           << at << ' ' << offset;

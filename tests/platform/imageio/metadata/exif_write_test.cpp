@@ -22,10 +22,6 @@ bool contains(const Bytes& block, std::string_view text) {
   return std::search(block.begin(), block.end(), part.begin(), part.end()) != block.end();
 }
 
-void store(Bytes& block, std::size_t at, std::uint64_t number, std::size_t size) {
-  detail::storeTiffInteger(block.data() + at, number, size, std::endian::big);
-}
-
 Dictionary merged(const Bytes& block, const Dictionary& properties) {
   return readExif(mergeExif(block, properties, {}));
 }

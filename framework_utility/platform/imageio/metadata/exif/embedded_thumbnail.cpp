@@ -1,5 +1,6 @@
 #include <framework_utility/platform/imageio/metadata/exif/embedded_thumbnail.h>
 
+#include <framework_utility/platform/foundation/values/byte_reader.h>
 #include <framework_utility/platform/imageio/metadata/exif/tiff_structure.h>
 
 #include <algorithm>
@@ -38,9 +39,7 @@ std::span<const std::byte> behindEnd(std::span<const std::byte> bytes) {
     if (marker == endOfImage) return bytes.subspan(1);
     if (marker == mark || (isInScan && (marker == std::byte{0} || isRestart(marker)))) continue;
     isInScan = marker == startOfScan;
-    const std::size_t length = bytes.size() < 3 ? 0
-                                                : std::to_integer<std::size_t>(bytes[1]) << 8 |
-                                                      std::to_integer<std::size_t>(bytes[2]);
+    const std::size_t length = ByteReader(bytes).at<std::uint16_t>(1);
     if (length < 2 || length >= bytes.size()) return {};
     bytes = bytes.subspan(1 + length);
   }
@@ -71,8 +70,7 @@ std::span<const std::byte> embeddedThumbnail(std::span<const std::byte> exif) {
       length = reader->unsignedInteger(entry).value_or(0);
     }
   }
-  if (offset >= exif.size() || length > exif.size() - offset) return {};
-  return leadingJpeg(exif.subspan(offset, length));
+  return leadingJpeg(ByteReader(exif).part(offset, length));
 }
 
 std::span<const std::byte> withoutEmbeddedThumbnail(std::span<const std::byte> exif) {

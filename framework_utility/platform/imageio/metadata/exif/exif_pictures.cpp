@@ -52,11 +52,9 @@ class Pictures {
         const std::optional<std::uint32_t> offset = reader_.unsignedInteger(*offsets, i);
         const std::optional<std::uint32_t> size = reader_.unsignedInteger(*sizes, i);
         if (!offset || !size) break;
-        const auto rest =
-            reader_.block().subspan(std::min<std::size_t>(*offset, reader_.block().size()));
         if (isJpeg) {
-          add(*offset, leadingJpeg(rest.first(std::min<std::size_t>(*size, rest.size()))).size());
-        } else if (*size <= rest.size()) {
+          add(*offset, leadingJpeg(reader_.block().partInside(*offset, *size)).size());
+        } else if (reader_.block().holds(*offset, *size)) {
           add(*offset, *size);
         }
       }
@@ -91,7 +89,7 @@ class Pictures {
  private:
   /// Whether all of its records are there, and all of their values.
   bool isSound(std::uint32_t directory, std::uint32_t count) const {
-    if (count != reader_.u16(reader_.block().data() + directory)) return false;
+    if (count != reader_.block().at<std::uint16_t>(directory)) return false;
     for (std::uint32_t i = 0; i < count; ++i) {
       if (reader_.entry(directory, i).isDamaged()) return false;
     }

@@ -1,5 +1,6 @@
 #include <framework_utility/platform/imageio/metadata/exif/exif_values.h>
 
+#include <framework_utility/platform/foundation/values/byte_writer.h>
 #include <framework_utility/platform/imageio/metadata/exif/exif_text.h>
 #include <framework_utility/platform/imageio/metadata/exif/rational.h>
 
@@ -49,11 +50,11 @@ std::optional<TiffValue> version(const Array& numbers) {
     }
     parts[i] = static_cast<std::int64_t>(value);
   }
-  TiffValue stored{TiffType::undefined, 4, {}};
+  ByteWriter stored;
   for (const std::int64_t digit : {parts[0] / 10, parts[0] % 10, parts[1], parts[2]}) {
-    stored.bytes.push_back(static_cast<std::byte>('0' + digit));
+    stored.put<char>(static_cast<char>('0' + digit));
   }
-  return stored;
+  return TiffValue{TiffType::undefined, 4, stored.takeBytes()};
 }
 
 // Element `index` as a fraction of non-negative terms, with the terms as stored.
@@ -61,8 +62,8 @@ std::optional<Rational> fraction(const TiffReader& reader, const TiffEntry& entr
                                  std::uint32_t index) {
   constexpr std::int64_t limit = std::numeric_limits<std::uint32_t>::max();
   if (entry.type == TiffType::unsignedRational && index < entry.value.size() / 8) {
-    const std::byte* terms = entry.value.data() + std::size_t{8} * index;
-    return Rational{reader.u32(terms), reader.u32(terms + 4)};
+    const ByteReader terms(entry.value.subspan(std::size_t{8} * index), reader.order());
+    return Rational{terms.at<std::uint32_t>(0), terms.at<std::uint32_t>(4)};
   }
   const std::optional<Number> number = reader.number(entry, index);
   if (!number || number->doubleValue() < 0) return std::nullopt;
@@ -93,6 +94,12 @@ std::optional<Number> readDegrees(const TiffReader& reader, const TiffEntry& ent
   return Number(value);
 }
 
+// Of at most 32 bits a term.
+void putRational(ByteWriter& bytes, const Rational& rational) {
+  bytes.putNumber(static_cast<std::uint64_t>(rational.numerator), 4)
+      .putNumber(static_cast<std::uint64_t>(rational.denominator), 4);
+}
+
 // Seconds get seven decimals: 3e-11 degrees, which is micrometres.
 std::optional<TiffValue> degrees(double value, std::endian order) {
   constexpr std::int64_t scale = 10'000'000;
@@ -104,13 +111,11 @@ std::optional<TiffValue> degrees(double value, std::endian order) {
     seconds.numerator /= 10;
     seconds.denominator /= 10;
   }
-  TiffValue stored{TiffType::unsignedRational, 3, {}};
-  for (const Rational& part :
-       {Rational{total / (3600 * scale), 1}, Rational{total / (60 * scale) % 60, 1}, seconds}) {
-    appendTiffInteger(stored.bytes, static_cast<std::uint64_t>(part.numerator), 4, order);
-    appendTiffInteger(stored.bytes, static_cast<std::uint64_t>(part.denominator), 4, order);
-  }
-  return stored;
+  ByteWriter stored(order);
+  putRational(stored, {total / (3600 * scale), 1});
+  putRational(stored, {total / (60 * scale) % 60, 1});
+  putRational(stored, seconds);
+  return TiffValue{TiffType::unsignedRational, 3, stored.takeBytes()};
 }
 
 void appendTwoDigits(std::string& text, std::int64_t number) {
@@ -154,66 +159,60 @@ std::optional<TiffValue> time(std::string_view text, std::endian order) {
     if (i > 8) part.denominator *= 10;
   }
   const std::int64_t limits[] = {24, 60, 61};  // A leap second is a second.
-  TiffValue stored{TiffType::unsignedRational, 3, {}};
+  ByteWriter stored(order);
   for (std::size_t i = 0; i < parts.size(); ++i) {
     if (parts[i].numerator >= limits[i] * parts[i].denominator) return std::nullopt;
-    appendTiffInteger(stored.bytes, static_cast<std::uint64_t>(parts[i].numerator), 4, order);
-    appendTiffInteger(stored.bytes, static_cast<std::uint64_t>(parts[i].denominator), 4, order);
+    putRational(stored, parts[i]);
   }
-  return stored;
+  return TiffValue{TiffType::unsignedRational, 3, stored.takeBytes()};
 }
 
-bool appendInteger(std::vector<std::byte>& bytes, double value, double lowest, double highest,
-                   std::size_t size, std::endian order) {
-  if (!(value >= lowest && value <= highest) || value != std::floor(value)) return false;
-  appendTiffInteger(bytes, static_cast<std::uint64_t>(static_cast<std::int64_t>(value)), size,
-                    order);
+template <class T>
+bool putInteger(ByteWriter& bytes, double value) {
+  using Limits = std::numeric_limits<T>;
+  if (!(value >= Limits::min() && value <= Limits::max()) || value != std::floor(value)) {
+    return false;
+  }
+  bytes.put<T>(static_cast<T>(value));
   return true;
 }
 
-bool appendRational(std::vector<std::byte>& bytes, double value, std::int64_t limit,
-                    std::endian order) {
+bool putFraction(ByteWriter& bytes, double value, std::int64_t limit) {
   const std::optional<Rational> rational = nearestRational(value, limit);
-  if (!rational) return false;
-  appendTiffInteger(bytes, static_cast<std::uint64_t>(rational->numerator), 4, order);
-  appendTiffInteger(bytes, static_cast<std::uint64_t>(rational->denominator), 4, order);
-  return true;
+  if (rational) putRational(bytes, *rational);
+  return rational.has_value();
 }
 
-bool appendNumber(std::vector<std::byte>& bytes, double value, TiffType type, std::endian order) {
-  constexpr double maximum16 = std::numeric_limits<std::int16_t>::max();
-  constexpr double maximum32 = std::numeric_limits<std::int32_t>::max();
-  constexpr double maximum32U = std::numeric_limits<std::uint32_t>::max();
+bool putNumber(ByteWriter& bytes, double value, TiffType type) {
   switch (type) {
     case TiffType::unsignedByte:
     case TiffType::undefined:
-      return appendInteger(bytes, value, 0, 255, 1, order);
+      return putInteger<std::uint8_t>(bytes, value);
     case TiffType::signedByte:
-      return appendInteger(bytes, value, -128, 127, 1, order);
+      return putInteger<std::int8_t>(bytes, value);
     case TiffType::unsignedShort:
-      return appendInteger(bytes, value, 0, 65535, 2, order);
+      return putInteger<std::uint16_t>(bytes, value);
     case TiffType::signedShort:
-      return appendInteger(bytes, value, -maximum16 - 1, maximum16, 2, order);
+      return putInteger<std::int16_t>(bytes, value);
     case TiffType::unsignedLong:
-      return appendInteger(bytes, value, 0, maximum32U, 4, order);
+      return putInteger<std::uint32_t>(bytes, value);
     case TiffType::signedLong:
-      return appendInteger(bytes, value, -maximum32 - 1, maximum32, 4, order);
+      return putInteger<std::int32_t>(bytes, value);
     case TiffType::unsignedRational:
-      return value >= 0 &&
-             appendRational(bytes, value, std::numeric_limits<std::uint32_t>::max(), order);
+      return value >= 0 && putFraction(bytes, value, std::numeric_limits<std::uint32_t>::max());
     case TiffType::signedRational:
-      return appendRational(bytes, value, std::numeric_limits<std::int32_t>::max(), order);
+      return putFraction(bytes, value, std::numeric_limits<std::int32_t>::max());
     case TiffType::singleFloat:
       // Its 24 bits give 5.6 back as something else, so only what it holds exactly.
       if (!(std::abs(value) <= std::numeric_limits<float>::max()) ||
           static_cast<double>(static_cast<float>(value)) != value) {
         return false;
       }
-      appendTiffInteger(bytes, std::bit_cast<std::uint32_t>(static_cast<float>(value)), 4, order);
+      bytes.put<float>(static_cast<float>(value));
       return true;
     case TiffType::doubleFloat:
       if (!std::isfinite(value)) return false;
-      appendTiffInteger(bytes, std::bit_cast<std::uint64_t>(value), 8, order);
+      bytes.put<double>(value);
       return true;
     case TiffType::ascii:
     case TiffType::directory:
@@ -252,14 +251,12 @@ std::optional<Array> readTiffNumbers(const TiffReader& reader, const TiffEntry& 
 std::optional<TiffValue> tiffNumbers(std::span<const Value> values, TiffType type,
                                      std::endian order) {
   if (values.empty() || values.size() > elementLimit) return std::nullopt;
-  TiffValue stored{type, static_cast<std::uint32_t>(values.size()), {}};
+  ByteWriter stored(order);
   for (const Value& value : values) {
     const Number* number = value.as<Number>();
-    if (!number || !appendNumber(stored.bytes, number->doubleValue(), type, order)) {
-      return std::nullopt;
-    }
+    if (!number || !putNumber(stored, number->doubleValue(), type)) return std::nullopt;
   }
-  return stored;
+  return TiffValue{type, static_cast<std::uint32_t>(values.size()), stored.takeBytes()};
 }
 
 const Value* appendExifValue(Dictionary& values, const ExifTag& tag, const TiffReader& reader,

@@ -42,7 +42,7 @@ class Merge {
         const PixelFacts& pixels)
       : reader_(reader), before_(before), wanted_(exifWanted(before, properties)), pixels_(pixels) {
     if (reader_) {
-      plan_.source = reader_->block();
+      plan_.source = reader_->block().bytes();
       plan_.order = reader_->order();
       plan_.dropped = exifPictures(*reader_);
       at_ = exifDirectories(*reader_);

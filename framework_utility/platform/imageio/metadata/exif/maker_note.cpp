@@ -18,8 +18,9 @@ namespace FrameworkUtility::detail {
 namespace {
 
 constexpr std::string_view signature("Apple iOS\0", 10);
-constexpr std::uint32_t directoryOffset = 14;  // Behind signature, version and byte order.
-constexpr std::uint32_t entryLimit = 256;      // Phones write about fifty.
+constexpr std::uint32_t orderOffset = 12;  // Behind signature and version.
+constexpr std::uint32_t directoryOffset = 14;
+constexpr std::uint32_t entryLimit = 256;  // Phones write about fifty.
 
 bool isAscending(const TiffReader& note, std::uint32_t count) {
   for (std::uint32_t i = 1; i < count; ++i) {
@@ -31,16 +32,10 @@ bool isAscending(const TiffReader& note, std::uint32_t count) {
 // Absent unless the note is whole: what it means is not public, so a damaged one is not touched.
 std::optional<TiffReader> openNote(std::span<const std::byte> note) {
   if (note.size() < directoryOffset + tiffDirectorySize(0)) return std::nullopt;
-  if (!std::equal(signature.begin(), signature.end(), note.begin(),
-                  [](char a, std::byte b) { return std::byte(a) == b; })) {
-    return std::nullopt;
-  }
-  const std::byte order = note[12];
-  if (order != note[13] || (order != std::byte{'M'} && order != std::byte{'I'})) {
-    return std::nullopt;
-  }
-  const TiffReader reader(note, order == std::byte{'M'} ? std::endian::big : std::endian::little);
-  const std::uint32_t count = reader.u16(note.data() + directoryOffset);
+  const std::optional<std::endian> order = tiffOrder(note.subspan(orderOffset));
+  if (!order || !asText(note).starts_with(signature)) return std::nullopt;
+  const TiffReader reader(note, *order);
+  const std::uint32_t count = reader.block().at<std::uint16_t>(directoryOffset);
   if (count > entryLimit || directoryOffset + tiffDirectorySize(count) > note.size() ||
       !isAscending(reader, count)) {
     return std::nullopt;

@@ -1,7 +1,8 @@
 #include <framework_utility/platform/imageio/metadata/exif/tiff_layout.h>
 
+#include <framework_utility/platform/foundation/values/byte_writer.h>
+
 #include <algorithm>
-#include <array>
 #include <map>
 #include <set>
 #include <utility>
@@ -291,36 +292,37 @@ class Layout {
   // Each hands out what stands where, as far as it has been decided.
   template <class Write>
   void writeHeader(Write write) const {
-    std::vector<std::byte> header = plan_.header;
-    if (!plan_.hasFixedDirectory) {
-      storeTiffInteger(header.data() + header.size() - 4, offsetOf(0), 4, plan_.order);
+    const std::span<const std::byte> header = plan_.header;
+    if (plan_.hasFixedDirectory) {
+      write(0, header);
+    } else {
+      write(0,
+            ByteWriter(plan_.order).put(header.first(header.size() - 4)).putNumber(offsetOf(0), 4));
     }
-    write(0, header);
   }
   template <class Write>
   void writeDirectory(const TiffDirectory& directory, Write write) const {
-    std::array<std::byte, tiffRecordSize> bytes;
-    const std::span<std::byte> all(bytes);
-    const auto store = [&](std::size_t at, std::uint64_t number, std::size_t size) {
-      storeTiffInteger(bytes.data() + at, number, size, plan_.order);
-    };
     std::uint64_t at = directory.place.begin;
-    store(0, directory.records.size(), 2);
-    write(at, all.first(2));
-    at += 2;
+    ByteWriter bytes(plan_.order);
+    const auto writeBytes = [&] {
+      write(at, bytes);
+      at += bytes.takeBytes().size();
+    };
+    bytes.putNumber(directory.records.size(), 2);
+    writeBytes();
     for (const TiffRecord& record : directory.records) {
-      store(0, record.tag, 2);
-      store(2, static_cast<std::uint16_t>(record.type), 2);
-      store(4, record.count, 4);
-      store(8, isInline(record) && !record.child ? 0 : offsetIn(record), 4);
+      bytes.put<std::uint16_t>(record.tag)
+          .put<std::uint16_t>(static_cast<std::uint16_t>(record.type))
+          .put<std::uint32_t>(record.count);
       if (isInline(record) && !record.child) {
-        std::copy(record.value.begin(), record.value.end(), bytes.begin() + 8);
+        bytes.put(record.value).putNumber(0, tiffInlineSize - record.value.size());
+      } else {
+        bytes.putNumber(offsetIn(record), 4);
       }
-      write(at, all);
-      at += tiffRecordSize;
+      writeBytes();
     }
-    store(0, directory.next, 4);
-    write(at, all.first(4));
+    bytes.put<std::uint32_t>(directory.next);
+    writeBytes();
   }
   // No block has this offset; it stands for one that is not decided yet.
   static constexpr std::uint64_t undecided = UINT32_MAX;

@@ -19,13 +19,19 @@ std::optional<Number> ratio(std::int64_t numerator, std::int64_t denominator) {
 
 }  // namespace
 
+std::optional<std::endian> tiffOrder(std::span<const std::byte> mark) {
+  const std::string_view letters = asText(mark).substr(0, 2);
+  if (letters == "MM") return std::endian::big;
+  return letters == "II" ? std::optional(std::endian::little) : std::nullopt;
+}
+
 std::optional<TiffReader> TiffReader::open(std::span<const std::byte> block) {
-  if (block.size() < tiffHeaderSize || block[0] != block[1]) return std::nullopt;
-  if (block[0] != std::byte{'M'} && block[0] != std::byte{'I'}) return std::nullopt;
   // Nothing lies further than an offset reaches, so the arithmetic on offsets cannot wrap.
-  const TiffReader reader(block.first(std::min<std::size_t>(block.size(), UINT32_MAX)),
-                          block[0] == std::byte{'M'} ? std::endian::big : std::endian::little);
-  if (reader.u16(block.data() + 2) != 42) return std::nullopt;
+  block = block.first(std::min<std::size_t>(block.size(), UINT32_MAX));
+  const std::optional<std::endian> order = tiffOrder(block);
+  if (!order || block.size() < tiffHeaderSize) return std::nullopt;
+  const TiffReader reader(block, *order);
+  if (reader.block().at<std::uint16_t>(2) != 42) return std::nullopt;
   return reader;
 }
 
@@ -33,43 +39,43 @@ std::uint32_t TiffReader::entryCount(std::uint32_t directory) const {
   const std::uint64_t begin = std::uint64_t{directory} + 2;
   if (begin > block_.size()) return 0;
   const std::uint64_t room = (block_.size() - begin) / tiffRecordSize;
-  return static_cast<std::uint32_t>(std::min<std::uint64_t>(u16(block_.data() + directory), room));
+  return static_cast<std::uint32_t>(
+      std::min<std::uint64_t>(block_.at<std::uint16_t>(directory), room));
 }
 
 std::uint32_t TiffReader::nextDirectory(std::uint32_t directory) const {
-  const std::uint64_t records = directory + std::uint64_t{2};
-  if (records > block_.size()) return 0;
-  const std::uint64_t at = records + std::uint64_t{tiffRecordSize} * u16(block_.data() + directory);
-  return at + 4 <= block_.size() ? u32(block_.data() + at) : 0;
+  if (!block_.holds(directory, 2)) return 0;
+  const std::uint64_t count = block_.at<std::uint16_t>(directory);
+  return block_.at<std::uint32_t>(directory + tiffDirectorySize(count) - 4);
 }
 
 std::optional<Number> TiffReader::number(const TiffEntry& entry, std::uint32_t index) const {
   const std::uint32_t unit = tiffTypeSize(entry.type);
-  if (unit == 0 || index >= entry.value.size() / unit) return std::nullopt;
-  const std::byte* at = entry.value.data() + std::size_t{unit} * index;
+  const ByteReader value(ByteReader(entry.value).part(std::uint64_t{unit} * index, unit), order());
+  if (value.size() == 0) return std::nullopt;
   switch (entry.type) {
     case TiffType::unsignedByte:
     case TiffType::undefined:
-      return Number(std::to_integer<std::int64_t>(*at));
+      return Number(value.at<std::uint8_t>(0));
     case TiffType::signedByte:
-      return Number(static_cast<std::int8_t>(*at));
+      return Number(value.at<std::int8_t>(0));
     case TiffType::unsignedShort:
-      return Number(u16(at));
+      return Number(value.at<std::uint16_t>(0));
     case TiffType::signedShort:
-      return Number(static_cast<std::int16_t>(u16(at)));
+      return Number(value.at<std::int16_t>(0));
     case TiffType::unsignedLong:
     case TiffType::directory:
-      return Number(u32(at));
+      return Number(value.at<std::uint32_t>(0));
     case TiffType::signedLong:
-      return Number(static_cast<std::int32_t>(u32(at)));
+      return Number(value.at<std::int32_t>(0));
     case TiffType::unsignedRational:
-      return ratio(u32(at), u32(at + 4));
+      return ratio(value.at<std::uint32_t>(0), value.at<std::uint32_t>(4));
     case TiffType::signedRational:
-      return ratio(static_cast<std::int32_t>(u32(at)), static_cast<std::int32_t>(u32(at + 4)));
+      return ratio(value.at<std::int32_t>(0), value.at<std::int32_t>(4));
     case TiffType::singleFloat:
-      return finite(std::bit_cast<float>(u32(at)));
+      return finite(value.at<float>(0));
     case TiffType::doubleFloat:
-      return finite(std::bit_cast<double>(u64(at)));
+      return finite(value.at<double>(0));
     case TiffType::ascii:
     case TiffType::utf8:
       break;
@@ -84,19 +90,6 @@ std::optional<std::uint32_t> TiffReader::unsignedInteger(const TiffEntry& entry,
   const std::int64_t integer = value->integerValue();
   if (integer < 0 || integer > UINT32_MAX) return std::nullopt;
   return static_cast<std::uint32_t>(integer);
-}
-
-void storeTiffInteger(std::byte* bytes, std::uint64_t number, std::size_t size, std::endian order) {
-  for (std::size_t i = 0; i < size; ++i) {
-    bytes[order == std::endian::big ? size - 1 - i : i] =
-        static_cast<std::byte>(number >> (8 * i) & 0xFF);
-  }
-}
-
-void appendTiffInteger(std::vector<std::byte>& bytes, std::uint64_t number, std::size_t size,
-                       std::endian order) {
-  bytes.resize(bytes.size() + size);
-  storeTiffInteger(bytes.data() + bytes.size() - size, number, size, order);
 }
 
 }  // namespace FrameworkUtility::detail

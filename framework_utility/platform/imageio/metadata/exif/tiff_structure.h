@@ -1,11 +1,11 @@
 #pragma once
 
+#include <framework_utility/platform/foundation/values/byte_reader.h>
 #include <framework_utility/platform/foundation/values/number.h>
 
 #include <bit>
 #include <cstddef>
 #include <cstdint>
-#include <cstring>
 #include <optional>
 #include <span>
 #include <vector>
@@ -76,6 +76,9 @@ struct TiffValue {
   std::vector<std::byte> bytes;
 };
 
+/// What the letters say that a TIFF structure begins with; absent when there are others.
+std::optional<std::endian> tiffOrder(std::span<const std::byte> mark);
+
 /// Looks at bytes of a TIFF structure without ever leaving them; keeps no copy. Offsets may be any
 /// number: what lies outside reads as absent.
 class TiffReader {
@@ -83,11 +86,11 @@ class TiffReader {
   /// A block that begins with a TIFF header; absent when it does not.
   static std::optional<TiffReader> open(std::span<const std::byte> block);
   /// Bytes without a header that offsets count from.
-  TiffReader(std::span<const std::byte> block, std::endian order) : block_(block), order_(order) {}
+  TiffReader(std::span<const std::byte> block, std::endian order) : block_(block, order) {}
 
-  std::span<const std::byte> block() const { return block_; }
-  std::endian order() const { return order_; }
-  std::uint32_t firstDirectory() const { return u32(block_.data() + 4); }
+  const ByteReader& block() const { return block_; }
+  std::endian order() const { return block_.order(); }
+  std::uint32_t firstDirectory() const { return block_.at<std::uint32_t>(4); }
 
   /// How many records of the directory at `directory` lie inside the block.
   std::uint32_t entryCount(std::uint32_t directory) const;
@@ -95,7 +98,8 @@ class TiffReader {
   TiffEntry entry(std::uint32_t directory, std::uint32_t index) const;
   /// That of the same record, which costs less than the whole of it.
   std::uint16_t tag(std::uint32_t directory, std::uint32_t index) const {
-    return u16(block_.data() + directory + 2 + std::size_t{tiffRecordSize} * index);
+    return block_.at<std::uint16_t>(std::uint64_t{directory} + 2 +
+                                    std::uint64_t{tiffRecordSize} * index);
   }
   /// 0 at the end of the chain, or where its offset is cut off.
   std::uint32_t nextDirectory(std::uint32_t directory) const;
@@ -107,55 +111,25 @@ class TiffReader {
   std::optional<std::uint32_t> unsignedInteger(const TiffEntry& entry,
                                                std::uint32_t index = 0) const;
 
-  std::uint16_t u16(const std::byte* bytes) const { return load<std::uint16_t>(bytes); }
-  std::uint32_t u32(const std::byte* bytes) const { return load<std::uint32_t>(bytes); }
-  std::uint64_t u64(const std::byte* bytes) const { return load<std::uint64_t>(bytes); }
-
  private:
-  // One load, and one instruction to turn it: compilers know the shifts, but not across bytes.
-  template <class T>
-  T load(const std::byte* bytes) const {
-    T number;
-    std::memcpy(&number, bytes, sizeof number);
-    return order_ == std::endian::native ? number : reversed(number);
-  }
-  static std::uint16_t reversed(std::uint16_t number) {
-    return static_cast<std::uint16_t>(number << 8 | number >> 8);
-  }
-  static std::uint32_t reversed(std::uint32_t number) {
-    return number << 24 | (number & 0xFF00) << 8 | (number >> 8 & 0xFF00) | number >> 24;
-  }
-  static std::uint64_t reversed(std::uint64_t number) {
-    return std::uint64_t{reversed(static_cast<std::uint32_t>(number))} << 32 |
-           reversed(static_cast<std::uint32_t>(number >> 32));
-  }
-
-  std::span<const std::byte> block_;
-  std::endian order_;
+  ByteReader block_;
 };
-
-/// Stores the low `size` (1, 2, 4 or 8) bytes of `number` at `bytes`.
-void storeTiffInteger(std::byte* bytes, std::uint64_t number, std::size_t size, std::endian order);
-void appendTiffInteger(std::vector<std::byte>& bytes, std::uint64_t number, std::size_t size,
-                       std::endian order);
 
 // Implementation details
 
 inline TiffEntry TiffReader::entry(std::uint32_t directory, std::uint32_t index) const {
   const std::uint32_t at = directory + 2 + tiffRecordSize * index;
-  const std::byte* record = block_.data() + at;
-  TiffEntry entry{.tag = u16(record),
-                  .type = static_cast<TiffType>(u16(record + 2)),
-                  .count = u32(record + 4),
+  const ByteReader record(block_.part(at, tiffRecordSize), order());
+  TiffEntry entry{.tag = record.at<std::uint16_t>(0),
+                  .type = static_cast<TiffType>(record.at<std::uint16_t>(2)),
+                  .count = record.at<std::uint32_t>(4),
                   .offset = at + 8,
                   .value = {},
-                  .field = block_.subspan(at + 8, tiffInlineSize)};
+                  .field = record.part(8, tiffInlineSize)};
   const std::uint32_t unit = tiffTypeSize(entry.type);
   const std::uint64_t size = unit == 0 ? tiffInlineSize : std::uint64_t{unit} * entry.count;
-  if (size > tiffInlineSize) entry.offset = u32(record + 8);
-  if (entry.offset + size <= block_.size()) {
-    entry.value = block_.subspan(entry.offset, static_cast<std::size_t>(size));
-  }
+  if (size > tiffInlineSize) entry.offset = record.at<std::uint32_t>(8);
+  entry.value = block_.part(entry.offset, size);
   return entry;
 }
 

@@ -1,3 +1,5 @@
+#include <framework_utility/platform/foundation/values/byte_reader.h>
+#include <framework_utility/platform/foundation/values/byte_writer.h>
 #include <framework_utility/platform/imageio/metadata/iptc/iptc_record.h>
 #include <framework_utility/platform/imageio/metadata/metadata_codec.h>
 
@@ -12,7 +14,7 @@ namespace FrameworkUtility::detail {
 namespace {
 
 constexpr std::string_view dictionaryKey = "{IPTC}";
-constexpr std::size_t signatureSize = 4, numberSize = 2, sizeSize = 4;
+constexpr std::string_view signature = "8BIM";
 
 constexpr std::uint16_t iptcRecord = 0x0404;
 // MD5 of the record as it was when XMP was last brought in line with it. It goes when the record
@@ -32,48 +34,27 @@ struct Resource {
   std::span<const std::byte> whole;  // with padding
 };
 
-std::size_t bigEndian(std::span<const std::byte> bytes) {
-  std::size_t value = 0;
-  for (const std::byte byte : bytes) value = value << 8 | std::to_integer<std::size_t>(byte);
-  return value;
-}
-
 constexpr std::size_t padded(std::size_t size) { return size + size % 2; }
 
 // The resource that the bytes begin with; absent at their end or where they are damaged.
 std::optional<Resource> firstResource(std::span<const std::byte> bytes) {
-  constexpr std::byte signature[] = {std::byte{'8'}, std::byte{'B'}, std::byte{'I'},
-                                     std::byte{'M'}};
-  constexpr std::size_t nameBegin = signatureSize + numberSize;
-  if (bytes.size() <= nameBegin ||
-      !std::equal(signature, signature + signatureSize, bytes.data())) {
-    return std::nullopt;
-  }
-  const std::size_t nameSize = padded(1 + std::to_integer<std::size_t>(bytes[nameBegin]));
-  const std::size_t begin = nameBegin + nameSize + sizeSize;
-  if (begin > bytes.size()) return std::nullopt;
-  const std::size_t size = bigEndian(bytes.subspan(begin - sizeSize, sizeSize));
-  if (size > bytes.size() - begin) return std::nullopt;
+  Resource resource;
+  ByteReader reader(bytes);
+  if (asText(reader.take(signature.size())) != signature) return std::nullopt;
+  resource.number = reader.take<std::uint16_t>();
+  reader.take(padded(1 + std::size_t{reader.at<std::uint8_t>(0)}));
+  resource.header = bytes.first(bytes.size() - reader.size());
+  resource.data = reader.take(reader.take<std::uint32_t>());
+  if (reader.isCut()) return std::nullopt;
   // The last one's padding is sometimes missing.
-  return Resource{
-      .number = static_cast<std::uint16_t>(bigEndian(bytes.subspan(signatureSize, numberSize))),
-      .header = bytes.first(nameBegin + nameSize),
-      .data = bytes.subspan(begin, size),
-      .whole = bytes.first(std::min(begin + padded(size), bytes.size()))};
+  const std::size_t end = bytes.size() - reader.size() + resource.data.size() % 2;
+  resource.whole = bytes.first(std::min(end, bytes.size()));
+  return resource;
 }
 
-void append(std::vector<std::byte>& out, std::span<const std::byte> bytes) {
-  out.insert(out.end(), bytes.begin(), bytes.end());
-}
-
-void appendResource(std::vector<std::byte>& out, std::span<const std::byte> header,
-                    std::span<const std::byte> data) {
-  append(out, header);
-  for (int shift = 24; shift >= 0; shift -= 8) {
-    out.push_back(std::byte{static_cast<std::uint8_t>(data.size() >> shift)});
-  }
-  append(out, data);
-  if (data.size() % 2 != 0) out.push_back(std::byte{0});
+void putResource(ByteWriter& out, std::span<const std::byte> header,
+                 std::span<const std::byte> data) {
+  out.put(header).putNumber(data.size(), 4).put(data).putNumber(0, data.size() % 2);
 }
 
 // Calls `visit` with each resource up to the first that is damaged, or until it returns false;
@@ -113,32 +94,26 @@ std::vector<std::byte> mergeImageResources(std::span<const std::byte> resources,
   const bool isChanged =
       !std::equal(record.begin(), record.end(), oldRecord.begin(), oldRecord.end());
 
-  std::vector<std::byte> out;
+  ByteWriter out;
   out.reserve(resources.size() + record.size());
   bool isWritten = !isChanged || record.empty();
   const auto rest = forEachResource(resources, [&](const Resource& resource) {
     const bool isRecord = resource.number == iptcRecord;
     const bool isStale = isChanged && (isRecord || resource.number == iptcDigest);
-    if (isRecord && !isWritten) appendResource(out, resource.header, record);
+    if (isRecord && !isWritten) putResource(out, resource.header, record);
     isWritten |= isRecord;
     if (isStale || isObsolete(resource.number)) return true;
-    append(out, resource.whole);
-    if (resource.whole.size() % 2 != 0 && !isWritten) out.push_back(std::byte{0});
+    out.put(resource.whole);
+    if (!isWritten) out.putNumber(0, resource.whole.size() % 2);
     return true;
   });
   if (!isWritten) {
-    constexpr std::byte header[] = {std::byte{'8'},
-                                    std::byte{'B'},
-                                    std::byte{'I'},
-                                    std::byte{'M'},
-                                    std::byte{iptcRecord >> 8},
-                                    std::byte{iptcRecord & 0xFF},
-                                    std::byte{0},
-                                    std::byte{0}};
-    appendResource(out, header, record);
+    constexpr std::uint16_t noName = 0;
+    putResource(
+        out, ByteWriter().put(signature).put<std::uint16_t>(iptcRecord).put<std::uint16_t>(noName),
+        record);
   }
-  append(out, rest);
-  return out;
+  return out.put(rest).takeBytes();
 }
 
 }  // namespace FrameworkUtility::detail

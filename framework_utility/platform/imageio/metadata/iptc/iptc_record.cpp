@@ -1,5 +1,7 @@
 #include <framework_utility/platform/imageio/metadata/iptc/iptc_record.h>
 
+#include <framework_utility/platform/foundation/values/byte_reader.h>
+#include <framework_utility/platform/foundation/values/byte_writer.h>
 #include <framework_utility/platform/foundation/values/utf8.h>
 #include <framework_utility/platform/imageio/metadata/property_keys.h>
 
@@ -15,8 +17,7 @@
 namespace FrameworkUtility::detail {
 namespace {
 
-constexpr std::byte tagMarker{0x1C};
-constexpr std::size_t headerSize = 5;  // marker, record, dataset, two bytes of size
+constexpr std::uint8_t tagMarker = 0x1C;
 constexpr std::size_t largestShortSize = 0x7FFF;
 constexpr std::size_t maximumCount = 65536;  // of datasets; what follows is kept unread
 constexpr std::uint8_t envelopeRecord = 1, applicationRecord = 2;
@@ -98,18 +99,20 @@ struct Dataset {
 
 // The dataset that a record begins with; absent at its end or where it is damaged.
 std::optional<Dataset> firstDataset(std::span<const std::byte> record) {
-  if (record.size() < headerSize || record[0] != tagMarker) return std::nullopt;
-  const auto byte = [&](std::size_t i) { return std::to_integer<std::uint8_t>(record[i]); };
-  std::size_t size = static_cast<std::size_t>(byte(3)) << 8 | byte(4);
-  std::size_t begin = headerSize;
+  ByteReader reader(record);
+  if (reader.take<std::uint8_t>() != tagMarker) return std::nullopt;
+  Dataset dataset;
+  dataset.record = reader.take<std::uint8_t>();
+  dataset.number = reader.take<std::uint8_t>();
+  std::size_t size = reader.take<std::uint16_t>();
   if (size > largestShortSize) {  // then it is the length of the size that follows
-    begin += size & largestShortSize;
-    if (begin > headerSize + 4 || begin > record.size()) return std::nullopt;
-    size = 0;
-    for (std::size_t i = headerSize; i < begin; ++i) size = size << 8 | byte(i);
+    const std::size_t length = size & largestShortSize;
+    if (length > 4) return std::nullopt;
+    size = reader.takeNumber(length);
   }
-  if (size > record.size() - begin) return std::nullopt;
-  return Dataset{byte(1), byte(2), record.first(begin + size), record.subspan(begin, size)};
+  dataset.data = reader.take(size);
+  dataset.whole = record.first(record.size() - reader.size());
+  return reader.isCut() ? std::nullopt : std::optional(dataset);
 }
 
 struct Record {
@@ -127,13 +130,13 @@ Record parseRecord(std::span<const std::byte> bytes) {
   return record;
 }
 
-std::string_view asText(std::span<const std::byte> data) {
-  const std::string_view text(reinterpret_cast<const char*>(data.data()), data.size());
+std::string_view textOf(std::span<const std::byte> data) {
+  const std::string_view text = asText(data);
   return text.substr(0, text.find_last_not_of('\0') + 1);
 }
 
 std::string decoded(std::span<const std::byte> data) {
-  const std::string_view text = asText(data);
+  const std::string_view text = textOf(data);
   return utf8::isValid(text) ? std::string(text) : utf8::fromLatin1(text);
 }
 
@@ -180,20 +183,14 @@ std::vector<std::string> textsOf(const Value* value) {
   return texts;
 }
 
-void appendDataset(std::vector<std::byte>& out, std::uint8_t record, std::uint8_t number,
-                   std::string_view data) {
-  const auto appendInteger = [&](std::size_t value, int bytes) {
-    while (bytes-- > 0) out.push_back(std::byte{static_cast<std::uint8_t>(value >> 8 * bytes)});
-  };
-  out.insert(out.end(), {tagMarker, std::byte{record}, std::byte{number}});
+void putDataset(ByteWriter& out, std::uint8_t record, std::uint8_t number, std::string_view data) {
+  out.put<std::uint8_t>(tagMarker).put<std::uint8_t>(record).put<std::uint8_t>(number);
   if (data.size() <= largestShortSize) {
-    appendInteger(data.size(), 2);
+    out.putNumber(data.size(), 2);
   } else {
-    appendInteger(0x8004, 2);
-    appendInteger(data.size(), 4);
+    out.put<std::uint16_t>(0x8004).putNumber(data.size(), 4);
   }
-  const auto bytes = std::as_bytes(std::span(data));
-  out.insert(out.end(), bytes.begin(), bytes.end());
+  out.put(data);
 }
 
 // One dataset of the new record: kept bytes, or a text that is written.
@@ -242,7 +239,7 @@ std::vector<Planned> plannedDatasets(const Record& record, const Dictionary& bef
 
 bool isMarkedUtf8(const Record& record) {
   return std::any_of(record.datasets.begin(), record.datasets.end(), [](const Dataset& dataset) {
-    return dataset.is(envelopeRecord, characterSet) && asText(dataset.data) == utf8Designation;
+    return dataset.is(envelopeRecord, characterSet) && textOf(dataset.data) == utf8Designation;
   });
 }
 
@@ -253,7 +250,7 @@ void convertToUtf8(std::vector<Planned>& plan) {
       continue;
     }
     const std::span<const std::byte> data = firstDataset(each.kept)->data;
-    if (utf8::isValid(asText(data))) continue;
+    if (utf8::isValid(textOf(data))) continue;
     each.text = decoded(data);
     each.kept = {};
   }
@@ -297,16 +294,15 @@ std::vector<std::byte> mergeIptcRecord(std::span<const std::byte> bytes, const D
     plan.insert(place, {applicationRecord, version, {}, std::string("\0\4", 2)});
   }
 
-  std::vector<std::byte> out;
+  ByteWriter out;
   for (const Planned& each : plan) {
     if (isWritten(each)) {
-      appendDataset(out, each.record, each.number, each.text);
+      putDataset(out, each.record, each.number, each.text);
     } else {
-      out.insert(out.end(), each.kept.begin(), each.kept.end());
+      out.put(each.kept);
     }
   }
-  out.insert(out.end(), record.rest.begin(), record.rest.end());
-  return out;
+  return out.put(record.rest).takeBytes();
 }
 
 }  // namespace FrameworkUtility::detail

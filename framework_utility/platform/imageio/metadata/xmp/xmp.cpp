@@ -17,19 +17,17 @@ namespace {
 class PacketText {
  public:
   explicit PacketText(std::span<const std::byte> packet) {
-    constexpr std::byte zero{0}, mark1{0xFE}, mark2{0xFF}, bracket{'<'};
-    const auto beginsWith = [&](std::byte a, std::byte b) {
-      return packet.size() >= 2 && packet[0] == a && packet[1] == b;
-    };
-    if (beginsWith(mark1, mark2) || beginsWith(zero, bracket)) utf16_ = std::endian::big;
-    if (beginsWith(mark2, mark1) || beginsWith(bracket, zero)) utf16_ = std::endian::little;
+    // A byte-order mark, or the first bracket.
+    const auto first = ByteReader(packet).at<char16_t>(0);
+    if (first == 0xFEFF || first == '<') utf16_ = std::endian::big;
+    if (first == 0xFFFE || first == '<' << 8) utf16_ = std::endian::little;
     isTooLarge_ = packet.size() > (utf16_ ? largestUtf16Packet : largestXmpPacket);
     if (isTooLarge_) return;
     if (utf16_) {
-      converted_ = utf8FromUtf16(packet, *utf16_).value_or(std::string());
+      converted_ = utf8FromUtf16(ByteReader(packet, *utf16_)).value_or(std::string());
       text_ = converted_;
     } else {
-      text_ = {reinterpret_cast<const char*>(packet.data()), packet.size()};
+      text_ = asText(packet);
     }
   }
   PacketText(const PacketText&) = delete;

@@ -1,5 +1,6 @@
 #include <framework_utility/platform/imageio/metadata/xmp/xmp_extension.h>
 
+#include <framework_utility/platform/foundation/values/byte_reader.h>
 #include <framework_utility/platform/imageio/metadata/text_encoding.h>
 #include <framework_utility/platform/imageio/metadata/xmp/xml_walk.h>
 #include <framework_utility/platform/imageio/metadata/xmp/xmp_packet.h>
@@ -20,9 +21,6 @@ constexpr std::size_t maximumProperties = 65536;
 /// Prefixes and what they stand for.
 using Namespaces = std::map<std::string, std::string, std::less<>>;
 
-std::string_view textOf(const Data& data) {
-  return {reinterpret_cast<const char*>(data.data()), data.size()};
-}
 Data dataOf(std::string_view text) { return Data(std::as_bytes(std::span(text))); }
 
 /// An attribute or element of a description, with the white space before it.
@@ -190,12 +188,12 @@ std::optional<XmpProperty> extensionNameIn(std::string_view packet) {
 }  // namespace
 
 std::string xmpExtensionName(const Data& packet) {
-  const std::optional<XmpProperty> found = extensionNameIn(textOf(packet));
+  const std::optional<XmpProperty> found = extensionNameIn(asText(packet));
   return found ? found->text : std::string();
 }
 
 std::optional<Data> withXmpExtensionName(const Data& packet, std::string_view name) {
-  std::string text(textOf(packet));
+  std::string text(asText(packet));
   if (const std::optional<XmpProperty> old = extensionNameIn(text)) {
     text.erase(old->whole.begin, old->whole.size());
   }
@@ -212,11 +210,11 @@ std::optional<Data> withXmpExtensionName(const Data& packet, std::string_view na
 
 Data joinedXmp(const Data& packet, const Data& extension) {
   const std::optional<Data> unnamed = withXmpExtensionName(packet, {});
-  const std::unique_ptr<const Outline> to = Outline::of(textOf(*unnamed));
-  const std::unique_ptr<const Outline> from = Outline::of(textOf(extension));
+  const std::unique_ptr<const Outline> to = Outline::of(asText(*unnamed));
+  const std::unique_ptr<const Outline> from = Outline::of(asText(extension));
   if (!to || !from) return packet;
   const Namespaces undeclared = missing(from->namespaces(), to->namespaces());
-  const std::string_view source = textOf(extension);
+  const std::string_view source = asText(extension);
   std::string moved;
   for (const Description& description : from->descriptions()) {
     const auto& [begin, end] = description.range;
@@ -225,11 +223,11 @@ Data joinedXmp(const Data& packet, const Data& extension) {
     moved += source.substr(description.nameEnd, end - description.nameEnd);
     if (moved.size() > 2 * source.size() + packet.size()) return packet;
   }
-  return dataOf(std::string(textOf(*unnamed)).insert(to->end(), moved));
+  return dataOf(std::string(asText(*unnamed)).insert(to->end(), moved));
 }
 
 std::optional<XmpParts> splitXmp(const Data& packet, std::size_t limit) {
-  const std::string_view text = textOf(packet);
+  const std::string_view text = asText(packet);
   const std::unique_ptr<const Outline> outline = Outline::of(text);
   if (!outline) return std::nullopt;
 
