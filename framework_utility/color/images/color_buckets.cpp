@@ -61,8 +61,8 @@ struct CountPixels {
 ColorBuckets::ColorBuckets() : counters_(std::size_t{buckets + 1} * turns) {}
 
 void ColorBuckets::add(const std::uint8_t* rgba, std::size_t pixels, bool isOpaque,
-                       VectorUnits units) {
-  runOn<CountPixels>(units, rgba, pixels, isOpaque, counters_.data());
+                       InstructionSet instructions) {
+  runWith<CountPixels>(instructions, rgba, pixels, isOpaque, counters_.data());
 }
 
 std::vector<ColorBucket> ColorBuckets::above(std::int64_t threshold) const {

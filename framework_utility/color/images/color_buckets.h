@@ -1,6 +1,6 @@
 #pragma once
 
-#include <framework_utility/platform/graphics/vector_code.h>
+#include <framework_utility/platform/graphics/simd_dispatch.h>
 
 #include <cstddef>
 #include <cstdint>
@@ -26,7 +26,7 @@ class ColorBuckets {
   /// Pixels of red, green, blue, premultiplied alpha with 8 bits each. Where they are known to be
   /// opaque, the fourth bytes may be anything. No more than 2^32 - 1 in all.
   void add(const std::uint8_t* rgba, std::size_t pixels, bool isOpaque,
-           VectorUnits units = vectorUnits());
+           InstructionSet instructions = instructionSet());
 
   /// The buckets with more pixels than `threshold`, by blue, then green, then red.
   std::vector<ColorBucket> above(std::int64_t threshold) const;

@@ -199,13 +199,13 @@ void ConicalRows::fillMiddleRow(std::size_t y, std::uint8_t* row) const {
 }
 
 void ConicalRows::fillRun(const Sector& sector, std::size_t y, std::size_t first, std::size_t end,
-                          std::uint8_t* row, VectorUnits units) const {
+                          std::uint8_t* row, InstructionSet instructions) const {
   Angles angles;
   const auto fill = [&](std::size_t x, std::uint8_t* to, std::size_t blocks) {
     const auto pixels = static_cast<std::int32_t>(blocks * block);
-    runOn<SectorAngles>(units, sector, fromCenter(x, width_), fromCenter(y, height_), angles,
-                        pixels);
-    runOn<SectorColors>(units, sector, doubt_, angles, to, pixels);
+    runWith<SectorAngles>(instructions, sector, fromCenter(x, width_), fromCenter(y, height_),
+                          angles, pixels);
+    runWith<SectorColors>(instructions, sector, doubt_, angles, to, pixels);
   };
   std::size_t x = first;
   while (x < end && x + block <= width_) {
@@ -237,7 +237,7 @@ void ConicalRows::computeDoubtfulAgain(std::size_t y, std::size_t first, std::si
   }
 }
 
-void ConicalRows::fillRow(std::size_t y, std::uint8_t* row, VectorUnits units) const {
+void ConicalRows::fillRow(std::size_t y, std::uint8_t* row, InstructionSet instructions) const {
   const double below = static_cast<double>(y) - static_cast<double>(height_) * 0.5;
   if (sectors_.empty()) {
     fillExactly(y, 0, width_, row);
@@ -262,7 +262,7 @@ void ConicalRows::fillRow(std::size_t y, std::uint8_t* row, VectorUnits units) c
     const double place = std::clamp(meetsPixel ? near : std::ceil(crossing), static_cast<double>(x),
                                     static_cast<double>(width_));
     const auto end = static_cast<std::size_t>(place);
-    fillRun(sectors_[sector], y, x, end, row, units);
+    fillRun(sectors_[sector], y, x, end, row, instructions);
     x = end;
     if (meetsPixel && place == near && x < width_) {
       fillExactly(y, x, x + 1, row);
@@ -270,7 +270,7 @@ void ConicalRows::fillRow(std::size_t y, std::uint8_t* row, VectorUnits units) c
     }
     sector = falls ? sector - 1 : sector + 1;
   }
-  fillRun(sectors_[last], y, x, width_, row, units);
+  fillRun(sectors_[last], y, x, width_, row, instructions);
 }
 
 }  // namespace FrameworkUtility::detail

@@ -1,7 +1,7 @@
 #pragma once
 
 #include <framework_utility/color/color.h>
-#include <framework_utility/platform/graphics/vector_code.h>
+#include <framework_utility/platform/graphics/simd_dispatch.h>
 
 #include <array>
 #include <cstddef>
@@ -22,7 +22,8 @@ class ConicalRows {
   /// `colors`, at least two, with the first one again at the end.
   ConicalRows(std::vector<KvColor> colors, std::size_t width, std::size_t height);
 
-  void fillRow(std::size_t y, std::uint8_t* row, VectorUnits units = vectorUnits()) const;
+  void fillRow(std::size_t y, std::uint8_t* row,
+               InstructionSet instructions = instructionSet()) const;
 
   /// A sector's components over the angle from its middle.
   struct Sector {
@@ -38,7 +39,7 @@ class ConicalRows {
   void fillExactly(std::size_t y, std::size_t first, std::size_t end, std::uint8_t* row) const;
   void fillMiddleRow(std::size_t y, std::uint8_t* row) const;
   void fillRun(const Sector& sector, std::size_t y, std::size_t first, std::size_t end,
-               std::uint8_t* row, VectorUnits units) const;
+               std::uint8_t* row, InstructionSet instructions) const;
   void computeDoubtfulAgain(std::size_t y, std::size_t first, std::size_t end,
                             std::uint8_t* row) const;
 

@@ -1,8 +1,8 @@
 #include <framework_utility/platform/graphics/gradient_fill.h>
 
 #include <framework_utility/platform/graphics/gradient_kernels.h>
-#include <framework_utility/platform/graphics/past_caches.h>
 #include <framework_utility/platform/graphics/pixel_word.h>
+#include <framework_utility/platform/graphics/streaming_stores.h>
 
 #include <algorithm>
 #include <cmath>
@@ -225,13 +225,13 @@ void GradientFill::fill(const PixelRows& rows) const {
   const auto ask = [&](const auto& question) { return std::visit(question, positions_); };
   const bool isLarge = rows.height * rows.bytesPerRow >= largePicture;
   const std::size_t bytes = 4 * rows.width;
-  PastCaches memory;
+  StreamingStores stores;
   if (!ask([](const auto& positions) { return positions.changeFromRowToRow(); })) {
     std::vector<std::uint8_t> row(bytes);
     fillRow(0, row.data(), rows.width);
     for (std::size_t y = 0; y < rows.height; ++y) {
       if (isLarge) {
-        memory.store(row.data(), rows.row(y), bytes);
+        stores.store(row.data(), rows.row(y), bytes);
       } else {
         std::memcpy(rows.row(y), row.data(), bytes);
       }
@@ -241,7 +241,7 @@ void GradientFill::fill(const PixelRows& rows) const {
       std::array<std::uint8_t, 4> pixel;
       fillRow(y, pixel.data(), 1);
       if (isLarge) {
-        memory.fill(wordAt(pixel.data()), rows.row(y), rows.width);
+        stores.fill(wordAt(pixel.data()), rows.row(y), rows.width);
       } else {
         fillRun(wordAt(pixel.data()), rows.row(y), rows.width);
       }

@@ -73,30 +73,30 @@ struct TranslucentFill {
 
 template <class Real, class Run>
 void fill(const RunColors<Real>& colors, Run run, bool isOpaque, std::uint8_t* row,
-          std::size_t pixels, VectorUnits units) {
+          std::size_t pixels, InstructionSet instructions) {
   const auto count = static_cast<std::int32_t>(pixels);
   if (isOpaque) {
-    runOn<OpaqueFill>(units, colors, run, row, count);
+    runWith<OpaqueFill>(instructions, colors, run, row, count);
   } else {
-    runOn<TranslucentFill>(units, colors, run, row, count);
+    runWith<TranslucentFill>(instructions, colors, run, row, count);
   }
 }
 
 }  // namespace
 
 void fillRun(const RunColors<float>& colors, StraightRun run, bool isOpaque, std::uint8_t* row,
-             std::size_t pixels, VectorUnits units) {
-  fill(colors, run, isOpaque, row, pixels, units);
+             std::size_t pixels, InstructionSet instructions) {
+  fill(colors, run, isOpaque, row, pixels, instructions);
 }
 
 void fillRun(const RunColors<float>& colors, RadialRun<float> run, bool isOpaque, std::uint8_t* row,
-             std::size_t pixels, VectorUnits units) {
-  fill(colors, run, isOpaque, row, pixels, units);
+             std::size_t pixels, InstructionSet instructions) {
+  fill(colors, run, isOpaque, row, pixels, instructions);
 }
 
 void fillRun(const RunColors<double>& colors, RadialRun<double> run, bool isOpaque,
-             std::uint8_t* row, std::size_t pixels, VectorUnits units) {
-  fill(colors, run, isOpaque, row, pixels, units);
+             std::uint8_t* row, std::size_t pixels, InstructionSet instructions) {
+  fill(colors, run, isOpaque, row, pixels, instructions);
 }
 
 void fillRun(std::uint32_t word, std::uint8_t* row, std::size_t pixels) {

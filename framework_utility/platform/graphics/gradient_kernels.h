@@ -1,6 +1,6 @@
 #pragma once
 
-#include <framework_utility/platform/graphics/vector_code.h>
+#include <framework_utility/platform/graphics/simd_dispatch.h>
 
 #include <array>
 #include <cstddef>
@@ -31,11 +31,11 @@ struct RadialRun {
 // 1 all along.
 
 void fillRun(const RunColors<float>& colors, StraightRun run, bool isOpaque, std::uint8_t* row,
-             std::size_t pixels, VectorUnits units = vectorUnits());
+             std::size_t pixels, InstructionSet instructions = instructionSet());
 void fillRun(const RunColors<float>& colors, RadialRun<float> run, bool isOpaque, std::uint8_t* row,
-             std::size_t pixels, VectorUnits units = vectorUnits());
+             std::size_t pixels, InstructionSet instructions = instructionSet());
 void fillRun(const RunColors<double>& colors, RadialRun<double> run, bool isOpaque,
-             std::uint8_t* row, std::size_t pixels, VectorUnits units = vectorUnits());
+             std::uint8_t* row, std::size_t pixels, InstructionSet instructions = instructionSet());
 
 /// One pixel for all.
 void fillRun(std::uint32_t word, std::uint8_t* row, std::size_t pixels);

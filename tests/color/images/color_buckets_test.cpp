@@ -15,7 +15,7 @@ namespace FrameworkUtility {
 namespace {
 
 using detail::ColorBuckets;
-using detail::VectorUnits;
+using detail::InstructionSet;
 
 /// Blue, green, red: the order in which buckets come.
 using Bucket = std::tuple<std::uint32_t, std::uint32_t, std::uint32_t>;
@@ -52,15 +52,15 @@ TEST(ColorBucketsTest, EveryComponentIsRoundedToTens) {
   }
 }
 
-TEST(ColorBucketsTest, AnyNumberOfPixelsOnAnyVectorUnits) {
-  for (const VectorUnits units : {VectorUnits::baseline, detail::vectorUnits()}) {
+TEST(ColorBucketsTest, AnyNumberOfPixelsOnAnyInstructionSet) {
+  for (const InstructionSet instructions : {InstructionSet::baseline, detail::instructionSet()}) {
     for (const bool isOpaque : {false, true}) {
       for (const std::size_t pixels : {0U, 1U, 3U, 63U, 64U, 65U, 127U, 128U, 200U, 70'000U}) {
         SCOPED_TRACE(::testing::Message() << pixels << " pixels, opaque: " << isOpaque);
         auto rgba = testing::noise(pixels * 4, 7);
         for (std::size_t i = 0; i < rgba.size(); i += 12) rgba[i + 3] = 0;
         ColorBuckets buckets;
-        buckets.add(rgba.data(), pixels, isOpaque, units);
+        buckets.add(rgba.data(), pixels, isOpaque, instructions);
         EXPECT_EQ(counted(buckets), countedOneByOne(rgba, isOpaque));
       }
     }

@@ -39,19 +39,20 @@ Bytes plainLoop(std::vector<KvColor> colors, std::size_t width, std::size_t heig
 }
 
 Bytes rowsOf(std::vector<KvColor> colors, std::size_t width, std::size_t height,
-             detail::VectorUnits units) {
+             detail::InstructionSet instructions) {
   colors.push_back(colors.front());
   const detail::ConicalRows rows(std::move(colors), width, height);
   Bytes bytes(4 * width * height);
-  for (std::size_t y = 0; y < height; ++y) rows.fillRow(y, bytes.data() + 4 * width * y, units);
+  for (std::size_t y = 0; y < height; ++y)
+    rows.fillRow(y, bytes.data() + 4 * width * y, instructions);
   return bytes;
 }
 
 void expectPlain(const std::vector<KvColor>& colors, std::size_t width, std::size_t height) {
   const Bytes expected = plainLoop(colors, width, height);
-  for (const auto units : {detail::VectorUnits::baseline, detail::vectorUnits()}) {
+  for (const auto instructions : {detail::InstructionSet::baseline, detail::instructionSet()}) {
     // Not EXPECT_EQ, which would print megabytes.
-    ASSERT_TRUE(rowsOf(colors, width, height, units) == expected)
+    ASSERT_TRUE(rowsOf(colors, width, height, instructions) == expected)
         << width << " x " << height << ", " << colors.size() << " colors";
   }
 }

@@ -9,21 +9,21 @@
 namespace FrameworkUtility::detail {
 namespace {
 
-/// Fills a run with the vector units that every machine has and with the widest of this one.
+/// Fills a run with the vector instructions that every machine has and with the widest of this one.
 template <class Real, class Run>
 void expectSameOnAllUnits(const RunColors<Real>& colors, const Run& run, bool isOpaque,
                           std::size_t pixels) {
-  const auto filled = [&](VectorUnits units) {
+  const auto filled = [&](InstructionSet instructions) {
     std::vector<std::uint8_t> row(4 * pixels + 1, 0xAB);
-    fillRun(colors, run, isOpaque, row.data(), pixels, units);
+    fillRun(colors, run, isOpaque, row.data(), pixels, instructions);
     EXPECT_EQ(row.back(), 0xAB);
     return row;
   };
-  ASSERT_EQ(filled(VectorUnits::baseline), filled(vectorUnits())) << pixels << " pixels";
+  ASSERT_EQ(filled(InstructionSet::baseline), filled(instructionSet())) << pixels << " pixels";
 }
 
 TEST(GradientKernelsTest, TheUnitsDoNotChangeTheResult) {
-  if (vectorUnits() == VectorUnits::baseline) GTEST_SKIP() << "this machine has no others";
+  if (instructionSet() == InstructionSet::baseline) GTEST_SKIP() << "this machine has no others";
   std::mt19937 random(1);
   const auto real = [&](double from, double to) {
     return std::uniform_real_distribution<>(from, to)(random);

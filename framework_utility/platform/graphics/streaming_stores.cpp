@@ -1,7 +1,7 @@
 // The one file that names instructions: no C++ that both compilers know makes them store past the
 // caches.
 
-#include <framework_utility/platform/graphics/past_caches.h>
+#include <framework_utility/platform/graphics/streaming_stores.h>
 
 #include <algorithm>
 #include <array>
@@ -34,14 +34,14 @@ void stream(std::uint8_t* to, __m128i vector) {
 
 }  // namespace
 
-void PastCaches::store(const std::uint8_t* from, std::uint8_t* to, std::size_t bytes) {
+void StreamingStores::store(const std::uint8_t* from, std::uint8_t* to, std::size_t bytes) {
   std::size_t at = std::min(bytesToUnit(to), bytes);
   std::memcpy(to, from, at);
   for (; at + unit <= bytes; at += unit) stream(to + at, vectorAt(from + at));
   std::memcpy(to + at, from + at, bytes - at);
 }
 
-void PastCaches::fill(std::uint32_t word, std::uint8_t* to, std::size_t pixels) {
+void StreamingStores::fill(std::uint32_t word, std::uint8_t* to, std::size_t pixels) {
   const std::size_t bytes = 4 * pixels;
   std::array<std::uint8_t, unit + 4> pattern;
   for (std::size_t i = 0; i < pattern.size(); i += 4) std::memcpy(&pattern[i], &word, 4);
@@ -54,19 +54,19 @@ void PastCaches::fill(std::uint32_t word, std::uint8_t* to, std::size_t pixels) 
   std::memcpy(to + at, turned, bytes - at);
 }
 
-PastCaches::~PastCaches() { _mm_sfence(); }
+StreamingStores::~StreamingStores() { _mm_sfence(); }
 
 #else
 
-void PastCaches::store(const std::uint8_t* from, std::uint8_t* to, std::size_t bytes) {
+void StreamingStores::store(const std::uint8_t* from, std::uint8_t* to, std::size_t bytes) {
   std::memcpy(to, from, bytes);
 }
 
-void PastCaches::fill(std::uint32_t word, std::uint8_t* to, std::size_t pixels) {
+void StreamingStores::fill(std::uint32_t word, std::uint8_t* to, std::size_t pixels) {
   for (std::size_t i = 0; i < pixels; ++i) std::memcpy(to + 4 * i, &word, 4);
 }
 
-PastCaches::~PastCaches() = default;
+StreamingStores::~StreamingStores() = default;
 
 #endif
 
