@@ -33,9 +33,9 @@ KvCollageShapeSide KvCollageShapeSide::withVertical(bool isVertical, double a, d
 
 void KvCollageShapeSide::calculateBorderWithThickness(double thickness) {
   if (!segment) return;
-  perpandiculaire_ = segment->perpandiculaire(averagePoint);
+  const KvCollageSegment perpandiculaire = segment->perpandiculaire(averagePoint);
   // (0, 0) without a foot, as the apps' interface has it: not finite slopes have none.
-  const Point foot = segment->intersectionPointWithSegment(*perpandiculaire_).value_or(Point{});
+  const Point foot = segment->intersectionPointWithSegment(perpandiculaire).value_or(Point{});
   // With the average point on the line this is a vertical segment of length 0, which locates
   // upwards. That is meant.
   const KvCollageSegment inward(foot, averagePoint);

@@ -73,13 +73,10 @@ class KvCollageShapeSide {
   void calculateBissectrice(const KvCollageShapeSide& previous);
 
  private:
-  friend struct KvCollageShapeSideTestAccess;
-
   KvCollageShapeSide(Point point1, Point point2, const KvCollageSegment& line);
 
   Point p1_;
   Point p2_;
-  std::optional<KvCollageSegment> perpandiculaire_;  // to the side, through averagePoint
 };
 
 }  // namespace FrameworkUtility
