@@ -8,7 +8,7 @@
 #include <framework_utility/color/images/color_analysis.h>
 #include <framework_utility/imageio/image_writer.h>
 #include <framework_utility/platform/foundation/app/uniform_type.h>
-#include <framework_utility/platform/graphics/rgba_rows.h>
+#include <framework_utility/platform/graphics/cg_context.h>
 
 #include <fmt/core.h>
 
@@ -68,29 +68,28 @@ Value jsonValue(const std::string& file, const UIImageAnalyzeResult& result) {
 /// The photo and, to the right, its colours from top to bottom, each as high as the others. In the
 /// photo's colour space, whose components the colours are. Absent when memory is short.
 std::optional<CGImage> pictureOf(const CGImage& photo, const std::vector<KvColor>& colors) {
-  const auto pixels = detail::rgbaPixels(photo, detail::AlphaForm::premultiplied);
+  const auto width = static_cast<double>(photo.width());
+  const auto height = static_cast<double>(photo.height());
   const std::size_t stripWidth =
       colors.empty() ? 0 : std::max<std::size_t>(std::min(photo.width(), photo.height()) / 4, 1);
-  const std::size_t photoBytes = photo.width() * 4;
-  const std::size_t bytesPerRow = photoBytes + stripWidth * 4;
-  auto picture = detail::PixelBuffer::allocate(photo.height(), bytesPerRow);
-  if (!pixels || !picture) return std::nullopt;
-  for (std::size_t y = 0; y < photo.height(); ++y) {
-    std::uint8_t* out = std::copy_n(pixels->data() + y * photoBytes, photoBytes, picture->row(y));
-    for (std::size_t x = 0; x < stripWidth; ++x) {
-      const KvColor& color = colors[y * colors.size() / photo.height()];
-      for (const double component : {color.red, color.green, color.blue, color.alpha}) {
-        *out++ = static_cast<std::uint8_t>(byteOf(component));
-      }
-    }
+  const CGColorSpace plain = CGColorSpace::createDeviceRGB();
+  const auto components = CGImage::create(photo.layout(), plain, photo.pixels());
+  const auto context =
+      CGContext::createBitmap(photo.width() + stripWidth, photo.height(), photo.alphaInfo());
+  if (!components || !context) return std::nullopt;
+  context->drawImage(*components, {0, 0, width, height});
+  const auto boundary = [&](std::size_t i) {  // above the colour, and below the one before it
+    return height - std::ceil(height * static_cast<double>(i) / static_cast<double>(colors.size()));
+  };
+  for (std::size_t i = 0; i < colors.size(); ++i) {
+    const KvColor& color = colors[i];
+    context->setFillColor({color.red, color.green, color.blue, color.alpha});
+    context->fillRect(
+        {width, boundary(i + 1), static_cast<double>(stripWidth), boundary(i) - boundary(i + 1)});
   }
-  const bool hasAlpha = detail::carriesAlpha(photo.alphaInfo());
-  return CGImage::create({.width = photo.width() + stripWidth,
-                          .height = photo.height(),
-                          .bytesPerRow = bytesPerRow,
-                          .alphaInfo = hasAlpha ? CGImageAlphaInfo::premultipliedLast
-                                                : CGImageAlphaInfo::noneSkipLast},
-                         *photo.colorSpace(), std::move(*picture).share());
+  const auto drawn = context->createImage();
+  return drawn ? CGImage::create(drawn->layout(), *photo.colorSpace(), drawn->pixels())
+               : std::nullopt;
 }
 
 bool draw(const PictureInput& input, const std::vector<KvColor>& colors,
