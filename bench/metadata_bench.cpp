@@ -53,7 +53,7 @@ void readExiv2(Exiv2::Image& image) {
       "exiv2");
 }
 
-// What no reader of a file's first 16 KiB can do without.
+/// What no reader of a file's first 16 KiB can do without.
 void readBeginning(const char* path) {
   static std::byte bytes[16 * 1024];
   struct stat status;

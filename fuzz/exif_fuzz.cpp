@@ -24,9 +24,9 @@ void require(bool condition) {
   if (!condition) std::abort();
 }
 
-// Whether everything in `part` is in `whole`. Records that share bytes by the hundred may vanish
-// from a merged block; none may come to say something else. A resolution whose unit vanished is in
-// inches.
+/// Whether everything in `part` is in `whole`. Records that share bytes by the hundred may vanish
+/// from a merged block; none may come to say something else. A resolution whose unit vanished is in
+/// inches.
 bool isPart(const Dictionary& part, const Dictionary& whole) {
   for (const auto& [key, value] : part) {
     if (key == KeyView("DPIWidth") || key == KeyView("DPIHeight")) continue;
@@ -39,7 +39,7 @@ bool isPart(const Dictionary& part, const Dictionary& whole) {
   return true;
 }
 
-// One entry of one dictionary, chosen by the first byte, is removed or becomes something else.
+/// One entry of one dictionary, chosen by the first byte, is removed or becomes something else.
 void change(Dictionary& properties, std::uint8_t choice) {
   constexpr std::string_view keys[] = {"{TIFF}", "{Exif}", "{GPS}", "{MakerApple}"};
   Dictionary& chosen = properties.subdictionary(keys[choice % 4]);

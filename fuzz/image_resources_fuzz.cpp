@@ -9,7 +9,7 @@
 using namespace FrameworkUtility;
 using namespace FrameworkUtility::detail;
 
-// What is read is kept when it is written again, and a change does not hide what follows it.
+/// What is read is kept when it is written again, and a change does not hide what follows it.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const std::span resources = std::as_bytes(std::span(data, size));
   Dictionary before;

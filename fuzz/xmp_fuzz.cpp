@@ -20,8 +20,8 @@ static std::optional<std::size_t> count(const Data& packet) {
   return found ? std::optional(found->size()) : std::nullopt;
 }
 
-// A packet in which everything was changed stays as it is when nothing more is. One that is split
-// loses no property, nor when it is joined again.
+/// A packet in which everything was changed stays as it is when nothing more is. One that is split
+/// loses no property, nor when it is joined again.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const std::span packet = std::as_bytes(std::span(data, size));
   MetadataBudget budget;

@@ -14,17 +14,17 @@ namespace {
 
 constexpr std::string_view copyMark = " copy";
 
-// What operations take for a URL: its path, or the empty one that stands for a missing one.
+/// What operations take for a URL: its path, or the empty one that stands for a missing one.
 std::string pathOf(const URL& url) { return url.path().value_or(""); }
 
-// The names in a folder; none when it is missing or cannot be listed.
+/// The names in a folder; none when it is missing or cannot be listed.
 std::vector<std::string> entries(const FileManager& files, std::string_view folder) {
   if (folder.empty()) return {};
   return files.contentsOfDirectoryAtPath(folder, nullptr).value_or(std::vector<std::string>());
 }
 
-// The number after the last " copy " when the name ends with it: ASCII digits alone, within 64
-// bits.
+/// The number after the last " copy " when the name ends with it: ASCII digits alone, within 64
+/// bits.
 std::optional<std::uint64_t> numberAfter(std::string_view copyMarkAndRest) {
   const std::string_view rest = copyMarkAndRest.substr(copyMark.size());
   if (!rest.starts_with(' ')) return std::nullopt;

@@ -5,7 +5,7 @@
 namespace FrameworkUtility {
 namespace {
 
-// How far from a corner its bisector is probed, in points: short, so that the chord stays short.
+/// How far from a corner its bisector is probed, in points: short, so that the chord stays short.
 constexpr double probeDistance = 0.5;
 
 /// Half the angle of a corner, from half the chord between the two points probed: the other leg of

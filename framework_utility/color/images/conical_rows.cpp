@@ -43,8 +43,8 @@ constexpr std::size_t block = 8;
   return sum * q;
 }
 
-// Levels are looked at as fixed-point numbers, which a single-precision number's lowest bits are
-// after a number of the right size is added: here 13 of them stand behind the point.
+/// Levels are looked at as fixed-point numbers, which a single-precision number's lowest bits are
+/// after a number of the right size is added: here 13 of them stand behind the point.
 constexpr int fractionBits = 13;
 constexpr std::uint32_t fractionMask = (1U << fractionBits) - 1;
 constexpr float fixedPoint = 0x1.8p10F;

@@ -12,7 +12,7 @@ struct Mark {
   std::string_view format;
 };
 
-// The first that fits counts.
+/// The first that fits counts.
 constexpr Mark marks[] = {{4, "ftyphei", "HEIC"},
                           {4, "ftyphev", "HEIC"},
                           {4, "ftypmif1", "HEIC"},

@@ -51,7 +51,7 @@ std::string homeDirectory() {
   return found && found->pw_dir ? found->pw_dir : "/";
 }
 
-// The name of the folder "Name.app" that the executable lies in, an extension's at some depth.
+/// The name of the folder "Name.app" that the executable lies in, an extension's at some depth.
 std::optional<std::string> enclosingAppName(std::string_view executable) {
   const std::size_t end = executable.find(".app/");
   if (end == std::string_view::npos) return std::nullopt;
@@ -63,14 +63,14 @@ std::string machineIdentifier() {
   return uname(&system) == 0 ? system.machine : "";
 }
 
-// "pt-BR" of "pt_BR.UTF-8@euro"; empty for the locales that mean no language.
+/// "pt-BR" of "pt_BR.UTF-8@euro"; empty for the locales that mean no language.
 std::string languageTag(std::string_view locale) {
   std::string tag(locale.substr(0, locale.find_first_of(".@")));
   std::replace(tag.begin(), tag.end(), '_', '-');
   return tag == "C" || tag == "POSIX" ? "" : tag;
 }
 
-// As gettext chooses: `LANGUAGE` is a list and leads, unless the locale has no language at all.
+/// As gettext chooses: `LANGUAGE` is a list and leads, unless the locale has no language at all.
 std::vector<std::string> preferredLanguages() {
   std::string locale;
   for (const char* variable : {"LC_ALL", "LC_MESSAGES", "LANG"}) {

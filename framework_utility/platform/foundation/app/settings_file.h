@@ -36,8 +36,8 @@ class SettingsFile {
   std::string path_;
   bool hasLookedForLeftovers_ = false;
 
-  // What was read last. As long as the file is open no other can get its number, so that one look
-  // at the number tells whether the file was replaced.
+  /// What was read last. As long as the file is open no other can get its number, so that one look
+  /// at the number tells whether the file was replaced.
   Descriptor file_;
   struct stat status_ {};
   Data bytes_;

@@ -17,8 +17,8 @@ namespace {
 
 constexpr std::string_view dynamicPrefix = "dyn.a";
 constexpr std::string_view dynamicAlphabet = "abcdefghkmnpqrstuvwxyz0123456789";
-// In a dynamic identifier "0" is the key of the supertype, "1" the one of the file name extension,
-// and "6" stands for the commonest supertype.
+/// In a dynamic identifier "0" is the key of the supertype, "1" the one of the file name extension,
+/// and "6" stands for the commonest supertype.
 constexpr std::string_view dataAbbreviation = "6";
 
 constexpr bool isInOrder(std::size_t row) {
@@ -61,7 +61,7 @@ bool hasExtension(const detail::DeclaredType& type, std::string_view lowercase) 
   return detail::anyWord(type.extensions, [&](std::string_view word) { return word == lowercase; });
 }
 
-// Base 32 over the alphabet above, most significant bits first, zeros at the end.
+/// Base 32 over the alphabet above, most significant bits first, zeros at the end.
 std::string encoded(std::string_view text) {
   std::string digits;
   std::uint32_t bits = 0;

@@ -40,7 +40,7 @@ class StoredUserDefaults final : public UserDefaults {
 
   mutable std::mutex mutex_;
   mutable detail::SettingsFile file_;  // reads again what others have changed
-  // What this process alone knows, a removed setting as an absent value.
+  /// What this process alone knows, a removed setting as an absent value.
   std::map<std::string, std::optional<Value>, std::less<>> notStored_;
 };
 
@@ -109,8 +109,8 @@ std::shared_ptr<UserDefaults> UserDefaults::standardUserDefaults() {
   return nameless;
 }
 
-// What one object cannot store the others of the suite must see too, so there is one object a
-// suite.
+/// What one object cannot store the others of the suite must see too, so there is one object a
+/// suite.
 std::shared_ptr<UserDefaults> UserDefaults::withSuiteName(std::string_view name) {
   if (!isFileName(name)) return nullptr;
   const std::string folder = paths::appendingPathComponent(configurationFolder(), name);

@@ -24,8 +24,8 @@ using Result = std::optional<PosixFailure>;
 Result readingFailed(int number = errno) { return PosixFailure{number, FileAccess::reading}; }
 Result writingFailed(int number = errno) { return PosixFailure{number, FileAccess::writing}; }
 
-// Files and folders that are whole and have yet to reach the disk. The kernel is asked for many at
-// once where it can be: a disk that flushes for each in turn takes its time for each.
+/// Files and folders that are whole and have yet to reach the disk. The kernel is asked for many at
+/// once where it can be: a disk that flushes for each in turn takes its time for each.
 class Flushes {
  public:
   Flushes() = default;
@@ -57,7 +57,7 @@ class Flushes {
   }
 
  private:
-  // Says how many of the first were asked for; all of them have been answered then.
+  /// Says how many of the first were asked for; all of them have been answered then.
   Result flushTogether(std::size_t& asked) {
     std::vector<iocb> requests(items_.size());
     std::vector<iocb*> pointers;
@@ -86,7 +86,7 @@ class Flushes {
   aio_context_t queue_ = 0;
 };
 
-// One entry of a folder that is open.
+/// One entry of a folder that is open.
 struct Entry {
   int folder;
   const std::string& name;
@@ -108,7 +108,7 @@ Result copyBytes(int from, int to) {
   }
 }
 
-// The dates of last use and of modification.
+/// The dates of last use and of modification.
 std::array<timespec, 2> datesOf(const struct stat& status) {
   return {status.st_atim, status.st_mtim};
 }
@@ -118,7 +118,7 @@ struct Source {
   struct stat status {};
 };
 
-// `known` is what the name stood for: a device is not even opened.
+/// `known` is what the name stood for: a device is not even opened.
 Result openFile(const Entry& from, const struct stat& known, Source& source) {
   if (!S_ISREG(known.st_mode)) return readingFailed(ESPIPE);
   // A file that became a pipe meanwhile must not make this wait.
@@ -131,7 +131,7 @@ Result openFile(const Entry& from, const struct stat& known, Source& source) {
   return S_ISREG(source.status.st_mode) ? std::nullopt : readingFailed(ESPIPE);
 }
 
-// Bytes, permissions and dates.
+/// Bytes, permissions and dates.
 Result copyFile(const Source& from, int to) {
   if (Result failure = copyBytes(from.file.get(), to)) return failure;
   if (fchmod(to, from.status.st_mode & 0777) != 0 ||
@@ -151,7 +151,7 @@ Result copyLink(const Entry& from, const Entry& to) {
   return std::nullopt;
 }
 
-// Of a folder only itself, for its owner alone while it is filled.
+/// Of a folder only itself, for its owner alone while it is filled.
 Result copyEntry(const Entry& from, const struct stat& status, const Entry& to, Flushes& flushes) {
   if (S_ISLNK(status.st_mode)) return copyLink(from, to);
   if (S_ISDIR(status.st_mode)) {
@@ -168,7 +168,7 @@ Result copyEntry(const Entry& from, const struct stat& status, const Entry& to, 
   return flushes.add(std::move(target));
 }
 
-// The permissions and dates of a folder, once nothing more comes into it.
+/// The permissions and dates of a folder, once nothing more comes into it.
 Result finishFolder(const struct stat& status, const Entry& to) {
   if (fchmodat(to.folder, to.name.c_str(), status.st_mode & 0777, 0) != 0 ||
       utimensat(to.folder, to.name.c_str(), datesOf(status).data(), AT_SYMLINK_NOFOLLOW) != 0) {
@@ -183,7 +183,7 @@ struct Level {
   std::vector<std::string> entries;  // still to be copied
 };
 
-// What the folder `from` holds into the folder `to`, which is empty; flushed.
+/// What the folder `from` holds into the folder `to`, which is empty; flushed.
 Result copyContents(const Entry& from, const struct stat& status, const Entry& to) {
   Flushes flushes;
   DirectoryCursor source, target;
@@ -228,8 +228,8 @@ Result copyContents(const Entry& from, const struct stat& status, const Entry& t
   }
 }
 
-// Whether `folder` is the one with this status or lies in it, by whatever links and names its path
-// led there.
+/// Whether `folder` is the one with this status or lies in it, by whatever links and names its path
+/// led there.
 bool liesIn(int folder, const struct stat& status) {
   const auto same = [](const struct stat& a, const struct stat& b) {
     return a.st_dev == b.st_dev && a.st_ino == b.st_ino;

@@ -10,7 +10,7 @@ namespace {
 
 using SharedFailure = std::shared_ptr<const FileFailure>;
 
-// Whether the operation is to fail; fills `error` then.
+/// Whether the operation is to fail; fills `error` then.
 bool fails(const FileFailure& failure, std::string_view operation, std::string_view path,
            Error* error) {
   std::optional<Error> given = failure(operation, path);

@@ -19,8 +19,8 @@ using detail::FileAccess;
 constexpr std::int64_t capacity = std::int64_t{1} << 40;
 constexpr std::size_t longestName = 255;
 
-// The path from "/" without ".", ".." and needless slashes, a relative one too; "" is "/" itself.
-// There are no links, so the text is all that it takes.
+/// The path from "/" without ".", ".." and needless slashes, a relative one too; "" is "/" itself.
+/// There are no links, so the text is all that it takes.
 std::string normalised(std::string_view path) {
   std::string result;
   for (std::size_t start = 0; start < path.size();) {
@@ -194,7 +194,7 @@ class MemoryFileManager final : public FileManager {
     return number == 0 || fail({number, FileAccess::writing}, path, error);
   }
 
-  // 0 when something is there, else the system's error number.
+  /// 0 when something is there, else the system's error number.
   int refusalToFind(std::string_view path) const {
     if (path.find('\0') != std::string_view::npos) return EILSEQ;
     if (path.empty()) return ENOENT;
@@ -209,7 +209,7 @@ class MemoryFileManager final : public FileManager {
     return 0;
   }
 
-  // 0 when something new can be made there: in a folder, where nothing is yet.
+  /// 0 when something new can be made there: in a folder, where nothing is yet.
   int refusalToMake(std::string_view path) const {
     const int number = refusalToFind(path);
     if (number == 0) return EEXIST;
@@ -228,7 +228,7 @@ class MemoryFileManager final : public FileManager {
     return nullptr;
   }
 
-  // An item and all in it, by what follows its path: "" and "/name".
+  /// An item and all in it, by what follows its path: "" and "/name".
   Items subtree(const std::string& path) const {
     Items items{{"", items_.at(path)}};
     const std::string inside = path + "/";

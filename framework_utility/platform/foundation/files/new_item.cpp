@@ -16,7 +16,7 @@ namespace FrameworkUtility::detail {
 
 namespace {
 
-// The system writes at most about this much at once.
+/// The system writes at most about this much at once.
 constexpr std::size_t largestWrite = std::size_t{1} << 30;
 
 /// Not open, with `errno`, where that fails.

@@ -36,7 +36,7 @@ bool isDirectory(const std::string& path) {
   return stat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode);
 }
 
-// 0 or an error number, EEXIST for a folder too.
+/// 0 or an error number, EEXIST for a folder too.
 int createFolder(const std::string& path) { return mkdir(path.c_str(), 0777) == 0 ? 0 : errno; }
 
 int createFolders(const std::string& path) {

@@ -14,7 +14,7 @@ namespace FrameworkUtility::detail {
 
 namespace {
 
-// Anything but a folder with something in it: for that it answers ENOTEMPTY.
+/// Anything but a folder with something in it: for that it answers ENOTEMPTY.
 int removeLeaf(int at, const std::string& name) {
   if (unlinkat(at, name.c_str(), 0) == 0) return 0;
   if (errno != EISDIR) return errno;

@@ -14,7 +14,7 @@ namespace FrameworkUtility {
 
 namespace {
 
-// The system's temporary directory, without a slash at the end.
+/// The system's temporary directory, without a slash at the end.
 std::string systemTemporaryDirectory() {
   const char* variable = std::getenv("TMPDIR");
   std::string_view path = variable ? variable : "";
@@ -25,8 +25,8 @@ std::string systemTemporaryDirectory() {
   return isUsable ? std::string(path) : "/tmp";
 }
 
-// Makes the folder unless it is there. Whether it is the user's own and nobody else could put
-// anything into it; a link is not.
+/// Makes the folder unless it is there. Whether it is the user's own and nobody else could put
+/// anything into it; a link is not.
 bool makePrivateFolder(const std::string& path) {
   mkdir(path.c_str(), 0700);
   struct stat status {};

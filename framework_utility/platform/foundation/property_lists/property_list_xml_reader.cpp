@@ -304,8 +304,8 @@ class Reader {
   bool isRefused_ = false;
 };
 
-// Whether an XML document can begin so. Making a parser costs system calls, which bytes that are no
-// list at all, as most of a maker note's, are spared.
+/// Whether an XML document can begin so. Making a parser costs system calls, which bytes that are
+/// no list at all, as most of a maker note's, are spared.
 bool canBeXML(std::span<const std::byte> data) {
   const auto first = std::find_if(data.begin(), data.end(), [](std::byte byte) {
     return byte != std::byte{' '} && byte != std::byte{'\t'} && byte != std::byte{'\n'} &&

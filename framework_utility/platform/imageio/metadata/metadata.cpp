@@ -7,8 +7,8 @@
 namespace FrameworkUtility::detail {
 namespace {
 
-// The properties less the entries that XMP alone says and that are as it says them, so that a
-// picture saved unchanged gets no second copy of them in EXIF or IPTC.
+/// The properties less the entries that XMP alone says and that are as it says them, so that a
+/// picture saved unchanged gets no second copy of them in EXIF or IPTC.
 Dictionary withoutXmpEntries(const Dictionary& properties, const Dictionary& fromXmp) {
   Dictionary result = properties;
   for (const auto& [name, entries] : fromXmp) {
@@ -22,7 +22,7 @@ Dictionary withoutXmpEntries(const Dictionary& properties, const Dictionary& fro
   return result;
 }
 
-// Adds to the properties what XMP alone says, and gives it.
+/// Adds to the properties what XMP alone says, and gives it.
 Dictionary readBothXmp(const MetadataBlocks& blocks, Dictionary& properties,
                        MetadataBudget& budget) {
   Dictionary all;

@@ -9,7 +9,7 @@
 namespace FrameworkUtility::detail {
 namespace {
 
-// XML 1.0, production 2 (Char).
+/// XML 1.0, production 2 (Char).
 bool isXmlCharacter(char32_t code) {
   return code >= 0x20 ? code != 0xFFFE && code != 0xFFFF
                       : code == '\t' || code == '\n' || code == '\r';

@@ -55,9 +55,9 @@ std::optional<Data> pngProfile(std::span<const std::byte> chunk, InflationBudget
 /// The part of `whole` from `begin` on, which shares its bytes.
 Data suffix(const Data& whole, std::size_t begin);
 
-// Before there were chunks for metadata, some programs wrote a block as hexadecimal text under
-// "Raw profile type exif" and the like: its name, the number of bytes in decimal, and the digits,
-// each on lines of their own.
+/// Before there were chunks for metadata, some programs wrote a block as hexadecimal text under
+/// "Raw profile type exif" and the like: its name, the number of bytes in decimal, and the digits,
+/// each on lines of their own.
 std::optional<std::vector<std::byte>> bytesOfRawProfile(std::string_view text);
 std::string rawProfile(std::string_view name, std::span<const std::byte> bytes);
 

@@ -3,7 +3,7 @@
 namespace FrameworkUtility::detail {
 namespace {
 
-// The offset in the first record of `directory` with this tag, when a directory stands there.
+/// The offset in the first record of `directory` with this tag, when a directory stands there.
 std::uint32_t pointer(const TiffReader& reader, std::uint32_t directory, std::uint16_t tag) {
   const std::uint32_t count = reader.entryCount(directory);
   for (std::uint32_t i = 0; i < count; ++i) {

@@ -9,7 +9,7 @@
 namespace FrameworkUtility::detail {
 namespace {
 
-// Where pixels stand, and how many bytes each piece has.
+/// Where pixels stand, and how many bytes each piece has.
 struct PixelTags {
   std::uint16_t offsets;
   std::uint16_t sizes;
@@ -23,7 +23,7 @@ constexpr std::size_t longestValue = 256;
 constexpr std::uint16_t childrenTag = 0x014A;
 constexpr std::uint16_t profileTag = 0x8773;
 
-// In ascending order (TIFF 6.0).
+/// In ascending order (TIFF 6.0).
 constexpr std::uint16_t descriptions[] = {
     0x00FE, 0x00FF, 0x0100, 0x0101, 0x0102, 0x0103, 0x0106, 0x0107, 0x0108, 0x0109, 0x010A, 0x0115,
     0x0116, 0x0118, 0x0119, 0x011C, 0x0120, 0x0121, 0x0122, 0x0123, 0x0124, 0x0125, 0x013D, 0x0140,

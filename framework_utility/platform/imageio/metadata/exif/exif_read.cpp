@@ -15,8 +15,8 @@
 namespace FrameworkUtility::detail {
 namespace {
 
-// Those of the two resolutions: inches when none is given; with the unit 1, none, they only give a
-// pixel's shape.
+/// Those of the two resolutions: inches when none is given; with the unit 1, none, they only give a
+/// pixel's shape.
 double unitsPerInch(const Dictionary& image) {
   const Number* unit = image.get<Number>("ResolutionUnit");
   return !unit || *unit == 2 ? 1 : *unit == 3 ? 2.54 : 0;
@@ -71,7 +71,7 @@ class Reading {
     return values;
   }
 
-  // At least what the entry's value takes.
+  /// At least what the entry's value takes.
   bool spend(const ExifTag& tag, const TiffEntry& entry) {
     if (tag.shape == ExifShape::array) return budget_.spend(1 + tiffNumberCount(entry), 0);
     return budget_.spend(tag.auxiliaryKey.empty() ? 1 : 2,

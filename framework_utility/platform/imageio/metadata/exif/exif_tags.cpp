@@ -142,7 +142,7 @@ constexpr ExifTag gpsTags[] = {
     {0x1F, "HPositioningError", number, unsignedRational},
 };
 
-// Finds a tag's record by one division: no two tags of a table leave the same remainder.
+/// Finds a tag's record by one division: no two tags of a table leave the same remainder.
 template <std::size_t Buckets>
 class Index {
  public:

@@ -21,8 +21,8 @@ std::endian opposite(std::endian order) {
   return order == std::endian::big ? std::endian::little : std::endian::big;
 }
 
-// Some programs write UTF-16 in their machine's order instead of the block's. Where no mark tells,
-// it is taken for the other order when most of it is Latin in that one.
+/// Some programs write UTF-16 in their machine's order instead of the block's. Where no mark tells,
+/// it is taken for the other order when most of it is Latin in that one.
 std::endian utf16Order(std::span<const std::byte> bytes, std::endian blockOrder) {
   const std::size_t count = bytes.size() / 2;
   std::size_t latinInOther = 0;

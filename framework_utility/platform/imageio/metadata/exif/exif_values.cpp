@@ -24,8 +24,8 @@ bool isText(const TiffEntry& entry) {
 
 bool isDigit(char c) { return c >= '0' && c <= '9'; }
 
-// "0230" -> [2, 3], "0221" -> [2, 2, 1], "0100" -> [1, 0]: two digits make the first number, and
-// the last is left out when it is 0.
+/// "0230" -> [2, 3], "0221" -> [2, 2, 1], "0100" -> [1, 0]: two digits make the first number, and
+/// the last is left out when it is 0.
 std::optional<Array> readVersion(const TiffEntry& entry) {
   if (entry.value.size() != 4) return std::nullopt;
   std::array<int, 4> digits;
@@ -57,7 +57,7 @@ std::optional<TiffValue> version(const Array& numbers) {
   return TiffValue{TiffType::undefined, 4, stored.takeBytes()};
 }
 
-// Element `index` as a fraction of non-negative terms, with the terms as stored.
+/// Element `index` as a fraction of non-negative terms, with the terms as stored.
 std::optional<Rational> fraction(const TiffReader& reader, const TiffEntry& entry,
                                  std::uint32_t index) {
   constexpr std::int64_t limit = std::numeric_limits<std::uint32_t>::max();
@@ -70,9 +70,9 @@ std::optional<Rational> fraction(const TiffReader& reader, const TiffEntry& entr
   return nearestRational(number->doubleValue(), limit);
 }
 
-// One division of whole numbers, which are exact for all that devices write, so that a coordinate
-// of nine decimals comes back as the same double. Minutes and seconds that are missing or unknown
-// (0/0) count as 0.
+/// One division of whole numbers, which are exact for all that devices write, so that a coordinate
+/// of nine decimals comes back as the same double. Minutes and seconds that are missing or unknown
+/// (0/0) count as 0.
 std::optional<Number> readDegrees(const TiffReader& reader, const TiffEntry& entry) {
   std::array<double, 3> numerators{};
   std::array<double, 3> denominators{1, 1, 1};
@@ -94,13 +94,13 @@ std::optional<Number> readDegrees(const TiffReader& reader, const TiffEntry& ent
   return Number(value);
 }
 
-// Of at most 32 bits a term.
+/// Of at most 32 bits a term.
 void putRational(ByteWriter& bytes, const Rational& rational) {
   bytes.putNumber(static_cast<std::uint64_t>(rational.numerator), 4)
       .putNumber(static_cast<std::uint64_t>(rational.denominator), 4);
 }
 
-// Seconds get seven decimals: 3e-11 degrees, which is micrometres.
+/// Seconds get seven decimals: 3e-11 degrees, which is micrometres.
 std::optional<TiffValue> degrees(double value, std::endian order) {
   constexpr std::int64_t scale = 10'000'000;
   if (!(value >= 0 && value <= 360)) return std::nullopt;
@@ -143,7 +143,7 @@ std::optional<std::string> readTime(const TiffReader& reader, const TiffEntry& e
   return text;
 }
 
-// "HH:MM:SS", with parts of a second if need be.
+/// "HH:MM:SS", with parts of a second if need be.
 std::optional<TiffValue> time(std::string_view text, std::endian order) {
   constexpr std::size_t maximumDecimals = 7;
   if (text.size() < 8 || text.size() > 9 + maximumDecimals || text[2] != ':' || text[5] != ':') {

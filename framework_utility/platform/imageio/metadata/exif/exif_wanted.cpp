@@ -34,7 +34,7 @@ void splitTimeStamp(Dictionary& gps) {
   gps.set(kCGImagePropertyGPSTimeStamp, time);
 }
 
-// An altitude that comes without a reference of its own, as from a location, has a sign instead.
+/// An altitude that comes without a reference of its own, as from a location, has a sign instead.
 void splitAltitude(const Dictionary& before, Dictionary& gps) {
   const Number* altitude = gps.get<Number>(kCGImagePropertyGPSAltitude);
   if (!altitude) return;

@@ -18,11 +18,11 @@
 namespace FrameworkUtility::detail {
 namespace {
 
-// What a JPEG segment holds beside its length and "Exif\0\0".
+/// What a JPEG segment holds beside its length and "Exif\0\0".
 constexpr std::size_t segmentLimit = 65535 - 2 - 6;
-// A larger source is a whole TIFF file, of which nothing but the metadata is wanted.
+/// A larger source is a whole TIFF file, of which nothing but the metadata is wanted.
 constexpr std::size_t inPlaceLimit = 1 << 20;
-// A directory counts its records in 16 bits.
+/// A directory counts its records in 16 bits.
 constexpr std::size_t recordLimit = 65535;
 
 constexpr std::uint16_t imageWidthTag = 0x0100;
@@ -30,14 +30,14 @@ constexpr std::uint16_t imageLengthTag = 0x0101;
 constexpr std::uint16_t pixelXDimensionTag = 0xA002;
 constexpr std::uint16_t pixelYDimensionTag = 0xA003;
 
-// A longer value of a tag that goes with the pixels stays where it is, though nothing leads to it.
+/// A longer value of a tag that goes with the pixels stays where it is, though nothing leads to it.
 constexpr std::size_t longestPixelFact = 256;
 
 constexpr std::string_view newHeader("MM\0\x2A\0\0\0\0", tiffHeaderSize);
 
 class Merge {
  public:
-  // `reader` is null for a new block. `before` is what it reads as.
+  /// `reader` is null for a new block. `before` is what it reads as.
   Merge(const TiffReader* reader, const Dictionary& before, const Dictionary& properties,
         const PixelFacts& pixels)
       : reader_(reader), before_(before), wanted_(exifWanted(before, properties)), pixels_(pixels) {
@@ -54,7 +54,7 @@ class Merge {
     supply();
   }
 
-  // Absent when there is nothing to store.
+  /// Absent when there is nothing to store.
   std::optional<TiffPlan> plan() && {
     plan_.directories.resize(1);  // The image's, which the header leads to.
     TiffDirectory image = directoryAt(at_.image);
@@ -75,14 +75,14 @@ class Merge {
   }
 
  private:
-  // What a directory needs beside the caller's entries. It is not worth a directory.
+  /// What a directory needs beside the caller's entries. It is not worth a directory.
   void supply() {
     if (at_.exif == 0) supply(ExifDirectory::exif, 0x9000, Value(Array{2, 3, 2}));
     if (at_.gps == 0) supply(ExifDirectory::gps, 0x0000, Value(Array{2, 3, 0, 0}));
     supplyPixels(pixelXDimensionTag, pixels_.width);
     supplyPixels(pixelYDimensionTag, pixels_.height);
   }
-  // A directory that came without them stays without.
+  /// A directory that came without them stays without.
   void supplyPixels(std::uint16_t tag, std::size_t size) {
     if (size == 0) return;
     bool isThere = at_.exif == 0;
@@ -145,7 +145,7 @@ class Merge {
     }
   }
 
-  // A damaged record is dropped: what it leads to must not come to lie in what is appended.
+  /// A damaged record is dropped: what it leads to must not come to lie in what is appended.
   static void keep(const TiffEntry& entry, TiffDirectory& result) {
     if (!entry.isDamaged()) result.keep(entry);
   }
@@ -156,7 +156,7 @@ class Merge {
     return entries ? *entries : none;
   }
 
-  // Whether the entry stays as it is: also when it does not read, or was left out.
+  /// Whether the entry stays as it is: also when it does not read, or was left out.
   bool mergeEntry(const ExifTag& tag, const TiffEntry& entry, const Value* before,
                   const Value* wanted, TiffDirectory& result) {
     if (entry.isDamaged()) return false;
@@ -240,7 +240,7 @@ class Merge {
     return {TiffType::undefined, size, std::move(note)};
   }
 
-  // Without records that somebody asked for, a directory goes.
+  /// Without records that somebody asked for, a directory goes.
   void addUnlessIdle(ExifDirectory which, TiffDirectory&& child, TiffDirectory& image) {
     const auto isSupplied = [&](const TiffRecord& record) {
       return std::find(supplied_.begin(), supplied_.end(), std::pair(which, record.tag)) !=

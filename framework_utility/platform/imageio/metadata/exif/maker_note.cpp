@@ -29,7 +29,7 @@ bool isAscending(const TiffReader& note, std::uint32_t count) {
   return true;
 }
 
-// Absent unless the note is whole: what it means is not public, so a damaged one is not touched.
+/// Absent unless the note is whole: what it means is not public, so a damaged one is not touched.
 std::optional<TiffReader> openNote(std::span<const std::byte> note) {
   if (note.size() < directoryOffset + tiffDirectorySize(0)) return std::nullopt;
   const std::optional<std::endian> order = tiffOrder(note.subspan(orderOffset));
@@ -43,8 +43,8 @@ std::optional<TiffReader> openNote(std::span<const std::byte> note) {
   return reader;
 }
 
-// Puts the entry's value under its tag's number as text, if it has one. False when the budget does
-// not hold it.
+/// Puts the entry's value under its tag's number as text, if it has one. False when the budget does
+/// not hold it.
 bool appendEntry(Dictionary& entries, const TiffReader& note, const TiffEntry& entry,
                  MetadataBudget& budget) {
   if (entry.isDamaged()) return true;
@@ -105,7 +105,7 @@ std::optional<TiffValue> noteValue(const Value& value, std::optional<TiffType> s
   return noteNumbers(std::span(&value, 1), storedType, order);
 }
 
-// "17" -> 17; absent for what is no such key.
+/// "17" -> 17; absent for what is no such key.
 std::optional<std::uint16_t> tagOf(const Key& key) {
   const std::optional<std::string_view> text = key.text();
   if (!text) return std::nullopt;
@@ -115,7 +115,7 @@ std::optional<std::uint16_t> tagOf(const Key& key) {
   return tag;
 }
 
-// Version 1 in big-endian order, as phones write it.
+/// Version 1 in big-endian order, as phones write it.
 constexpr std::string_view newHeader("Apple iOS\0\0\1MM", directoryOffset);
 
 }  // namespace

@@ -5,9 +5,9 @@
 
 namespace FrameworkUtility::detail {
 
-// The convergents of the continued fraction, each of which is the best approximation with terms as
-// small as its own; at the limit the best of those in between (Knuth, The Art of Computer
-// Programming 4.5.3).
+/// The convergents of the continued fraction, each of which is the best approximation with terms as
+/// small as its own; at the limit the best of those in between (Knuth, The Art of Computer
+/// Programming 4.5.3).
 std::optional<Rational> nearestRational(double value, std::int64_t limit) {
   const double magnitude = std::abs(value);
   if (!(magnitude <= static_cast<double>(limit))) return std::nullopt;

@@ -12,13 +12,13 @@ namespace {
 
 bool isInline(const TiffRecord& record) { return record.value.size() <= tiffInlineSize; }
 
-// The bytes of the value that are not the record's own.
+/// The bytes of the value that are not the record's own.
 ByteRange placeOf(const TiffEntry& entry) {
   if (entry.value.size() <= tiffInlineSize) return {};
   return {entry.offset, entry.offset + entry.value.size()};
 }
 
-// Sorted, and each with a gap to the next.
+/// Sorted, and each with a gap to the next.
 std::vector<ByteRange> united(std::vector<ByteRange> ranges) {
   std::erase_if(ranges, [](const ByteRange& range) { return range.begin >= range.end; });
   std::sort(ranges.begin(), ranges.end(),
@@ -34,7 +34,7 @@ std::vector<ByteRange> united(std::vector<ByteRange> ranges) {
   return result;
 }
 
-// What `from` covers and `what` does not.
+/// What `from` covers and `what` does not.
 std::vector<ByteRange> without(const std::vector<ByteRange>& from,
                                const std::vector<ByteRange>& what) {
   std::vector<ByteRange> result;
@@ -50,8 +50,8 @@ std::vector<ByteRange> without(const std::vector<ByteRange>& from,
   return result;
 }
 
-// The bytes that may be written, those behind the end included. Found by their place and, the
-// tightest first, by their size.
+/// The bytes that may be written, those behind the end included. Found by their place and, the
+/// tightest first, by their size.
 class FreeSpace {
  public:
   FreeSpace(std::vector<ByteRange> ranges, std::uint64_t end) : end_(end) {
@@ -76,7 +76,7 @@ class FreeSpace {
     return true;
   }
 
-  // Values begin at even offsets, as TIFF asks.
+  /// Values begin at even offsets, as TIFF asks.
   std::uint64_t take(std::uint64_t size) {
     // The tightest may lack the byte before an even offset; one that has a byte more does not.
     for (std::uint64_t wanted : {size, size + 1}) {
@@ -138,7 +138,7 @@ class Layout {
                        [&](const ByteRange& claim) { return claim.overlaps(range); });
   }
 
-  // The header and the directories that have not grown. Those of a sound block do not overlap.
+  /// The header and the directories that have not grown. Those of a sound block do not overlap.
   void claimDirectories() {
     claims_.push_back({0, plan_.header.size()});
     for (std::size_t i = 0; i < plan_.directories.size(); ++i) {
@@ -156,8 +156,8 @@ class Layout {
     }
   }
 
-  // A damaged block's values may lie in its header and directories; they can stay there where these
-  // are to be as they were.
+  /// A damaged block's values may lie in its header and directories; they can stay there where
+  /// these are to be as they were.
   void findChanges() {
     const auto compare = [&](std::uint64_t at, std::span<const std::byte> stored) {
       const ByteRange place{at, at + stored.size()};
@@ -186,9 +186,9 @@ class Layout {
            (!(inPlace_ || record.pinned) || isChanged(record.place));
   }
 
-  // A sound block's values do not share bytes, so that what moves is never more than the source.
-  // Records that do cannot make a block grow without bound: the longest go, and those of the same
-  // tag behind them, which do not count.
+  /// A sound block's values do not share bytes, so that what moves is never more than the source.
+  /// Records that do cannot make a block grow without bound: the longest go, and those of the same
+  /// tag behind them, which do not count.
   void claimUnchangedValues() {
     std::vector<std::uint64_t> sizes;
     for (const TiffDirectory& directory : plan_.directories) {
@@ -242,7 +242,7 @@ class Layout {
     return FreeSpace(std::move(free), bytes_.size());
   }
 
-  // What has a place of its own comes first, lest something else takes it.
+  /// What has a place of its own comes first, lest something else takes it.
   void placeRest(FreeSpace& space) {
     for (std::size_t i = 0; i < plan_.directories.size(); ++i) {
       TiffDirectory& directory = plan_.directories[i];
@@ -289,7 +289,7 @@ class Layout {
     }
   }
 
-  // Each hands out what stands where, as far as it has been decided.
+  /// Each hands out what stands where, as far as it has been decided.
   template <class Write>
   void writeHeader(Write write) const {
     const std::span<const std::byte> header = plan_.header;
@@ -324,7 +324,7 @@ class Layout {
     bytes.put<std::uint32_t>(directory.next);
     writeBytes();
   }
-  // No block has this offset; it stands for one that is not decided yet.
+  /// No block has this offset; it stands for one that is not decided yet.
   static constexpr std::uint64_t undecided = UINT32_MAX;
   std::uint64_t offsetOf(std::size_t directory) const {
     return isPlaced_[directory] ? plan_.directories[directory].place.begin : undecided;

@@ -17,11 +17,11 @@ constexpr std::string_view dictionaryKey = "{IPTC}";
 constexpr std::string_view signature = "8BIM";
 
 constexpr std::uint16_t iptcRecord = 0x0404;
-// MD5 of the record as it was when XMP was last brought in line with it. It goes when the record
-// changes: without it readers take XMP, which has changed alike, and IPTC for the rest.
+/// MD5 of the record as it was when XMP was last brought in line with it. It goes when the record
+/// changes: without it readers take XMP, which has changed alike, and IPTC for the rest.
 constexpr std::uint16_t iptcDigest = 0x0425;
 
-// Belongs to the old pixels, and must not travel to new ones.
+/// Belongs to the old pixels, and must not travel to new ones.
 constexpr bool isObsolete(std::uint16_t number) {
   constexpr std::uint16_t thumbnail4 = 0x0409, thumbnail = 0x040C, iccProfile = 0x040F;
   return number == thumbnail4 || number == thumbnail || number == iccProfile;
@@ -36,7 +36,7 @@ struct Resource {
 
 constexpr std::size_t padded(std::size_t size) { return size + size % 2; }
 
-// The resource that the bytes begin with; absent at their end or where they are damaged.
+/// The resource that the bytes begin with; absent at their end or where they are damaged.
 std::optional<Resource> firstResource(std::span<const std::byte> bytes) {
   Resource resource;
   ByteReader reader(bytes);
@@ -57,8 +57,8 @@ void putResource(ByteWriter& out, std::span<const std::byte> header,
   out.put(header).putNumber(data.size(), 4).put(data).putNumber(0, data.size() % 2);
 }
 
-// Calls `visit` with each resource up to the first that is damaged, or until it returns false;
-// gives the bytes that follow.
+/// Calls `visit` with each resource up to the first that is damaged, or until it returns false;
+/// gives the bytes that follow.
 template <class Visitor>
 std::span<const std::byte> forEachResource(std::span<const std::byte> bytes, Visitor visit) {
   while (const std::optional<Resource> resource = firstResource(bytes)) {

@@ -97,7 +97,7 @@ struct Dataset {
   }
 };
 
-// The dataset that a record begins with; absent at its end or where it is damaged.
+/// The dataset that a record begins with; absent at its end or where it is damaged.
 std::optional<Dataset> firstDataset(std::span<const std::byte> record) {
   ByteReader reader(record);
   if (reader.take<std::uint8_t>() != tagMarker) return std::nullopt;
@@ -168,7 +168,7 @@ Dictionary entriesOf(const Record& record, MetadataBudget& budget) {
   return entries;
 }
 
-// What an entry would store; nothing for values that are no text.
+/// What an entry would store; nothing for values that are no text.
 std::vector<std::string> textsOf(const Value* value) {
   std::vector<std::string> texts;
   const auto append = [&](const Value& element) {
@@ -193,7 +193,7 @@ void putDataset(ByteWriter& out, std::uint8_t record, std::uint8_t number, std::
   out.put(data);
 }
 
-// One dataset of the new record: kept bytes, or a text that is written.
+/// One dataset of the new record: kept bytes, or a text that is written.
 struct Planned {
   std::uint8_t record = 0;
   std::uint8_t number = 0;
@@ -201,8 +201,8 @@ struct Planned {
   std::string text;
 };
 
-// The datasets in their order, with the changed ones where the first of their kind stood, or else
-// before those of higher numbers.
+/// The datasets in their order, with the changed ones where the first of their kind stood, or else
+/// before those of higher numbers.
 std::vector<Planned> plannedDatasets(const Record& record, const Dictionary& before,
                                      const Dictionary& after) {
   std::vector<Planned> plan;
@@ -243,7 +243,7 @@ bool isMarkedUtf8(const Record& record) {
   });
 }
 
-// Marks the record, and writes anew in UTF-8 the known texts that were kept.
+/// Marks the record, and writes anew in UTF-8 the known texts that were kept.
 void convertToUtf8(std::vector<Planned>& plan) {
   for (Planned& each : plan) {
     if (each.kept.empty() || each.record != applicationRecord || !findMapping(each.number)) {

@@ -18,7 +18,7 @@ XmlWalk::XmlWalk(std::string_view packet)
 
 XmlWalk::~XmlWalk() = default;
 
-// No exception may pass through expat's frames.
+/// No exception may pass through expat's frames.
 template <class Handler>
 void XmlWalk::guarded(Handler handler) {
   if (isRefused_) return;

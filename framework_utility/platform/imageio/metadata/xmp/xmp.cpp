@@ -13,7 +13,7 @@
 namespace FrameworkUtility::detail {
 namespace {
 
-// A packet as UTF-8, and the way back to its own encoding.
+/// A packet as UTF-8, and the way back to its own encoding.
 class PacketText {
  public:
   explicit PacketText(std::span<const std::byte> packet) {
@@ -60,7 +60,7 @@ class PacketText {
   std::optional<std::endian> utf16_;
 };
 
-// Changes to be made in a text, all at once in the end, so that places stay what they are.
+/// Changes to be made in a text, all at once in the end, so that places stay what they are.
 class TextEdits {
  public:
   explicit TextEdits(std::string_view text) : text_(text) {}
@@ -100,9 +100,9 @@ std::string escaped(std::string_view text) {
   return out;
 }
 
-// `texts` as members of the array that `items` are now, under the first one's name and with the
-// white space that stands between them, as long as those are short: a tag can have attributes, a
-// name or blanks by the megabyte, which must not be there once for each text.
+/// `texts` as members of the array that `items` are now, under the first one's name and with the
+/// white space that stands between them, as long as those are short: a tag can have attributes, a
+/// name or blanks by the megabyte, which must not be there once for each text.
 std::string rewrittenItems(std::string_view packet, const std::vector<XmpItem>& items,
                            const std::vector<std::string>& texts) {
   constexpr std::size_t enough = 64;
@@ -131,7 +131,7 @@ std::string rewrittenItems(std::string_view packet, const std::vector<XmpItem>& 
   return out;
 }
 
-// Makes the property say `texts`; takes it away where it cannot.
+/// Makes the property say `texts`; takes it away where it cannot.
 void setTexts(TextEdits& edits, std::string_view packet, const XmpProperty& property,
               const std::vector<std::string>& texts) {
   if (texts == property.texts() && property.isEditable) return;
@@ -153,7 +153,7 @@ void setTexts(TextEdits& edits, std::string_view packet, const XmpProperty& prop
   }
 }
 
-// The entry, null when it is missing. The orientation at the top level is the one that counts.
+/// The entry, null when it is missing. The orientation at the top level is the one that counts.
 const Value* findEntry(const Dictionary& properties, std::string_view dictionary,
                        std::string_view key) {
   if (key.empty()) return nullptr;

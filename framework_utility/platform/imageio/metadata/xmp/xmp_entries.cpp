@@ -21,7 +21,7 @@ std::optional<double> parseInteger(std::string_view text) {
                                                                                  : std::nullopt;
 }
 
-// As EXIF's numbers are read: an integer when it is one.
+/// As EXIF's numbers are read: an integer when it is one.
 Value valueOfNumber(double number) {
   if (number == std::trunc(number) && std::abs(number) <= 0x1p53) {
     return Value(static_cast<std::int64_t>(number));
@@ -29,7 +29,7 @@ Value valueOfNumber(double number) {
   return Value(number);
 }
 
-// Absent unless every text is a number.
+/// Absent unless every text is a number.
 std::optional<Array> arrayOfNumbers(std::span<const std::string> texts,
                                     std::optional<double> (*parse)(std::string_view)) {
   Array array;
@@ -51,13 +51,13 @@ std::vector<std::string> splitAtBlanks(std::string_view text) {
   return words;
 }
 
-// "12:30:15" as "123015".
+/// "12:30:15" as "123015".
 std::string withoutColons(std::string text) {
   std::erase(text, ':');
   return text;
 }
 
-// The other way, "20240501" and "123015+0200" as an XMP date; empty when they are no date.
+/// The other way, "20240501" and "123015+0200" as an XMP date; empty when they are no date.
 std::string dateOfIptc(std::string_view day, std::string_view time) {
   if (day.size() != 8) return {};
   std::string text;
@@ -71,7 +71,7 @@ std::string dateOfIptc(std::string_view day, std::string_view time) {
   return date ? xmpDate(*date) : std::string();
 }
 
-// An integer or rational as XMP says it; absent for a number that has no such form.
+/// An integer or rational as XMP says it; absent for a number that has no such form.
 std::optional<std::string> textOfNumber(const Number& number, XmpForm form) {
   const double value = number.doubleValue();
   if (form == rational || form == rationals) return xmpRational(value);
@@ -79,7 +79,7 @@ std::optional<std::string> textOfNumber(const Number& number, XmpForm form) {
   return std::to_string(static_cast<std::int64_t>(value));
 }
 
-// A look at the entries of one mapping.
+/// A look at the entries of one mapping.
 class Entries {
  public:
   Entries(const XmpMapping& mapping, const Dictionary& dictionary)
@@ -101,7 +101,7 @@ class Entries {
   const Dictionary& dictionary_;
 };
 
-// The texts of an array, or of the single value that stands for one. Empty if one cannot be said.
+/// The texts of an array, or of the single value that stands for one. Empty if one cannot be said.
 std::vector<std::string> textsOfList(const Value& value, XmpForm form) {
   std::vector<std::string> texts;
   const auto append = [&](const Value& element) {
@@ -125,7 +125,7 @@ std::vector<std::string> textsOfList(const Value& value, XmpForm form) {
   return texts;
 }
 
-// The one text of a property that is no list; absent when the entries cannot be said.
+/// The one text of a property that is no list; absent when the entries cannot be said.
 std::optional<std::string> textOfEntries(XmpForm form, const Entries& entries) {
   const Number* number = entries.number();
   std::string text;

@@ -10,9 +10,9 @@ using enum XmpForm;
 constexpr std::string_view tiff = "{TIFF}", exif = "{Exif}", gps = "{GPS}", iptc = "{IPTC}",
                            aux = "{ExifAux}";
 
-// XMP specification part 2: the TIFF and EXIF schemas. What describes the encoding of the pixels or
-// of the EXIF block itself (Compression, ExifVersion, ...) is left out: of another file it is
-// wrong.
+/// XMP specification part 2: the TIFF and EXIF schemas. What describes the encoding of the pixels
+/// or of the EXIF block itself (Compression, ExifVersion, ...) is left out: of another file it is
+/// wrong.
 constexpr XmpMapping tiffProperties[] = {
     {"Make", text, tiff, "Make"},
     {"Model", text, tiff, "Model"},
@@ -97,7 +97,7 @@ constexpr XmpMapping exifProperties[] = {
     {"GPSDifferential", integer, gps, "Differential"},
 };
 
-// CIPA DC-010: what EXIF 2.3 added.
+/// CIPA DC-010: what EXIF 2.3 added.
 constexpr XmpMapping exifExProperties[] = {
     {"PhotographicSensitivity", integers, exif, "ISOSpeedRatings"},
     {"SensitivityType", integer, exif, "SensitivityType"},
@@ -124,7 +124,7 @@ constexpr XmpMapping auxProperties[] = {
     {"Firmware", text, aux, "Firmware"},
 };
 
-// IPTC Photo Metadata Standard: the core properties and the IIM datasets that they continue.
+/// IPTC Photo Metadata Standard: the core properties and the IIM datasets that they continue.
 constexpr XmpMapping dublinCoreProperties[] = {
     {"creator", list, iptc, "Byline"},
     {"subject", list, iptc, "Keywords"},
@@ -150,7 +150,8 @@ constexpr XmpMapping iptcCoreProperties[] = {
     {"CountryCode", text, iptc, "Country/PrimaryLocationCode"},
 };
 
-// The dates and the tool of this schema are those of the file, not of the photo: they fill nothing.
+/// The dates and the tool of this schema are those of the file, not of the photo: they fill
+/// nothing.
 constexpr XmpMapping basicProperties[] = {
     {"Rating", integer, iptc, "StarRating"},
     {"Thumbnails", obsolete},
@@ -166,7 +167,7 @@ struct Namespace {
   XmpUse use = XmpUse::merging;
 };
 
-// What is read is merged too.
+/// What is read is merged too.
 bool isUsedFor(const Namespace& space, XmpUse use) {
   return use == XmpUse::merging || space.use == XmpUse::reading;
 }

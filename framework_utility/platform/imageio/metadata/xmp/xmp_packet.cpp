@@ -15,7 +15,7 @@ constexpr std::string_view rdfSeq = "http://www.w3.org/1999/02/22-rdf-syntax-ns#
                            rdfItem = "http://www.w3.org/1999/02/22-rdf-syntax-ns#|li",
                            xmlLanguage = "http://www.w3.org/XML/1998/namespace|lang";
 
-// What an open element is to us.
+/// What an open element is to us.
 enum class Node : std::uint8_t { outside, rdf, description, property, array, item, ignored };
 
 class PacketParser : XmlWalk {
@@ -29,7 +29,7 @@ class PacketParser : XmlWalk {
   }
 
  private:
-  // Whether one property or item more may be kept.
+  /// Whether one property or item more may be kept.
   bool isWithinCount() {
     if (++count_ > maximumCount) refuse();
     return !isRefused();
@@ -113,7 +113,7 @@ class PacketParser : XmlWalk {
     for (XmpItem& item : property.items) item.text = {};
   }
 
-  // expat gives the attributes less the declarations of namespaces.
+  /// expat gives the attributes less the declarations of namespaces.
   void addAttributes(const char** attributes) {
     forEachAttribute([&](const XmlAttribute& attribute) {
       if (attribute.name == "xmlns" || attribute.name.starts_with("xmlns:")) return;

@@ -22,7 +22,7 @@ std::string_view trimmed(std::string_view text) {
   return text.substr(begin, text.find_last_not_of(blanks) - begin + 1);
 }
 
-// The whole text as a finite decimal number.
+/// The whole text as a finite decimal number.
 std::optional<double> parseDecimal(std::string_view text) {
   double number = 0;
   const char* const end = text.data() + text.size();
@@ -33,7 +33,7 @@ std::optional<double> parseDecimal(std::string_view text) {
   return number;
 }
 
-// Takes a text apart from the left.
+/// Takes a text apart from the left.
 class Scanner {
  public:
   explicit Scanner(std::string_view text) : rest_(text) {}
