@@ -5,6 +5,7 @@
 #include <framework_utility/platform/imageio/metadata/exif/exif_directories.h>
 #include <framework_utility/platform/imageio/metadata/exif/tiff_structure.h>
 #include <framework_utility/platform/imageio/metadata/metadata_codec.h>
+#include <tests/support/files.h>
 
 #include <algorithm>
 #include <bit>
@@ -25,11 +26,6 @@ using namespace std::string_view_literals;
 using detail::TiffReader;
 using detail::TiffType;
 using Bytes = std::vector<std::byte>;
-
-inline Bytes bytesOf(std::string_view text) {
-  const auto bytes = std::as_bytes(std::span(text));
-  return {bytes.begin(), bytes.end()};
-}
 
 /// Puts a big-endian number over what stands at `at`.
 inline void store(Bytes& block, std::size_t at, std::uint64_t number, std::size_t size) {

@@ -1,3 +1,4 @@
+#include <framework_utility/platform/foundation/values/byte_reader.h>
 #include <tests/platform/imageio/metadata/exif_block.h>
 
 #include <gtest/gtest.h>
@@ -18,8 +19,7 @@ constexpr double nan = std::numeric_limits<double>::quiet_NaN();
 constexpr double infinity = std::numeric_limits<double>::infinity();
 
 bool contains(const Bytes& block, std::string_view text) {
-  const Bytes part = bytesOf(text);
-  return std::search(block.begin(), block.end(), part.begin(), part.end()) != block.end();
+  return detail::asText(block).find(text) != std::string_view::npos;
 }
 
 Dictionary merged(const Bytes& block, const Dictionary& properties) {
@@ -56,8 +56,8 @@ TEST(ExifWriteTest, OnlyWhatTheThumbnailOwnsIsZeroed) {
   // to need it.
   Bytes sound = photograph(std::endian::big, foreignNote).bytes();
   const std::size_t end = sound.size();
-  const Bytes tail = bytesOf(std::string(300, 't') + " of a note's own directory");
-  sound.insert(sound.end(), tail.begin(), tail.end());
+  const std::string tail = std::string(300, 't') + " of a note's own directory";
+  sound.insert(sound.end(), bytesOf(tail).begin(), bytesOf(tail).end());
   const auto reader = TiffReader::open(sound);
   const std::size_t second = reader->nextDirectory(reader->firstDirectory());
   // In the thumbnail's directory: two records of tag, type, count and value.
@@ -319,8 +319,7 @@ TEST(ExifWriteTest, OfATiffFileOnlyTheMetadataTravels) {
                 {0x117, longs(pixels.size())},
                 {0x8773, opaque("an ICC profile")}};
   Bytes block = file.bytes();
-  const Bytes data = bytesOf(pixels);
-  block.insert(block.end(), data.begin(), data.end());
+  block.insert(block.end(), bytesOf(pixels).begin(), bytesOf(pixels).end());
   const Bytes saved = mergeExif(block, readExif(block), {});
   EXPECT_FALSE(contains(saved, "pixels"));
   EXPECT_EQ(readExif(saved), (Dictionary{{"{TIFF}", Dictionary{{"Software", "Pelvar"}}}}));
