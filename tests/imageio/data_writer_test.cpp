@@ -2,6 +2,7 @@
 
 #include <framework_utility/platform/foundation/files/files.h>
 #include <tests/imageio/pictures.h>
+#include <tests/support/files.h>
 #include <tests/support/is_error.h>
 
 #include <gmock/gmock.h>
@@ -12,42 +13,36 @@
 namespace FrameworkUtility {
 namespace {
 
-using testing::IsError;
+using namespace testing;
 using ::testing::MatchesRegex;
-
-const std::string hex = "[0-9A-F]";
-const std::string uuid = hex + "{8}-" + hex + "{4}-" + hex + "{4}-" + hex + "{4}-" + hex + "{12}";
-
-std::span<const std::byte> bytes(std::string_view text) { return std::as_bytes(std::span(text)); }
 
 TEST(DataWriterTest, WritesUnderAUuidInAFolderOfItsOwn) {
   const std::string session = temporaryDirectory() + "Data-1/";
+  const std::string uuid = "[0-9A-F]{8}(-[0-9A-F]{4}){3}-[0-9A-F]{12}";
   for (const auto& [type, extension] : {std::pair{UTTypePNG, "\\.png"}, {UTTypeData, ""}}) {
-    const std::optional<URL> written = writeToDisk(bytes("abc"), type, "Data-1");
+    const std::optional<URL> written = writeToDisk(bytesOf("abc"), type, "Data-1");
     ASSERT_TRUE(written);
     const std::string path = written->path().value();
     ASSERT_TRUE(path.starts_with(session)) << path;
     EXPECT_THAT(path.substr(session.size()), MatchesRegex(uuid + "/" + uuid + extension));
-    EXPECT_EQ(testing::readFile(path), Data(bytes("abc")));
+    EXPECT_EQ(readFile(path), Data(bytesOf("abc")));
   }
-  EXPECT_EQ(testing::namesIn(session).size(), 2u);
+  EXPECT_EQ(namesIn(session).size(), 2u);
 }
 
 TEST(DataWriterTest, EveryFailureHasItsErrorAndLeavesNoFile) {
-  Error error;
-  EXPECT_FALSE(writeToDisk(bytes("abc"), std::nullopt, "Data-2", &error));
-  EXPECT_THAT(error, IsError(NSDataWriteToDiskError::noType));
+  const auto errorOf = [](const std::optional<UTType>& type, std::string_view identifier) {
+    Error error;
+    EXPECT_FALSE(writeToDisk(bytesOf("abc"), type, identifier, &error));
+    return error;
+  };
+  EXPECT_THAT(errorOf(std::nullopt, "Data-2"), IsError(NSDataWriteToDiskError::noType));
   EXPECT_FALSE(std::filesystem::exists(temporaryDirectory() + "Data-2"));
-
   for (const std::string_view identifier : {"", "..", "../Data-2", "a/../../Data-2"}) {
-    SCOPED_TRACE(identifier);
-    EXPECT_FALSE(writeToDisk(bytes("abc"), UTTypePNG, identifier, &error));
-    EXPECT_THAT(error, IsError(NSDataWriteToDiskError::noFolder));
+    EXPECT_THAT(errorOf(UTTypePNG, identifier), IsError(NSDataWriteToDiskError::noFolder));
   }
-
-  testing::writeFile(temporaryDirectory() + "Data-3", Data(bytes("a file, no folder")));
-  EXPECT_FALSE(writeToDisk(bytes("abc"), UTTypePNG, "Data-3", &error));
-  EXPECT_THAT(error, IsError(NSDataWriteToDiskError::writeFailed));
+  writeFile(temporaryDirectory() + "Data-3", Data(bytesOf("a file, no folder")));
+  EXPECT_THAT(errorOf(UTTypePNG, "Data-3"), IsError(NSDataWriteToDiskError::writeFailed));
 }
 
 }  // namespace

@@ -3,10 +3,10 @@
 #include <framework_utility/platform/foundation/archives/keyed_unarchiver.h>
 #include <framework_utility/platform/foundation/archives/uuid.h>
 #include <framework_utility/platform/foundation/property_lists/property_list.h>
-#include <tests/imageio/pictures.h>
 #include <tests/support/archives.h>
 #include <tests/support/is_error.h>
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <string>
@@ -16,6 +16,7 @@ namespace FrameworkUtility {
 namespace {
 
 using namespace testing;
+using ::testing::ElementsAre;
 
 std::optional<Data> archived(const KvImageMetadata& metadata, Error* error = nullptr) {
   return NSKeyedArchiver::archivedDataWithRootObject(boxed(metadata), SecureCoding::required,
@@ -39,79 +40,64 @@ std::vector<std::string> keysIn(const Data& archive) {
   return keys;
 }
 
-TEST(KvImageMetadataCodingTest, APhotosMetadataComesBackWithItsKinds) {
-  auto metadata = KvImageMetadata::withData(encoded(
-      redAndBlue(40, 30), "public.jpeg",
-      Dictionary{
-          {"Orientation", 6},
-          {"{Exif}", Dictionary{{"FNumber", 1.8}, {"ISOSpeedRatings", Value(Array{100})}}}}));
-  ASSERT_TRUE(metadata);
-  Dictionary properties = *metadata->properties();
-  properties.set("own", Value(Array{Value(), Date(), URL::fileURLWithPath("/a"), 0.1F, true,
-                                    Dictionary{{17, "text"}}}));
-  metadata->setProperties(properties);
-  metadata->setAuxiliaryDataInfoDepth(
-      Dictionary{{"data", encoded(redAndBlue(1, 1), "public.png")}});
-  metadata->setAuxiliaryDataInfoDisparity(Dictionary{{"kind", "disparity"}});
-  metadata->setAuxiliaryDataInfoMatte(Dictionary());
-  metadata->setVideoCodecName("hvc1");
+void expectSame(const KvImageMetadata& a, const KvImageMetadata& b) {
+  EXPECT_EQ(a.properties(), b.properties());
+  EXPECT_EQ(a.auxiliaryDataInfoDepth(), b.auxiliaryDataInfoDepth());
+  EXPECT_EQ(a.auxiliaryDataInfoDisparity(), b.auxiliaryDataInfoDisparity());
+  EXPECT_EQ(a.auxiliaryDataInfoMatte(), b.auxiliaryDataInfoMatte());
+  EXPECT_EQ(a.videoCodecName(), b.videoCodecName());
+}
 
-  const auto data = archived(*metadata);
-  ASSERT_TRUE(data);
-  EXPECT_EQ(keysIn(*data), (std::vector<std::string>{
-                               "properties", "auxiliaryDataInfoDepth", "auxiliaryDataInfoMatte",
-                               "auxiliaryDataInfoDisparity", "videoCodecName", "$class"}));
-  const auto again = unarchived(*data);
+TEST(KvImageMetadataCodingTest, WhatIsThereComesBackWithItsKinds) {
+  const Dictionary exif{{"FNumber", 1.8}, {"ISOSpeedRatings", Value(Array{100})}};
+  const Array own{Value(), Date(), URL::fileURLWithPath("/a"),
+                  0.1F,    true,   Dictionary{{17, "text"}}};
+  KvImageMetadata metadata =
+      KvImageMetadata::withProperties(Dictionary{{"{Exif}", exif}, {"own", Value(own)}});
+  metadata.setAuxiliaryDataInfoDepth(Dictionary{{"data", Data(std::vector<std::byte>(9))}});
+  metadata.setAuxiliaryDataInfoDisparity(Dictionary{{"kind", "disparity"}});
+  metadata.setAuxiliaryDataInfoMatte(Dictionary());
+  metadata.setVideoCodecName("hvc1");
+  const Data data = archived(metadata).value();
+  EXPECT_THAT(keysIn(data),
+              ElementsAre("properties", "auxiliaryDataInfoDepth", "auxiliaryDataInfoMatte",
+                          "auxiliaryDataInfoDisparity", "videoCodecName", "$class"));
+  const auto again = unarchived(data);
   ASSERT_TRUE(again);
-  EXPECT_EQ(again->properties(), metadata->properties());
-  EXPECT_EQ(again->auxiliaryDataInfoDepth(), metadata->auxiliaryDataInfoDepth());
-  EXPECT_EQ(again->auxiliaryDataInfoDisparity(), metadata->auxiliaryDataInfoDisparity());
-  EXPECT_EQ(again->auxiliaryDataInfoMatte(), Dictionary());
-  EXPECT_EQ(again->videoCodecName(), "hvc1");
-  const Array& own = *again->properties()->get<Array>("own");
-  EXPECT_TRUE(own[3].as<Number>()->isSinglePrecision());
-  EXPECT_EQ(own[4].as<Number>()->kind(), Number::Kind::boolean);
+  expectSame(*again, metadata);
+  const Array& kinds = *again->properties()->get<Array>("own");
+  EXPECT_TRUE(kinds[3].as<Number>()->isSinglePrecision());
+  EXPECT_EQ(kinds[4].as<Number>()->kind(), Number::Kind::boolean);
 }
 
 TEST(KvImageMetadataCodingTest, AbsentFieldsAreNotWrittenAndStayAbsent) {
   KvImageMetadata metadata;
-  EXPECT_EQ(keysIn(*archived(metadata)), (std::vector<std::string>{"properties", "$class"}));
-  EXPECT_EQ(unarchived(*archived(metadata))->properties(), Dictionary());
+  EXPECT_THAT(keysIn(*archived(metadata)), ElementsAre("properties", "$class"));
+  expectSame(unarchived(*archived(metadata)).value(), metadata);
   metadata.setProperties(std::nullopt);
-  EXPECT_EQ(keysIn(*archived(metadata)), std::vector<std::string>{"$class"});
-  const auto again = unarchived(*archived(metadata));
-  ASSERT_TRUE(again);
-  EXPECT_EQ(again->properties(), std::nullopt);
-  EXPECT_EQ(again->auxiliaryDataInfoDepth(), std::nullopt);
-  EXPECT_EQ(again->auxiliaryDataInfoDisparity(), std::nullopt);
-  EXPECT_EQ(again->auxiliaryDataInfoMatte(), std::nullopt);
-  EXPECT_EQ(again->videoCodecName(), std::nullopt);
+  EXPECT_THAT(keysIn(*archived(metadata)), ElementsAre("$class"));
+  expectSame(unarchived(*archived(metadata)).value(), metadata);
 }
 
 TEST(KvImageMetadataCodingTest, WhatIsOfAnotherKindIsAbsent) {
-  const auto with = [](const Value& properties, const Value& codec) {
-    return unarchived(archiveOf({Dictionary{{"properties", properties},
-                                            {"auxiliaryDataInfoMatte", reference(3)},
-                                            {"videoCodecName", codec},
-                                            {"$class", reference(2)}},
-                                 classRecord("KvImageMetadata"), "text", 5, Data(),
-                                 Dictionary{{"NS.keys", references({3})},
-                                            {"NS.objects", references({4})},
-                                            {"$class", reference(7)}},
-                                 classRecord("NSDictionary")}));
-  };
-  for (const unsigned other : {0U, 3U, 4U, 5U}) {
-    const auto metadata = with(reference(other), reference(3));
+  // As objects: null, this, its class, a text, a number, bytes, a dictionary and its class.
+  constexpr unsigned text = 3, dictionary = 6;
+  for (unsigned other = 0; other <= dictionary; ++other) {
+    if (other == 1 || other == 2) continue;
+    const auto metadata =
+        unarchived(archiveOf({Dictionary{{"properties", reference(other)},
+                                         {"auxiliaryDataInfoMatte", reference(other)},
+                                         {"videoCodecName", reference(other)},
+                                         {"$class", reference(2)}},
+                              classRecord("KvImageMetadata"), "text", 5, Data(),
+                              Dictionary{{"NS.keys", references({3})},
+                                         {"NS.objects", references({4})},
+                                         {"$class", reference(7)}},
+                              classRecord("NSDictionary")}));
     ASSERT_TRUE(metadata) << other;
-    EXPECT_EQ(metadata->properties(), std::nullopt);
-    EXPECT_EQ(metadata->auxiliaryDataInfoMatte(), std::nullopt);
-    EXPECT_EQ(metadata->videoCodecName(), "text");
-  }
-  for (const unsigned other : {0U, 4U, 5U, 6U}) {
-    const auto metadata = with(reference(6), reference(other));
-    ASSERT_TRUE(metadata) << other;
-    EXPECT_EQ(metadata->properties(), (Dictionary{{"text", 5}}));
-    EXPECT_EQ(metadata->videoCodecName(), std::nullopt);
+    EXPECT_EQ(metadata->properties().has_value(), other == dictionary);
+    EXPECT_EQ(metadata->auxiliaryDataInfoMatte().has_value(), other == dictionary);
+    EXPECT_EQ(metadata->videoCodecName().has_value(), other == text);
   }
 }
 

@@ -18,91 +18,78 @@
 namespace FrameworkUtility {
 namespace {
 
-using testing::IsError;
+using namespace testing;
+using ::testing::ElementsAre;
 using ::testing::MatchesRegex;
-using testing::redAndBlue;
 
 class ImageWriterTest : public ::testing::Test {
  protected:
   std::string path(std::string_view name) const { return folder_.path(name); }
   URL url(std::string_view name) const { return URL::fileURLWithPath(path(name)); }
 
-  const testing::TemporaryFolder folder_;
+  const TemporaryFolder folder_;
   const CGImage image_ = redAndBlue(16, 8);
 };
 
 TEST_F(ImageWriterTest, TheTypesExtensionReplacesTheNames) {
-  struct Case {
-    std::string_view name;
-    std::optional<UTType> type;
-    std::string_view written, identifier;
-  };
-  for (const Case& c :
-       {Case{"photo.png", UTTypeJPEG, "photo.jpeg", "public.jpeg"},
-        Case{"photo.jpg", std::nullopt, "photo.jpeg", "public.jpeg"},
-        Case{"my.photo", UTTypePNG, "my.png", "public.png"},
-        Case{"v1.2 final", UTTypePNG, "v1.2 final.png", "public.png"},
-        Case{".hidden", UTTypePNG, ".hidden.png", "public.png"},
-        Case{"new/folder/100% #1?.jpg", UTTypeJPEG, "new/folder/100% #1?.jpeg", "public.jpeg"}}) {
-    SCOPED_TRACE(c.name);
-    EXPECT_EQ(writeCGImageToURL(image_, url(c.name), {.uti = c.type}), url(c.written));
-    const auto source = CGImageSource::createWithURL(url(c.written));
+  const auto expectWritten = [&](std::string_view name, const std::optional<UTType>& type,
+                                 std::string_view written) {
+    SCOPED_TRACE(name);
+    EXPECT_EQ(writeCGImageToURL(image_, url(name), {.uti = type}), url(written));
+    const auto source = CGImageSource::createWithURL(url(written));
     ASSERT_TRUE(source);
-    EXPECT_EQ(source->type(), c.identifier);
+    EXPECT_EQ(source->type(), type.value_or(UTTypeJPEG).identifier());
     EXPECT_EQ(source->imageAtIndex(0)->width(), 16u);
-  }
+  };
+  expectWritten("photo.png", UTTypeJPEG, "photo.jpeg");
+  expectWritten("photo.jpg", std::nullopt, "photo.jpeg");
+  expectWritten("my.photo", UTTypePNG, "my.png");
+  expectWritten("v1.2 final", UTTypePNG, "v1.2 final.png");
+  expectWritten(".hidden", UTTypePNG, ".hidden.png");
+  expectWritten("new/folder/100% #1?.jpg", UTTypeJPEG, "new/folder/100% #1?.jpeg");
 }
 
 TEST_F(ImageWriterTest, WhatIsInTheWayIsRemovedAFolderToo) {
   std::filesystem::create_directories(path("a.jpeg/with/content"));
   std::filesystem::create_symlink(path("kept"), path("b.jpeg"));
-  testing::writeFile(path("kept"), Data());
+  writeFile(path("kept"), Data());
   for (const char* name : {"a.jpeg", "b.jpeg"}) {
     EXPECT_TRUE(writeCGImageToURL(image_, url(name), {.uti = UTTypeJPEG}));
     EXPECT_TRUE(std::filesystem::is_regular_file(std::filesystem::symlink_status(path(name))));
   }
-  EXPECT_TRUE(testing::readFile(path("kept")).empty());
+  EXPECT_TRUE(readFile(path("kept")).empty());
 }
 
 TEST_F(ImageWriterTest, EveryFailureOfTheCoreHasItsError) {
-  testing::writeFile(path("file"), Data());
-  struct Case {
-    std::optional<CGImage> image;
-    URL url;
-    UTType type;
-    ErrorCode code;
-    std::string more = "";
-    std::string cause = Error().localizedDescription();
-  };
-  for (const Case& c :
-       {Case{std::nullopt, url("a.jpeg"), UTTypeImage, CGImageWriteToDiskError::imageIsNil},
-        Case{image_, url("a.jpeg"), UTTypeImage, CGImageWriteToDiskError::noExtension},
-        Case{image_, URL::withString("https://example.org/a.jpeg").value(), UTTypeJPEG,
-             CGImageWriteToDiskError::noExtension},
-        Case{image_, url("a.jpeg"), UTTypeWebP, CGImageWriteToDiskError::noDestination,
-             "org.webmproject.webp"},
-        Case{image_, url("file/a.jpeg"), UTTypeJPEG, CGImageWriteToDiskError::finalizeFailed, "",
-             Error("NSCocoaErrorDomain", NSFileWriteUnknownError).localizedDescription()},
-        Case{redAndBlue(65'501, 1), url("a.jpeg"), UTTypeJPEG,
-             CGImageWriteToDiskError::finalizeFailed, "",
-             "Maximum supported image dimension is 65500 pixels"}}) {
-    SCOPED_TRACE(c.code.message);
+  writeFile(path("file"), Data());
+  writeFile(path("a.jpeg"), Data());
+  writeFile(path("a.webp"), Data());
+  const auto errorOf = [](const std::optional<CGImage>& image, const URL& url, const UTType& type) {
     Error error;
-    EXPECT_FALSE(writeCGImageToURL(c.image, c.url, {.uti = c.type}, &error));
-    EXPECT_THAT(error, IsError(std::string(c.code.domain), c.code.code,
-                               std::string(c.code.message) + c.more));
-    const Error cause = error.underlyingError().value_or(Error());
-    EXPECT_EQ(cause.localizedDescription(), c.cause);
-  }
-  EXPECT_EQ(testing::namesIn(folder_.path()), std::vector<std::string>{"file"});
-}
-
-TEST_F(ImageWriterTest, AMissingImageLeavesTheOldFileAndAMissingEncoderDoesNot) {
-  testing::writeFile(path("a.jpeg"), Data());
-  testing::writeFile(path("a.webp"), Data());
-  EXPECT_FALSE(writeCGImageToURL(std::nullopt, url("a.jpeg")));
-  EXPECT_FALSE(writeCGImageToURL(image_, url("a.webp"), {.uti = UTTypeWebP}));
-  EXPECT_EQ(testing::namesIn(folder_.path()), std::vector<std::string>{"a.jpeg"});
+    EXPECT_FALSE(writeCGImageToURL(image, url, {.uti = type}, &error));
+    return error;
+  };
+  EXPECT_THAT(errorOf(std::nullopt, url("a"), UTTypeJPEG),
+              IsError(CGImageWriteToDiskError::imageIsNil));
+  EXPECT_THAT(errorOf(image_, url("a"), UTTypeImage),
+              IsError(CGImageWriteToDiskError::noExtension));
+  EXPECT_THAT(errorOf(image_, URL::withString("https://example.org/a").value(), UTTypeJPEG),
+              IsError(CGImageWriteToDiskError::noExtension));
+  const Error unfinished = errorOf(image_, url("file/a"), UTTypeJPEG);
+  EXPECT_THAT(unfinished, IsError(CGImageWriteToDiskError::finalizeFailed));
+  EXPECT_EQ(unfinished.underlyingError()->code(), NSFileWriteUnknownError);
+  // A missing image leaves the old file and a missing encoder does not.
+  EXPECT_THAT(namesIn(folder_.path()), ElementsAre("a.jpeg", "a.webp", "file"));
+  const ErrorCode& code = CGImageWriteToDiskError::noDestination;
+  EXPECT_THAT(errorOf(image_, url("a"), UTTypeWebP),
+              IsError(std::string(code.domain), code.code,
+                      std::string(code.message) + "org.webmproject.webp"));
+  EXPECT_THAT(namesIn(folder_.path()), ElementsAre("a.jpeg", "file"));
+  const Error tooWide = errorOf(redAndBlue(65'501, 1), url("a"), UTTypeJPEG);
+  EXPECT_THAT(tooWide, IsError(CGImageWriteToDiskError::finalizeFailed));
+  EXPECT_EQ(tooWide.underlyingError()->localizedDescription(),
+            "Maximum supported image dimension is 65500 pixels");
+  EXPECT_THAT(namesIn(folder_.path()), ElementsAre("file"));
 }
 
 TEST_F(ImageWriterTest, TheQualityStaysInTheCallersMetadata) {
@@ -136,42 +123,41 @@ TEST_F(ImageWriterTest, ThePathFormsAnswerThePathWritten) {
 }
 
 TEST_F(ImageWriterTest, EverySessionFileHasAFolderOfItsOwn) {
-  const std::string session = temporaryDirectory() + "Writer-1/";
-  for (const auto& [name, expected] :
-       {std::pair{std::optional<std::string_view>("photo.heic"), "photo.png"},
-        {std::nullopt, "[0-9A-F-]{36}\\.png"}}) {
+  const std::string session = temporaryDirectory() + "Writer-1/[0-9A-F-]{36}/";
+  const auto expectWritten = [&](std::optional<std::string_view> name,
+                                 const std::string& expected) {
     const std::optional<URL> written =
         writeToDiskWithFileName(UIImage(image_), name, "Writer-1", {.uti = UTTypePNG});
     ASSERT_TRUE(written);
-    const std::string written_path = written->path().value();
-    ASSERT_TRUE(written_path.starts_with(session)) << written_path;
-    EXPECT_THAT(written_path.substr(session.size()),
-                MatchesRegex(std::string("[0-9A-F-]{36}/") + expected));
-    EXPECT_TRUE(std::filesystem::exists(written_path));
-  }
+    EXPECT_THAT(written->path().value(), MatchesRegex(session + expected));
+    EXPECT_TRUE(std::filesystem::exists(written->path().value()));
+  };
+  expectWritten("photo.heic", "photo\\.png");
+  expectWritten(std::nullopt, "[0-9A-F-]{36}\\.png");
 }
 
 TEST_F(ImageWriterTest, EveryFailureOfTheSessionFormHasItsError) {
-  Error error;
+  const auto errorOf = [](const std::optional<CGImage>& image, std::string_view name,
+                          std::string_view identifier, const std::optional<UTType>& type) {
+    Error error;
+    EXPECT_FALSE(writeCGImageFileName(image, name, identifier, {.uti = type}, &error));
+    return error;
+  };
   // The type is asked for first, before the image and before any folder is made.
-  EXPECT_FALSE(writeCGImageFileName(std::nullopt, "photo", "Writer-2", {}, &error));
-  EXPECT_THAT(error, IsError(CGImageWriteToDiskError::noTypeForFileName));
-  EXPECT_FALSE(std::filesystem::exists(temporaryDirectory() + "Writer-2"));
-
+  EXPECT_THAT(errorOf(std::nullopt, "photo", "Writer-2", std::nullopt),
+              IsError(CGImageWriteToDiskError::noTypeForFileName));
   for (const auto& [identifier, name] : {std::pair{"", "photo"},
                                          {"../Writer-2", "photo"},
                                          {"a/../../Writer-2", "photo"},
                                          {"Writer-2", "../../../photo"},
                                          {"Writer-2", ".."}}) {
-    SCOPED_TRACE(std::string(identifier) + " " + name);
-    EXPECT_FALSE(writeCGImageFileName(image_, name, identifier, {.uti = UTTypeJPEG}, &error));
-    EXPECT_THAT(error, IsError(CGImageWriteToDiskError::noFolder));
+    EXPECT_THAT(errorOf(image_, name, identifier, UTTypeJPEG),
+                IsError(CGImageWriteToDiskError::noFolder))
+        << identifier << " " << name;
   }
+  EXPECT_THAT(errorOf(std::nullopt, "photo", "Writer-2", UTTypeJPEG),
+              IsError(CGImageWriteToDiskError::imageIsNil));
   EXPECT_FALSE(std::filesystem::exists(temporaryDirectory() + "Writer-2"));
-
-  EXPECT_FALSE(
-      writeCGImageFileName(std::nullopt, "photo", "Writer-2", {.uti = UTTypeJPEG}, &error));
-  EXPECT_THAT(error, IsError(CGImageWriteToDiskError::imageIsNil));
 }
 
 TEST_F(ImageWriterTest, WithoutAnEncoderHeicBecomesJpeg) {

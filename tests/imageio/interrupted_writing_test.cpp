@@ -8,6 +8,7 @@
 #include <framework_utility/platform/foundation/files/files.h>
 #include <framework_utility/platform/locale/locale.h>
 #include <tests/imageio/pictures.h>
+#include <tests/support/files.h>
 #include <tests/support/is_error.h>
 #include <tests/support/small_disk.h>
 #include <tests/support/temporary_folder.h>
@@ -29,37 +30,9 @@
 namespace FrameworkUtility {
 namespace {
 
-using testing::redAndBlue;
+using namespace testing;
 
-/// Runs `save` with each of its file operations failing in turn, alone or with all that follow.
-void failEachOperation(const std::function<void(bool forGood)>& save) {
-  FileManager& disk = FileManager::defaultManager();
-  for (const bool forGood : {false, true}) {
-    bool reached = true;
-    for (int failing = 0; reached; ++failing) {
-      int operation = 0;
-      const auto manager = makeFailingFileManager(
-          disk, [&](std::string_view, std::string_view) -> std::optional<Error> {
-            const int number = operation++;
-            if (number == failing || (forGood && number > failing)) return Error("disk", 28);
-            return std::nullopt;
-          });
-      const ScopedFileManager scope(*manager);
-      SCOPED_TRACE(::testing::Message() << "operation " << failing);
-      save(forGood);
-      reached = operation > failing;
-      ASSERT_LT(failing, 100);
-    }
-  }
-}
-
-bool isWhole(const std::string& file, std::size_t width) {
-  const auto source = CGImageSource::createWithData(testing::readFile(file));
-  const std::optional<CGImage> image = source ? source->imageAtIndex(0) : std::nullopt;
-  return image && image->width() == width;
-}
-
-/// What is in the folder, at any depth, and no folder itself.
+/// The folders of the session, or of the path, and what is in them at any depth.
 std::vector<std::string> filesIn(const std::string& folder) {
   std::vector<std::string> files;
   if (!std::filesystem::exists(folder)) return files;
@@ -69,65 +42,86 @@ std::vector<std::string> filesIn(const std::string& folder) {
   return files;
 }
 
-// While the disk lets it be removed, nothing of a save that fails stays, its folders neither.
-
-TEST(InterruptedWritingTest, AFailingDiskLeavesAWholeImageOrNone) {
-  const testing::TemporaryFolder folder;
-  const CGImage image = redAndBlue(64, 64);
-  failEachOperation([&](bool forGood) {
-    std::filesystem::remove_all(folder.path("new"));
-    const auto written =
-        writeCGImageToPath(image, folder.path("new/er/a.jpeg"), {.uti = UTTypeJPEG});
-    const std::vector<std::string> left = filesIn(folder.path("new"));
-    EXPECT_TRUE(written ? left == std::vector{*written} : forGood || left.empty());
-    for (const std::string& file : left) EXPECT_TRUE(isWhole(file, 64));
-    EXPECT_TRUE(forGood || std::filesystem::exists(folder.path("new")) == written.has_value());
-  });
+bool isWhole(const std::string& file, std::size_t width) {
+  const auto source = CGImageSource::createWithData(readFile(file));
+  const std::optional<CGImage> image = source ? source->imageAtIndex(0) : std::nullopt;
+  return image && image->width() == width;
 }
 
-TEST(InterruptedWritingTest, AFailingDiskLeavesAllBytesOrNone) {
-  const std::string session = temporaryDirectory() + "Interrupted-1";
-  const Data bytes(std::as_bytes(std::span("all of these bytes")));
-  failEachOperation([&](bool forGood) {
-    std::filesystem::remove_all(session);
-    const std::optional<URL> written = writeToDisk(bytes, UTTypeJPEG, "Interrupted-1");
-    const std::vector<std::string> left = filesIn(session);
-    EXPECT_TRUE(written ? left == std::vector{*written->path()} : forGood || left.empty());
-    for (const std::string& file : left) EXPECT_EQ(testing::readFile(file), bytes);
-    EXPECT_TRUE(forGood || std::filesystem::exists(session) == written.has_value());
-  });
+/// Runs `save`, which gives the path of what it wrote below `folder`, with each of its file
+/// operations failing in turn, alone or with all that follow. While the disk lets it be removed,
+/// nothing of a save that fails stays, its folders neither.
+void expectAllOrNothing(const std::string& folder,
+                        const std::function<std::optional<std::string>()>& save,
+                        const std::function<bool(const std::string&)>& isWholeFile) {
+  for (const bool forGood : {false, true}) {
+    bool reached = true;
+    for (int failing = 0; reached; ++failing) {
+      SCOPED_TRACE(::testing::Message() << "operation " << failing);
+      std::filesystem::remove_all(folder);
+      int operation = 0;
+      const auto manager =
+          makeFailingFileManager(FileManager::defaultManager(),
+                                 [&](std::string_view, std::string_view) -> std::optional<Error> {
+                                   const int number = operation++;
+                                   if (number == failing || (forGood && number > failing))
+                                     return Error("disk", 28);
+                                   return std::nullopt;
+                                 });
+      const ScopedFileManager scope(*manager);
+      const std::optional<std::string> written = save();
+      const std::vector<std::string> left = filesIn(folder);
+      EXPECT_TRUE(written ? left == std::vector{*written} : forGood || left.empty());
+      for (const std::string& file : left) EXPECT_TRUE(isWholeFile(file));
+      EXPECT_TRUE(forGood || std::filesystem::exists(folder) == written.has_value());
+      reached = operation > failing;
+      ASSERT_LT(failing, 100);
+    }
+  }
+}
+
+TEST(InterruptedWritingTest, AFailingDiskLeavesAWholeFileOrNone) {
+  const TemporaryFolder folder;
+  const CGImage image = redAndBlue(64, 64);
+  expectAllOrNothing(
+      folder.path("new"),
+      [&] { return writeCGImageToPath(image, folder.path("new/er/a.jpeg"), {.uti = UTTypeJPEG}); },
+      [](const std::string& file) { return isWhole(file, 64); });
+  const Data bytes(bytesOf("all of these bytes"));
+  expectAllOrNothing(
+      temporaryDirectory() + "Interrupted-1",
+      [&] {
+        const auto url = writeToDisk(bytes, UTTypeJPEG, "Interrupted-1");
+        return url ? url->path() : std::nullopt;
+      },
+      [&](const std::string& file) { return readFile(file) == bytes; });
 }
 
 /// Both writers tell a full disk as one, with the report of the disk that is full.
 TEST(InterruptedWritingTest, AFullDiskIsTheCauseOfWhatFails) {
   const std::string disk = temporaryDirectory();
-  const std::optional<bool> held = testing::runOnSmallDisk(disk, [&] {
+  const std::optional<bool> held = runOnSmallDisk(disk, [&] {
     const ScopedLocale english(Locale("en_US"));
-    const CGImage image = redAndBlue(4000, 500);
-    const std::vector<std::byte> bytes(1 << 20);
-    using Save = std::function<bool(Error*)>;
-    for (const auto& [code, save] :
-         {std::pair<ErrorCode, Save>{CGImageWriteToDiskError::finalizeFailed,
-                                     [&](Error* error) {
-                                       return writeCGImageToPath(image, disk + "new/er/a",
-                                                                 {.compressionQuality = 1}, error)
-                                           .has_value();
-                                     }},
-          {NSDataWriteToDiskError::writeFailed, [&](Error* error) {
-             return writeToDisk(bytes, UTTypeJPEG, "Full-1", error).has_value();
-           }}}) {
-      testing::writeFile(disk + "rest", Data(std::vector<std::byte>(250'000)));
+    const auto expectFull = [&](const ErrorCode& code, const auto& save) {
+      writeFile(disk + "rest", Data(std::vector<std::byte>(250'000)));
       Error error;
       EXPECT_FALSE(save(&error));
-      EXPECT_THAT(testing::namesIn(disk), ::testing::ElementsAre("rest"));
-      EXPECT_THAT(error, testing::IsError(code));
+      EXPECT_THAT(namesIn(disk), ::testing::ElementsAre("rest"));
+      EXPECT_THAT(error, IsError(code));
       const Error cause = error.underlyingError().value_or(Error());
       EXPECT_EQ(cause.code(), NSFileWriteOutOfSpaceError);
       EXPECT_THAT(cause.localizedDescription(),
                   ::testing::MatchesRegex("No space left on device .disk space used 2[0-9]+ KB, "
                                           "free [0-9]+ (bytes|KB), total 256 KB."));
       EXPECT_EQ(cause.underlyingError().value_or(Error()).code(), ENOSPC);
-    }
+    };
+    expectFull(CGImageWriteToDiskError::finalizeFailed, [&](Error* error) {
+      return writeCGImageToPath(redAndBlue(4000, 500), disk + "new/er/a", {.compressionQuality = 1},
+                                error);
+    });
+    expectFull(NSDataWriteToDiskError::writeFailed, [&](Error* error) {
+      return writeToDisk(std::vector<std::byte>(1 << 20), UTTypeJPEG, "Full-1", error);
+    });
   });
   if (!held) GTEST_SKIP() << "this system lets nobody mount a small disk";
   EXPECT_TRUE(*held);
@@ -147,7 +141,7 @@ int exitCode(pid_t child) {
 }
 
 TEST(InterruptedWritingTest, TwoProcessesThatSaveAtOnceLeaveOneWholeImage) {
-  const testing::TemporaryFolder folder;
+  const TemporaryFolder folder;
   const URL url = URL::fileURLWithPath(folder.path("a.jpeg"));
   const CGImage image = redAndBlue(200, 200);
   const auto save = [&] {
@@ -160,11 +154,11 @@ TEST(InterruptedWritingTest, TwoProcessesThatSaveAtOnceLeaveOneWholeImage) {
   EXPECT_EQ(exitCode(first), 0);
   EXPECT_EQ(exitCode(second), 0);
   EXPECT_TRUE(isWhole(folder.path("a.jpeg"), 200));
-  EXPECT_EQ(testing::namesIn(folder.path()), std::vector<std::string>{"a.jpeg"});
+  EXPECT_EQ(namesIn(folder.path()), std::vector<std::string>{"a.jpeg"});
 }
 
 TEST(InterruptedWritingTest, AKilledProcessLeavesAWholeImageOrNone) {
-  const testing::TemporaryFolder folder;
+  const TemporaryFolder folder;
   const URL url = URL::fileURLWithPath(folder.path("a.jpeg"));
   const CGImage image = redAndBlue(400, 400);
   for (int round = 0; round < 25; ++round) {
@@ -175,7 +169,7 @@ TEST(InterruptedWritingTest, AKilledProcessLeavesAWholeImageOrNone) {
     std::this_thread::sleep_for(std::chrono::microseconds(std::rand() % 20000));
     ASSERT_EQ(kill(child, SIGKILL), 0);
     EXPECT_EQ(exitCode(child), -1);
-    EXPECT_THAT(testing::namesIn(folder.path()), ::testing::Each("a.jpeg"));
+    EXPECT_THAT(namesIn(folder.path()), ::testing::Each("a.jpeg"));
     if (std::filesystem::exists(folder.path("a.jpeg"))) {
       EXPECT_TRUE(isWhole(folder.path("a.jpeg"), 400));
     }

@@ -5,7 +5,6 @@
 #include <framework_utility/platform/imageio/image_destination.h>
 
 #include <cstddef>
-#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -18,11 +17,6 @@ CGImage redAndBlue(std::size_t width, std::size_t height);
 /// The picture as a file of this type.
 Data encoded(const CGImage& image, std::string_view typeIdentifier,
              const Dictionary& properties = {});
-
-/// A JPEG file with an EXIF block that holds `software` and, in a private tag, `unknown`.
-Data jpegWithPrivateTag(std::string_view software, std::string_view unknown);
-
-bool contains(const Data& data, std::string_view text);
 
 void writeFile(const std::string& path, const Data& data);
 /// Empty when there is no file.

@@ -17,64 +17,66 @@ namespace {
 
 using ::testing::MatchesRegex;
 using ::testing::StartsWith;
+using Text = std::optional<std::string>;
 
-class Session : public UISceneSession {
- public:
-  explicit Session(std::string identifier) : identifier_(std::move(identifier)) {}
+struct Session : UISceneSession {
+  explicit Session(std::string name) : identifier(std::move(name)) {}
   std::string_view className() const override { return "Session"; }
-  std::string persistentIdentifier() const override { return identifier_; }
-
- private:
-  std::string identifier_;
+  std::string persistentIdentifier() const override { return identifier; }
+  std::string identifier;
 };
 
-class PlainDelegate : public UISceneDelegate {
- public:
+struct PlainDelegate : UISceneDelegate {
   std::string_view className() const override { return "PlainDelegate"; }
 };
 
-class NamingDelegate : public UISceneDelegate, public KvSceneDelegateProtocol {
- public:
-  explicit NamingDelegate(std::optional<std::string> prefix) : prefix_(std::move(prefix)) {}
-  std::string_view className() const override { return "NamingDelegate"; }
-  std::optional<std::string> identifierPrefix() const override { return prefix_; }
-
- private:
-  std::optional<std::string> prefix_;
+struct NamingDelegate : PlainDelegate, KvSceneDelegateProtocol {
+  explicit NamingDelegate(Text text) : prefix(std::move(text)) {}
+  Text identifierPrefix() const override { return prefix; }
+  Text prefix;
 };
 
-class Scene : public UIScene {
- public:
-  Scene(const UISceneSession* session, const UISceneDelegate* delegate)
-      : session_(session), delegate_(delegate) {}
+struct Scene : UIScene {
+  Scene(const UISceneSession* itsSession, const UISceneDelegate* itsDelegate)
+      : session_(itsSession), delegate_(itsDelegate) {}
   std::string_view className() const override { return "Scene"; }
   const UISceneSession* session() const override { return session_; }
   const UISceneDelegate* delegate() const override { return delegate_; }
-
- private:
   const UISceneSession* session_;
   const UISceneDelegate* delegate_;
 };
 
-class Controller : public UIViewController {
- public:
-  explicit Controller(const UIView* view) : view_(view) {}
+struct Controller : UIViewController {
+  explicit Controller(const UIView* itsView) : view(itsView) {}
   std::string_view className() const override { return "Controller"; }
-  const UIView* viewIfLoaded() const override { return view_; }
-
- private:
-  const UIView* view_;
+  const UIView* viewIfLoaded() const override { return view; }
+  const UIView* view;
 };
 
-class NamingController : public Controller, public KvSessionIdentifierProtocol {
- public:
-  NamingController(const UIView* view, std::optional<std::string> identifier)
-      : Controller(view), identifier_(std::move(identifier)) {}
-  std::optional<std::string> sessionIdentifier() const override { return identifier_; }
-
- private:
-  std::optional<std::string> identifier_;
+struct NamingController : Controller, KvSessionIdentifierProtocol {
+  NamingController(const UIView* itsView, Text text)
+      : Controller(itsView), identifier(std::move(text)) {}
+  Text sessionIdentifier() const override { return identifier; }
+  Text identifier;
 };
+
+std::string identifierOf(const UISceneSession* session, const UISceneDelegate* delegate) {
+  const Scene scene(session, delegate);
+  return KvSessionManager::sessionIdentifierForScene(&scene);
+}
+
+bool exists(const std::string& path) {
+  return std::filesystem::exists(std::filesystem::symlink_status(path));
+}
+
+/// The disk, where `operation` fails for the paths that end so.
+std::unique_ptr<FileManager> failing(const std::string& operation, const std::string& ending) {
+  return makeFailingFileManager(
+      FileManager::defaultManager(), [=](std::string_view asked, std::string_view path) {
+        return asked == operation && path.ends_with(ending) ? std::optional(Error("test", 1))
+                                                            : std::nullopt;
+      });
+}
 
 /// Fresh settings, as after an installation.
 class KvSessionManagerTest : public ::testing::Test {
@@ -91,13 +93,11 @@ class KvSessionManagerTest : public ::testing::Test {
 TEST_F(KvSessionManagerTest, TheGlobalIdentifierIsBareOnceAndAPathLater) {
   const std::string first = KvSessionManager::sessionIdentifierGlobal();
   EXPECT_THAT(first, MatchesRegex("SceneGlobal_[0-9A-F-]{36}"));
-  EXPECT_EQ(KvSessionManager::sessionIdentifierGlobal(), temporaryDirectory() + first);
-  EXPECT_EQ(KvSessionManager::sessionIdentifierGlobal(), temporaryDirectory() + first);
+  for (int i = 0; i < 2; ++i) {
+    EXPECT_EQ(KvSessionManager::sessionIdentifierGlobal(), temporaryDirectory() + first);
+  }
   EXPECT_EQ(UserDefaults::standardUserDefaults()->stringForKey("sessionTemporaryFolderPath"),
             first);
-}
-
-TEST_F(KvSessionManagerTest, AStoredNumberIsNoIdentifier) {
   UserDefaults::standardUserDefaults()->setObject(7, "sessionTemporaryFolderPath");
   EXPECT_THAT(KvSessionManager::sessionIdentifierGlobal(), StartsWith("SceneGlobal_"));
 }
@@ -116,28 +116,14 @@ TEST_F(KvSessionManagerTest, AScenePutsItsDelegatesPrefixInFront) {
   const Session session("ABC"), nameless("");
   const PlainDelegate plain;
   const NamingDelegate naming("Main"), empty(""), silent(std::nullopt);
-  struct Case {
-    const char* what;
-    const UISceneSession* session;
-    const UISceneDelegate* delegate;
-    std::string expected;
-  };
-  for (const Case& c : {Case{"named", &session, &naming, "MainABC"},
-                        Case{"an empty prefix is one", &session, &empty, "ABC"},
-                        Case{"no prefix", &session, &silent, "SceneUnknownABC"},
-                        Case{"no role", &session, &plain, "SceneUnknownABC"},
-                        Case{"no delegate", &session, nullptr, "SceneUnknownABC"},
-                        Case{"no identifier", &nameless, &naming, globalPath},
-                        Case{"no session", nullptr, &naming, globalPath}}) {
-    SCOPED_TRACE(c.what);
-    const Scene scene(c.session, c.delegate);
-    EXPECT_EQ(KvSessionManager::sessionIdentifierForScene(&scene), c.expected);
-
-    UIWindow window;
-    EXPECT_EQ(KvSessionManager::sessionIdentifierForView(&window), globalPath);  // no scene yet
-  }
+  EXPECT_EQ(identifierOf(&session, &naming), "MainABC");
+  EXPECT_EQ(identifierOf(&session, &empty), "ABC");  // an empty prefix is one
+  EXPECT_EQ(identifierOf(&session, &silent), "SceneUnknownABC");
+  EXPECT_EQ(identifierOf(&session, &plain), "SceneUnknownABC");
+  EXPECT_EQ(identifierOf(&session, nullptr), "SceneUnknownABC");
+  EXPECT_EQ(identifierOf(&nameless, &naming), globalPath);
+  EXPECT_EQ(identifierOf(nullptr, &naming), globalPath);
   EXPECT_EQ(KvSessionManager::sessionIdentifierForScene(nullptr), globalPath);
-  EXPECT_EQ(KvSessionManager::sessionIdentifierForView(nullptr), globalPath);
 }
 
 TEST_F(KvSessionManagerTest, AControllerNamesItsSessionOrItsWindowsSceneDoes) {
@@ -147,28 +133,22 @@ TEST_F(KvSessionManagerTest, AControllerNamesItsSessionOrItsWindowsSceneDoes) {
   const Scene scene(&session, &delegate);
   const auto view = std::make_shared<UIView>();
   const auto window = std::make_shared<UIWindow>();
-  window->setWindowScene(&scene);
   window->addSubview(view);
+  EXPECT_EQ(KvSessionManager::sessionIdentifierForView(view.get()), globalPath);  // no scene yet
+  window->setWindowScene(&scene);
   const UIView alone;
-
   EXPECT_EQ(KvSessionManager::sessionIdentifierForView(view.get()), "MainABC");
   EXPECT_EQ(KvSessionManager::sessionIdentifierForView(&alone), globalPath);
-  struct Case {
-    const char* what;
-    const UIView* view;
-    std::optional<std::string> identifier;
-    std::string expected;
+  EXPECT_EQ(KvSessionManager::sessionIdentifierForView(nullptr), globalPath);
+
+  const auto identifierFor = [](const UIViewController& controller) {
+    return KvSessionManager::sessionIdentifierForViewController(&controller);
   };
-  for (const Case& c : {Case{"its own", view.get(), "Mine", "Mine"},
-                        Case{"its scene's", view.get(), std::nullopt, "MainABC"},
-                        Case{"no scene", &alone, std::nullopt, globalPath},
-                        Case{"not loaded", nullptr, std::nullopt, globalPath}}) {
-    SCOPED_TRACE(c.what);
-    const NamingController controller(c.view, c.identifier);
-    EXPECT_EQ(KvSessionManager::sessionIdentifierForViewController(&controller), c.expected);
-  }
-  const Controller withoutRole(view.get());
-  EXPECT_EQ(KvSessionManager::sessionIdentifierForViewController(&withoutRole), globalPath);
+  EXPECT_EQ(identifierFor(NamingController(view.get(), "Mine")), "Mine");
+  EXPECT_EQ(identifierFor(NamingController(view.get(), std::nullopt)), "MainABC");
+  EXPECT_EQ(identifierFor(NamingController(&alone, std::nullopt)), globalPath);
+  EXPECT_EQ(identifierFor(NamingController(nullptr, std::nullopt)), globalPath);  // not loaded
+  EXPECT_EQ(identifierFor(Controller(view.get())), globalPath);
   EXPECT_EQ(KvSessionManager::sessionIdentifierForViewController(nullptr), globalPath);
 }
 
@@ -180,9 +160,7 @@ TEST_F(KvSessionManagerTest, AnExtensionAlwaysUsesTheGlobalIdentifier) {
         facts.executablePath = "/Apps/Pelvar.app/PlugIns/Edit.APPEX/Edit";
         setApplication(facts);
         const Session session("ABC");
-        const Scene scene(&session, nullptr);
-        const std::string identifier = KvSessionManager::sessionIdentifierForScene(&scene);
-        std::exit(identifier.starts_with("SceneGlobal_") ? 0 : 1);
+        std::exit(identifierOf(&session, nullptr).starts_with("SceneGlobal_") ? 0 : 1);
       },
       ::testing::ExitedWithCode(0), "");
 }
@@ -223,60 +201,42 @@ TEST_F(KvSessionManagerTest, EveryNewFolderIsNewAndEmpty) {
 }
 
 TEST_F(KvSessionManagerTest, AFolderThatCannotBeMadeIsAnsweredAllTheSame) {
-  const auto failing = makeFailingFileManager(
-      FileManager::defaultManager(), [](std::string_view operation, std::string_view) {
-        return operation == "createDirectoryAtPath" ? std::optional(Error("test", 1))
-                                                    : std::nullopt;
-      });
-  const ScopedFileManager scope(*failing);
-  EXPECT_EQ(KvSessionManager::getPathForSessionIdentifier("Unmade"),
-            temporaryDirectory() + "Unmade");
-  EXPECT_FALSE(std::filesystem::exists(temporaryDirectory() + "Unmade"));
+  const std::string path = temporaryDirectory() + "Unmade";
+  const auto manager = failing("createDirectoryAtPath", "");
+  const ScopedFileManager scope(*manager);
+  EXPECT_EQ(KvSessionManager::getPathForSessionIdentifier("Unmade"), path);
+  EXPECT_FALSE(exists(path));
 }
 
 TEST_F(KvSessionManagerTest, CleaningUpTakesWhatEndsInTheSuffixAndFollowsNoLink) {
   const testing::TemporaryFolder outside;
   testing::writeFile(outside.path("precious"), Data());
-  const std::string folder = temporaryDirectory();
-  const std::filesystem::path root(folder);
-  for (const char* name : {"MainABC/deep/er", "SceneUnknownABC", "ABCMain", "MainAbc"}) {
-    std::filesystem::create_directories(root / name);
+  const std::string root = temporaryDirectory();
+  for (const char* name :
+       {"MainABC/deep/er", "SceneUnknownABC", "ABCMain", "MainAbc", "StuckABC"}) {
+    std::filesystem::create_directories(root + name);
   }
-  testing::writeFile(folder + "MainABC/deep/er/file", Data());
-  std::filesystem::create_directory_symlink(outside.path(), root / "LinkABC");
-  std::filesystem::create_directory_symlink(outside.path(), root / "MainABC/link");
+  testing::writeFile(root + "MainABC/deep/er/file", Data());
+  std::filesystem::create_directory_symlink(outside.path(), root + "LinkABC");
+  std::filesystem::create_directory_symlink(outside.path(), root + "MainABC/link");
 
   KvSessionManager::destroySessionForSessionIdentifierSuffix("");
-  EXPECT_TRUE(std::filesystem::exists(root / "MainABC"));
+  EXPECT_TRUE(exists(root + "MainABC"));
 
   const Session session("ABC");
   const Scene scene(&session, nullptr);
   KvSessionManager::destroySessionForScene(nullptr);
   KvSessionManager::destroySessionForSceneSession(nullptr);
+  // One failing removal does not end it.
+  const auto manager = failing("removeItemAtPath", "StuckABC");
+  const ScopedFileManager scope(*manager);
   KvSessionManager::destroySessionForScene(&scene);
   for (const char* gone : {"MainABC", "SceneUnknownABC", "LinkABC"}) {
-    EXPECT_FALSE(std::filesystem::exists(std::filesystem::symlink_status(root / gone))) << gone;
+    EXPECT_FALSE(exists(root + gone)) << gone;
   }
-  for (const char* kept : {"ABCMain", "MainAbc"}) {
-    EXPECT_TRUE(std::filesystem::exists(root / kept)) << kept;
-  }
-  EXPECT_TRUE(std::filesystem::exists(outside.path("precious")));
-}
-
-TEST_F(KvSessionManagerTest, OneFailingRemovalDoesNotEndTheCleanUp) {
-  const std::filesystem::path root(temporaryDirectory());
-  for (const char* name : {"1-X", "2-X", "3-X"}) std::filesystem::create_directory(root / name);
-  const auto failing = makeFailingFileManager(
-      FileManager::defaultManager(), [](std::string_view operation, std::string_view path) {
-        return operation == "removeItemAtPath" && path.ends_with("2-X")
-                   ? std::optional(Error("test", 1))
-                   : std::nullopt;
-      });
-  const ScopedFileManager scope(*failing);
-  KvSessionManager::destroySessionForSessionIdentifierSuffix("-X");
-  EXPECT_FALSE(std::filesystem::exists(root / "1-X"));
-  EXPECT_TRUE(std::filesystem::exists(root / "2-X"));
-  EXPECT_FALSE(std::filesystem::exists(root / "3-X"));
+  for (const char* kept : {"ABCMain", "MainAbc", "StuckABC"})
+    EXPECT_TRUE(exists(root + kept)) << kept;
+  EXPECT_TRUE(exists(outside.path("precious")));
 }
 
 }  // namespace

@@ -13,8 +13,7 @@
 namespace FrameworkUtility {
 namespace {
 
-using testing::encoded;
-using testing::redAndBlue;
+using namespace testing;
 
 constexpr double nan = std::numeric_limits<double>::quiet_NaN();
 constexpr double infinity = std::numeric_limits<double>::infinity();
@@ -22,31 +21,26 @@ constexpr double infinity = std::numeric_limits<double>::infinity();
 class ThumbnailTest : public ::testing::Test {
  protected:
   URL file(std::string_view name, const Data& data) {
-    testing::writeFile(folder_.path(name), data);
+    writeFile(folder_.path(name), data);
     return URL::fileURLWithPath(folder_.path(name));
   }
 
-  const testing::TemporaryFolder folder_;
+  const TemporaryFolder folder_;
 };
 
 TEST_F(ThumbnailTest, TheLargerSideBoundsBothAndNothingIsEnlarged) {
   const URL url = file("a.jpg", encoded(redAndBlue(200, 100), "public.jpeg"));
-  struct Case {
-    Size asked;
-    std::optional<Size> given;
+  const auto sizeFor = [&](Size asked) {
+    const std::optional<UIImage> thumbnail = thumbnailForImageAtURL(url, asked);
+    return thumbnail ? thumbnail->size() : Size();
   };
-  for (const Case& c : {Case{{50, 50}, Size{50, 25}}, Case{{1, 50}, Size{50, 25}},
-                        Case{{-1, 50}, Size{50, 25}}, Case{{1, 1}, Size{1, 1}},
-                        Case{{1000, 1000}, Size{200, 100}}, Case{{infinity, 1}, Size{200, 100}},
-                        Case{{0, 0}, std::nullopt}, Case{{-1, -50}, std::nullopt},
-                        Case{{nan, 50}, std::nullopt}, Case{{50, nan}, std::nullopt}}) {
-    SCOPED_TRACE(::testing::Message() << c.asked.width << 'x' << c.asked.height);
-    const std::optional<UIImage> thumbnail = thumbnailForImageAtURL(url, c.asked);
-    ASSERT_EQ(thumbnail.has_value(), c.given.has_value());
-    if (thumbnail) {
-      EXPECT_EQ(thumbnail->size(), *c.given);
-    }
-  }
+  for (const Size asked : {Size{50, 50}, {1, 50}, {-1, 50}})
+    EXPECT_EQ(sizeFor(asked), (Size{50, 25}));
+  for (const Size asked : {Size{1000, 1000}, {infinity, 1}})
+    EXPECT_EQ(sizeFor(asked), (Size{200, 100}));
+  EXPECT_EQ(sizeFor({1, 1}), (Size{1, 1}));
+  for (const Size asked : {Size{0, 0}, {-1, -50}, {nan, 50}, {50, nan}})
+    EXPECT_EQ(sizeFor(asked), Size());
 }
 
 TEST_F(ThumbnailTest, IsUpright) {
