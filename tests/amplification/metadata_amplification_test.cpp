@@ -1,6 +1,8 @@
 // Files whose metadata shares bytes, or is packed, so that little stands for much.
 
 #include <framework_utility/platform/foundation/app/uniform_type.h>
+#include <framework_utility/platform/foundation/values/byte_reader.h>
+#include <framework_utility/platform/foundation/values/byte_writer.h>
 #include <framework_utility/platform/imageio/image_destination.h>
 #include <framework_utility/platform/imageio/image_source.h>
 #include <framework_utility/platform/imageio/metadata/metadata_blocks.h>
@@ -8,6 +10,7 @@
 #include <tests/platform/foundation/property_lists/binary_list.h>
 #include <tests/platform/imageio/formats/jpeg_file.h>
 #include <tests/platform/imageio/formats/png_file.h>
+#include <tests/platform/imageio/metadata/exif_block.h>
 #include <tests/support/expense.h>
 #include <tools/kvtool/console/json.h>
 
@@ -15,6 +18,7 @@
 
 #include <cstdlib>
 #include <functional>
+#include <numeric>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -23,7 +27,8 @@ namespace FrameworkUtility {
 namespace {
 
 using namespace testing;
-using namespace std::string_literals;
+using detail::asText;
+using detail::ByteWriter;
 
 constexpr std::size_t mebibyte = std::size_t{1} << 20;
 
@@ -34,39 +39,32 @@ std::string repeated(std::size_t times, std::string_view text) {
   return all;
 }
 
-struct Record {
-  std::uint64_t tag, type, count, offset;
-};
-
-std::string directory(const std::vector<Record>& records) {
-  std::string bytes = bigEndian(records.size(), 2);
-  for (const auto& [tag, type, count, offset] : records) {
-    bytes += bigEndian(tag, 2) + bigEndian(type, 2) + bigEndian(count, 4) + bigEndian(offset, 4);
+/// A directory of records that all have this type and are all `value`, which stands behind it.
+std::string directoryOf(const std::vector<std::size_t>& tags, std::uint16_t type, std::size_t start,
+                        std::string_view value) {
+  ByteWriter bytes;
+  bytes.putNumber(tags.size(), 2);
+  for (const std::size_t tag : tags) {
+    bytes.putNumber(tag, 2).putNumber(type, 2).putNumber(value.size(), 4);
+    bytes.putNumber(start + 2 + 12 * tags.size() + 4, 4);
   }
-  return bytes + bigEndian(0, 4);
+  return std::string(asText(bytes.putNumber(0, 4).put(value)));
 }
 
 /// An EXIF block with a maker note of 256 records that are all `value`.
-std::string exifWithNote(std::uint64_t type, std::string_view value) {
-  constexpr std::size_t count = 256, start = 14;
-  std::vector<Record> records;
-  for (std::size_t tag = 0; tag < count; ++tag) {
-    records.push_back({tag, type, value.size(), start + 2 + 12 * count + 4});
-  }
-  std::string note = "Apple iOS\0\0\1MM"s + directory(records);
-  note += value;
-  return "MM\0*\0\0\0\x8"s + directory({{0x8769, 4, 1, 26}}) +
-         directory({{0x927C, 7, note.size(), 44}}) + note;
+std::string exifWithNote(std::uint16_t type, std::string_view value) {
+  std::vector<std::size_t> tags(256);
+  std::iota(tags.begin(), tags.end(), 0);
+  TestBlock block;
+  block.exif = {{0x927C, opaque("Apple iOS\0\0\1MM"s + directoryOf(tags, type, 14, value))}};
+  return std::string(asText(block.bytes()));
 }
 
 /// One whose known texts are all `value`.
 std::string exifWithTexts(std::string_view value) {
-  std::vector<Record> records;
-  for (const std::uint64_t tag :
-       {0x10Du, 0x10Eu, 0x10Fu, 0x110u, 0x131u, 0x132u, 0x13Bu, 0x13Cu, 0x8298u}) {
-    records.push_back({tag, 2, value.size(), 8 + 2 + 9 * 12 + 4});
-  }
-  return ("MM\0*\0\0\0\x8"s + directory(records)).append(value);
+  const std::vector<std::size_t> tags{0x10D, 0x10E, 0x10F, 0x110, 0x131,
+                                      0x132, 0x13B, 0x13C, 0x8298};
+  return "MM\0*\0\0\0\x8"s + directoryOf(tags, 2, 8, value);
 }
 
 Data jpegWith(const std::string& segments) { return dataOf(jpegHeader(segments + jpegFrame())); }
@@ -136,87 +134,51 @@ std::string sharedList() {
       .bytes();
 }
 
-struct File {
-  const char* name;
-  std::function<Data()> data;
-};
-
 const std::string latin1 = "\xE9";
+const std::string photoshop = "Photoshop 3.0\0"s;
 
-const std::vector<File>& files() {
-  static const std::vector<File> all{
-      {"maker-note records on one property list",
-       [] { return jpegWith(jpegSegment(0xE1, "Exif\0\0"s + exifWithNote(7, sharedList()))); }},
-      {"maker-note records on one list in XML",
-       [] {
-         return jpegWith(jpegSegment(
-             0xE1, "Exif\0\0"s + exifWithNote(7, "<plist><array>" + repeated(7'000, "<true/>") +
-                                                     "</array></plist>")));
-       }},
-      {"maker-note records on one list in XML that is a comment",
-       [] {
-         return pngWithExif(exifWithNote(
-             7, "<plist><!--" + std::string(7 * mebibyte, ' ') + "--><true/></plist>"));
-       }},
-      {"maker-note records on one long text",
-       [] { return pngWithExif(exifWithNote(2, std::string(7 * mebibyte, 'x'))); }},
-      {"tags on one text of Latin-1",
-       [] { return pngWithExif(exifWithTexts(repeated(7 * mebibyte, latin1))); }},
-      {"tags on one text that just fits",
-       [] { return pngWithExif(exifWithTexts(repeated(900'000, latin1))); }},
-      {"empty keywords",
-       [] {
-         return jpegWith(
-             segments(0xED, "Photoshop 3.0\0"s, iptc(repeated(65'536, "\x1C\2\x19\0\0"s))));
-       }},
-      {"keywords of Latin-1",
-       [] {
-         const std::string keyword = "\x1C\2\x19\x7F\xFF" + repeated(0x7FFF, latin1);
-         return jpegWith(segments(0xED, "Photoshop 3.0\0"s, iptc(repeated(500, keyword))));
-       }},
-      {"a Latin-1 text in a PNG",
-       [] { return pngWith("zTXt", "Comment\0\0"s, repeated(15 * mebibyte, latin1)); }},
-      {"XMP that is too large",
-       [] {
-         return pngWithXmp("", "<tiff:Make>" + std::string(15 * mebibyte, 'x') + "</tiff:Make>");
-       }},
-      {"XMP with a long text",
-       [] {
-         return pngWithXmp("", "<tiff:Make>" + std::string(7 * mebibyte, 'x') + "</tiff:Make>");
-       }},
-      {"XMP with a long attribute",
-       [] { return pngWithXmp(" tiff:Make='" + std::string(7 * mebibyte, 'x') + "'", ""); }},
-      {"XMP with a text that just fits",
-       [] { return pngWithXmp("", "<tiff:Make>" + std::string(7'000'000, 'x') + "</tiff:Make>"); }},
-      {"XMP with empty items",
-       [] {
-         return pngWithXmp("", "<exif:ISOSpeedRatings><rdf:Seq>" + repeated(65'000, "<rdf:li/>") +
-                                   "</rdf:Seq></exif:ISOSpeedRatings>");
-       }},
-      {"XMP with a long tag of its first keyword",
-       [] {
-         return pngWithXmp("", "<dc:subject><rdf:Bag><rdf:li a='" + std::string(7 * mebibyte, 'x') +
-                                   "'>a</rdf:li></rdf:Bag></dc:subject>");
-       }},
-      {"a profile's long name",
-       [] { return jpegWith(profileSegments(profileNamed(std::string(15 * mebibyte, 'x')))); }},
-      {"extended XMP",
-       [] {
-         return jpegWith(jpegSegment(0xE1, "http://ns.adobe.com/xap/1.0/\0<x/>"s) +
-                         segments(0xE1, "http://ns.adobe.com/xmp/extension/\0"s,
-                                  std::string(33 * mebibyte, 'x')));
-       }},
-      {"image resources",
-       [] {
-         return jpegWith(segments(0xED, "Photoshop 3.0\0"s, std::string(17 * mebibyte, 'x')));
-       }},
-      {"small segments far apart",
-       [] {
-         return jpegWith(repeated(4'900, jpegSegment(0xED, "Photoshop 3.0\0x"s) +
-                                             jpegSegment(0xFE, std::string(5'000, ' '))));
-       }},
+/// Calls `visit` with the name and the bytes of each, one after the other: they are large.
+void forEachFile(const std::function<void(const char*, const Data&)>& visit) {
+  const auto exifSegment = [](const std::string& exif) {
+    return jpegWith(jpegSegment(0xE1, "Exif\0\0"s + exif));
   };
-  return all;
+  const auto list = [](const std::string& all) { return "<plist>" + all + "</plist>"; };
+  const auto make = [](const std::string& text) { return "<tiff:Make>" + text + "</tiff:Make>"; };
+  visit("maker-note records on one property list", exifSegment(exifWithNote(7, sharedList())));
+  visit("maker-note records on one list in XML",
+        exifSegment(exifWithNote(7, list("<array>" + repeated(7'000, "<true/>") + "</array>"))));
+  visit("maker-note records on one list in XML that is a comment",
+        pngWithExif(exifWithNote(7, list("<!--" + std::string(7 * mebibyte, ' ') + "--><true/>"))));
+  visit("maker-note records on one long text",
+        pngWithExif(exifWithNote(2, std::string(7 * mebibyte, 'x'))));
+  visit("tags on one text of Latin-1", pngWithExif(exifWithTexts(repeated(7 * mebibyte, latin1))));
+  visit("tags on one text that just fits", pngWithExif(exifWithTexts(repeated(900'000, latin1))));
+  visit("empty keywords",
+        jpegWith(segments(0xED, photoshop, iptc(repeated(65'536, "\x1C\2\x19\0\0"s)))));
+  const std::string keyword = "\x1C\2\x19\x7F\xFF" + repeated(0x7FFF, latin1);
+  visit("keywords of Latin-1", jpegWith(segments(0xED, photoshop, iptc(repeated(500, keyword)))));
+  visit("a Latin-1 text in a PNG",
+        pngWith("zTXt", "Comment\0\0"s, repeated(15 * mebibyte, latin1)));
+  visit("XMP that is too large", pngWithXmp("", make(std::string(15 * mebibyte, 'x'))));
+  visit("XMP with a long text", pngWithXmp("", make(std::string(7 * mebibyte, 'x'))));
+  visit("XMP with a long attribute",
+        pngWithXmp(" tiff:Make='" + std::string(7 * mebibyte, 'x') + "'", ""));
+  visit("XMP with a text that just fits", pngWithXmp("", make(std::string(7'000'000, 'x'))));
+  visit("XMP with empty items",
+        pngWithXmp("", "<exif:ISOSpeedRatings><rdf:Seq>" + repeated(65'000, "<rdf:li/>") +
+                           "</rdf:Seq></exif:ISOSpeedRatings>"));
+  visit("XMP with a long tag of its first keyword",
+        pngWithXmp("", "<dc:subject><rdf:Bag><rdf:li a='" + std::string(7 * mebibyte, 'x') +
+                           "'>a</rdf:li></rdf:Bag></dc:subject>"));
+  visit("a profile's long name",
+        jpegWith(profileSegments(profileNamed(std::string(15 * mebibyte, 'x')))));
+  visit("extended XMP", jpegWith(jpegSegment(0xE1, "http://ns.adobe.com/xap/1.0/\0<x/>"s) +
+                                 segments(0xE1, "http://ns.adobe.com/xmp/extension/\0"s,
+                                          std::string(33 * mebibyte, 'x'))));
+  visit("image resources", jpegWith(segments(0xED, photoshop, std::string(17 * mebibyte, 'x'))));
+  visit("small segments far apart",
+        jpegWith(repeated(4'900, jpegSegment(0xED, photoshop + "x") +
+                                     jpegSegment(0xFE, std::string(5'000, ' ')))));
 }
 
 std::optional<CGImageSource> source;
@@ -236,53 +198,47 @@ void saveAsPng(const CGImage& image) {
   if (!destination->finalize()) std::abort();
 }
 
-TEST(MetadataAmplificationTest, ReadingTakesAtMost64MebibytesBeyondTheFile) {
-  for (const auto& [name, make] : files()) {
-    const Data file = make();
-    const Expense reading = expenseOf([] {}, [&] { readProperties(file); });
-    EXPECT_TRUE(reading.isDone) << name;
-    EXPECT_LE(reading.memory, 64 * mebibyte) << name;
-  }
-}
-
-TEST(MetadataAmplificationTest, SavingAndPrintingTakeAtMost128Mebibytes) {
+TEST(MetadataAmplificationTest, ReadingTakesAtMost64MebibytesBeyondTheFileSavingAndPrinting128) {
   const CGImage image = quarters(2, 2);
   const auto nowhere = [](std::string_view) {};
-  for (const auto& [name, make] : files()) {
-    const Data file = make();
-    const Expense expense = expenseOf([&] { readProperties(file); },
-                                      [&] {
-                                        kvtool::writeJson(properties, nowhere);
-                                        saveAsPng(image);
-                                      });
-    EXPECT_TRUE(expense.isDone) << name;
-    EXPECT_LE(expense.memory, 128 * mebibyte) << name;
-  }
+  forEachFile([&](const char* name, const Data& file) {
+    const auto read = [&] { readProperties(file); };
+    const Expense reading = expenseOf([] {}, read);
+    EXPECT_TRUE(reading.isDone) << name;
+    EXPECT_LE(reading.memory, 64 * mebibyte) << name;
+    const Expense saving = expenseOf(read, [&] {
+      kvtool::writeJson(properties, nowhere);
+      saveAsPng(image);
+    });
+    EXPECT_TRUE(saving.isDone) << name;
+    EXPECT_LE(saving.memory, 128 * mebibyte) << name;
+  });
 }
 
 TEST(MetadataAmplificationTest, ASaveKeepsWhatWasLeftOut) {
   int cases = 0;
-  for (const auto& [name, make] : files()) {
-    readProperties(make());
+  forEachFile([&](const char* name, const Data& file) {
+    SCOPED_TRACE(name);
+    readProperties(file);
     const Value* leftOut = properties.find(kKvImagePropertyMetadataLeftOut);
-    if (!leftOut || !blocks) continue;
+    if (!leftOut || !blocks) return;
     ++cases;
     const auto destination = CGImageDestination::createInMemory(*source->type(), 1);
     destination->addImage(quarters(1, 1), properties, blocks);
-    ASSERT_TRUE(destination->finalize()) << name;
+    ASSERT_TRUE(destination->finalize());
     const auto again = CGImageSource::createWithData(*destination->data());
     const auto kept = again->metadataBlocksAtIndex(0);
-    ASSERT_TRUE(kept) << name;
-    EXPECT_EQ(kept->xmp, blocks->xmp) << name;
-    EXPECT_EQ(kept->imageResources, blocks->imageResources) << name;
+    ASSERT_TRUE(kept);
+    EXPECT_EQ(kept->xmp, blocks->xmp);
+    EXPECT_EQ(kept->imageResources, blocks->imageResources);
     // What is there again is left out again. A block above a megabyte is laid out anew, without
     // values that share bytes.
     const Dictionary read = again->propertiesAtIndex(0).value();
     const Value* leftOutAgain = read.find(kKvImagePropertyMetadataLeftOut);
     if (!blocks->exif.empty() && blocks->exif.size() <= mebibyte) {
-      EXPECT_TRUE(leftOutAgain && *leftOutAgain == *leftOut) << name;
+      EXPECT_TRUE(leftOutAgain && *leftOutAgain == *leftOut);
     }
-  }
+  });
   EXPECT_GE(cases, 8);
 }
 

@@ -134,7 +134,7 @@ TEST(KvImageMetadataAddImageTest, EditsReadBackFromTheFile) {
 TEST(KvImageMetadataAddImageTest, WhatNobodyChangedStaysAndNewPropertiesDropIt) {
   TestBlock block;
   block.image = {{0x131, "Camera 1.0"}, {0xC6FE, "a private note"}};
-  const Bytes exif = block.bytes();
+  const ByteVector exif = block.bytes();
   const Data plain = encoded(redAndBlue(16, 16), "public.jpeg");
   detail::ByteWriter file;
   file.put(std::span(plain).first(2)).putNumber(0xFFE1, 2).putNumber(2 + 6 + exif.size(), 2);

@@ -25,11 +25,11 @@ using namespace std::string_literals;
 using namespace std::string_view_literals;
 using detail::TiffReader;
 using detail::TiffType;
-using Bytes = std::vector<std::byte>;
+using ByteVector = std::vector<std::byte>;
 
 /// Puts a big-endian number over what stands at `at`.
-inline void store(Bytes& block, std::size_t at, std::uint64_t number, std::size_t size) {
-  const Bytes bytes = detail::ByteWriter().putNumber(number, size).takeBytes();
+inline void store(ByteVector& block, std::size_t at, std::uint64_t number, std::size_t size) {
+  const ByteVector bytes = detail::ByteWriter().putNumber(number, size).takeBytes();
   std::copy(bytes.begin(), bytes.end(), block.begin() + static_cast<std::ptrdiff_t>(at));
 }
 
@@ -43,7 +43,7 @@ struct TestValue {
   std::size_t termsPerNumber() const {
     return type == TiffType::unsignedRational || type == TiffType::signedRational ? 2 : 1;
   }
-  Bytes bytes(std::endian order) const {
+  ByteVector bytes(std::endian order) const {
     detail::ByteWriter all(order);
     const std::size_t size =
         std::max(std::size_t{1}, detail::tiffTypeSize(type) / termsPerNumber());
@@ -78,7 +78,7 @@ inline void putDirectory(detail::ByteWriter& block, std::vector<TestEntry> direc
   detail::ByteWriter values;
   block.putNumber(directory.size(), 2);
   for (const auto& [tag, value] : directory) {
-    const Bytes bytes = value.bytes(block.order());
+    const ByteVector bytes = value.bytes(block.order());
     block.putNumber(tag, 2).putNumber(static_cast<std::uint16_t>(value.type), 2);
     block.putNumber(value.terms.size() / value.termsPerNumber(), 4);
     if (bytes.size() <= 4) {
@@ -97,7 +97,7 @@ struct TestBlock {
   std::vector<TestEntry> image = {}, exif = {}, gps = {}, interop = {};
   std::string thumbnail = {};  ///< With a directory of its own, unless it is empty.
 
-  Bytes bytes() const {
+  ByteVector bytes() const {
     detail::ByteWriter block(order);
     block.put(order == std::endian::big ? "MM" : "II").putNumber(42, 2).putNumber(8, 4);
     std::vector<TestEntry> first = image, second = exif;
@@ -143,7 +143,7 @@ struct StoredEntry {
   TiffType type;
   std::uint32_t count;
   std::uint32_t offset;
-  Bytes value;
+  ByteVector value;
   bool operator==(const StoredEntry&) const = default;
 };
 
@@ -162,7 +162,7 @@ inline std::map<int, StoredEntry> entriesOf(const TiffReader& reader, std::uint3
 
 /// Every record of the directories that EXIF names, by directory's pointer tag (0 for the first)
 /// and tag, less those that only lead to a directory.
-inline std::map<std::pair<int, int>, StoredEntry> entriesOf(const Bytes& block) {
+inline std::map<std::pair<int, int>, StoredEntry> entriesOf(const ByteVector& block) {
   std::map<std::pair<int, int>, StoredEntry> entries;
   const auto reader = TiffReader::open(block);
   if (!reader) return entries;

@@ -76,7 +76,7 @@ TEST(ExifReadTest, ARecordReadsAsWhatItMeans) {
 
 TEST(ExifReadTest, ABlockGivesEachDirectoryAndTheTopLevel) {
   for (const std::endian order : orders) {
-    const Bytes block = photograph(order).bytes();
+    const ByteVector block = photograph(order).bytes();
     const Dictionary properties = readExif(block);
     const Value lens(Array{2.6, 2.6, 1.8, 1.8});
     EXPECT_EQ(in(properties, "{TIFF}").size(), 6);
@@ -130,11 +130,11 @@ TEST(ExifReadTest, ResolutionsAreInInchesAtTheTopLevel) {
 
 TEST(ExifReadTest, ATruncatedBlockGivesNothingElseThanTheWholeOne) {
   for (const std::endian order : orders) {
-    const Bytes whole = photograph(order).bytes();
+    const ByteVector whole = photograph(order).bytes();
     const Dictionary expected = readExif(whole);
     for (std::size_t size = 0; size < whole.size(); ++size) {
       // On the heap, so that a sanitizer sees each read past the end.
-      const Bytes cut(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(size));
+      const ByteVector cut(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(size));
       for (const auto& [key, value] : readExif(cut)) {
         if (!value.as<Dictionary>()) continue;
         for (const auto& [name, entry] : *value.as<Dictionary>()) {
@@ -152,12 +152,12 @@ TEST(ExifReadTest, EndsForEveryPointer) {
   for (int i = 0; i < 65535; ++i) {
     block.image.push_back({static_cast<std::uint16_t>(i % 2 == 0 ? 0x8769 : 0x8825), longs(8)});
   }
-  Bytes bytes = block.bytes();
+  ByteVector bytes = block.bytes();
   EXPECT_TRUE(readExif(bytes).empty());
   EXPECT_TRUE(detail::mergeExif(bytes, {}, {}).empty());
 
   // Every offset of a small block in turn, past the end and backwards included.
-  const Bytes whole = photograph(std::endian::big).bytes();
+  const ByteVector whole = photograph(std::endian::big).bytes();
   for (std::size_t at = 4; at + 4 <= whole.size(); ++at) {
     for (const std::size_t offset : {std::size_t{0}, std::size_t{8}, at, whole.size() - 1,
                                      std::size_t{0x7FFFFFFF}, std::size_t{0xFFFFFFFF}}) {

@@ -18,11 +18,11 @@ constexpr std::endian orders[] = {std::endian::big, std::endian::little};
 constexpr double nan = std::numeric_limits<double>::quiet_NaN();
 constexpr double infinity = std::numeric_limits<double>::infinity();
 
-bool contains(const Bytes& block, std::string_view text) {
+bool contains(const ByteVector& block, std::string_view text) {
   return detail::asText(block).find(text) != std::string_view::npos;
 }
 
-Dictionary merged(const Bytes& block, const Dictionary& properties) {
+Dictionary merged(const ByteVector& block, const Dictionary& properties) {
   return readExif(mergeExif(block, properties, {}));
 }
 
@@ -43,8 +43,8 @@ const std::string foreignNote = "Acme\1\2 a note that holds absolute offsets";
 TEST(ExifWriteTest, WithoutAChangeOnlyTheThumbnailGoes) {
   for (const std::endian order : orders) {
     TestBlock photo = photograph(order, foreignNote);
-    const Bytes block = photo.bytes();
-    const Bytes saved = mergeExif(block, readExif(block), {});
+    const ByteVector block = photo.bytes();
+    const ByteVector saved = mergeExif(block, readExif(block), {});
     EXPECT_FALSE(contains(saved, "old picture"));
     photo.thumbnail = {};
     EXPECT_EQ(saved, photo.bytes());
@@ -54,7 +54,7 @@ TEST(ExifWriteTest, WithoutAChangeOnlyTheThumbnailGoes) {
 TEST(ExifWriteTest, OnlyWhatTheThumbnailOwnsIsZeroed) {
   // Directories of a maker's note may stand anywhere, so nothing is free because nobody is known
   // to need it.
-  Bytes sound = photograph(std::endian::big, foreignNote).bytes();
+  ByteVector sound = photograph(std::endian::big, foreignNote).bytes();
   const std::size_t end = sound.size();
   const std::string tail = std::string(300, 't') + " of a note's own directory";
   sound.insert(sound.end(), bytesOf(tail).begin(), bytesOf(tail).end());
@@ -87,11 +87,11 @@ TEST(ExifWriteTest, OnlyWhatTheThumbnailOwnsIsZeroed) {
   };
   for (const auto& [what, damages, isThumbnailFound] : cases) {
     SCOPED_TRACE(what);
-    Bytes block = sound;
+    ByteVector block = sound;
     for (const auto& [at, number, size] : damages) store(block, second + at, number, size);
     Dictionary properties = readExif(block);
     properties.set("Orientation", 1);
-    const Bytes saved = mergeExif(block, properties, {});
+    const ByteVector saved = mergeExif(block, properties, {});
     ASSERT_EQ(saved.size(), block.size());
     EXPECT_EQ(contains(saved, "old picture"), !isThumbnailFound);
     EXPECT_TRUE(std::ranges::equal(std::span(block).subspan(end), std::span(saved).subspan(end)));
@@ -109,9 +109,9 @@ constexpr std::size_t recordAt(std::size_t index, std::size_t part) {
 }
 
 TEST(ExifWriteTest, ValuesMayShareTheirBytes) {
-  const Bytes sound = photograph(std::endian::big).bytes();
+  const ByteVector sound = photograph(std::endian::big).bytes();
   // Both resolutions at the place of the first: each changes alone.
-  Bytes block = sound;
+  ByteVector block = sound;
   std::copy_n(block.begin() + recordAt(2, 8), 4, block.begin() + recordAt(3, 8));
   const Dictionary tiff =
       in(merged(block, with(readExif(block), "{TIFF}", "XResolution", 300)), "{TIFF}");
@@ -139,7 +139,7 @@ TEST(ExifWriteTest, ValuesMayShareTheirBytes) {
   }
   properties = with(readExif(block), "{Exif}", "UserComment", std::string(7000, 'x'));
   properties = with(properties, "{GPS}", "DOP", 3);
-  const Bytes saved = mergeExif(block, properties, {});
+  const ByteVector saved = mergeExif(block, properties, {});
   EXPECT_LE(saved.size(), 2 * size + 8000);
   EXPECT_EQ(in(readExif(saved), "{GPS}"), in(properties, "{GPS}"));
 }
@@ -150,7 +150,7 @@ TEST(ExifWriteTest, PixelDimensionsAreThoseOfTheNewPixels) {
   const auto savedAt = [&](std::size_t width, std::size_t height) {
     return mergeExif(photo.bytes(), readExif(photo.bytes()), {width, height});
   };
-  const Bytes saved = savedAt(70000, 480);
+  const ByteVector saved = savedAt(70000, 480);
   EXPECT_EQ(*in(readExif(saved), "{Exif}").find("PixelXDimension"), Value(70000));
   EXPECT_EQ(*in(readExif(saved), "{Exif}").find("PixelYDimension"), Value(480));
   const auto entries = entriesOf(saved);
@@ -191,7 +191,7 @@ TEST(ExifWriteTest, ATypeStaysWhereItHoldsTheNumber) {
         TestBlock photo{.order = std::endian::little};
         photo.exif = {{0x9204, numbers(type, 7, 1)}};
         const Dictionary properties{{"{Exif}", Dictionary{{"ExposureBiasValue", number}}}};
-        const Bytes saved = mergeExif(photo.bytes(), properties, {});
+        const ByteVector saved = mergeExif(photo.bytes(), properties, {});
         EXPECT_EQ(readExif(saved), properties);
         EXPECT_EQ(entriesOf(saved).at({0x8769, 0x9204}).type, expected);
       }
@@ -223,7 +223,7 @@ TEST(ExifWriteTest, WhatCannotBeStoredIsSkippedAndTheRestIsNot) {
        {"24:00:00", "00:60:00", "00:00:61", "1:02:03", "01:02:03.", "01:02:03x",
         "01:02:03.12345678", "01:02", "01-02-03", "0a:02:03", ""}},
   };
-  const Bytes block = photograph(std::endian::big).bytes();
+  const ByteVector block = photograph(std::endian::big).bytes();
   for (const auto& [dictionary, key, stored, skipped] : cases) {
     const Dictionary before = with(readExif(block), "{Exif}", "LensMake", "Lenses Inc.");
     const auto expectStored = [&](const Value& given, const std::optional<Value>& expected) {
@@ -237,7 +237,7 @@ TEST(ExifWriteTest, WhatCannotBeStoredIsSkippedAndTheRestIsNot) {
 }
 
 TEST(ExifWriteTest, WhatTheAppsSayIsSplitIntoTheFilesFields) {
-  const Bytes block = photograph(std::endian::big).bytes();
+  const ByteVector block = photograph(std::endian::big).bytes();
   const auto expectStored = [&](const Dictionary& given, const Dictionary& expected) {
     SCOPED_TRACE(Value(given).description());
     Dictionary properties = readExif(block);
@@ -288,7 +288,7 @@ TEST(ExifWriteTest, ANewBlockHasWhatTheStandardAsksOfIt) {
   expected = with(expected, "{Exif}", "PixelXDimension", 640);
   expected = with(expected, "{Exif}", "PixelYDimension", 480);
   expected = with(expected, "{GPS}", "GPSVersion", Value(Array{2, 3, 0, 0}));
-  const Bytes block = mergeExif({}, properties, {640, 480});
+  const ByteVector block = mergeExif({}, properties, {640, 480});
   EXPECT_EQ(readExif(block), expected);
   for (const auto& [tag, entry] : entriesOf(block)) EXPECT_EQ(entry.offset % 2, 0) << tag.second;
   EXPECT_TRUE(mergeExif({}, {}, {640, 480}).empty());
@@ -297,11 +297,11 @@ TEST(ExifWriteTest, ANewBlockHasWhatTheStandardAsksOfIt) {
 }
 
 TEST(ExifWriteTest, ABlockThatOutgrowsASegmentIsBuiltAnew) {
-  Bytes block = photograph(std::endian::little, foreignNote).bytes();
-  block.resize(50000, std::byte{1});  // Bytes that nothing leads to.
+  ByteVector block = photograph(std::endian::little, foreignNote).bytes();
+  block.resize(50000, std::byte{1});  // ByteVector that nothing leads to.
   const Dictionary properties =
       with(readExif(block), "{Exif}", "UserComment", std::string(40000, 'x'));
-  const Bytes saved = mergeExif(block, properties, {});
+  const ByteVector saved = mergeExif(block, properties, {});
   EXPECT_LE(saved.size(), 45000);
   EXPECT_EQ(readExif(saved), properties);
   auto before = entriesOf(block), after = entriesOf(saved);
@@ -318,9 +318,9 @@ TEST(ExifWriteTest, OfATiffFileOnlyTheMetadataTravels) {
                 {0x111, longs(8 + 2 + 5 * 12 + 4 + 8 + 14)},
                 {0x117, longs(pixels.size())},
                 {0x8773, opaque("an ICC profile")}};
-  Bytes block = file.bytes();
+  ByteVector block = file.bytes();
   block.insert(block.end(), bytesOf(pixels).begin(), bytesOf(pixels).end());
-  const Bytes saved = mergeExif(block, readExif(block), {});
+  const ByteVector saved = mergeExif(block, readExif(block), {});
   EXPECT_FALSE(contains(saved, "pixels"));
   EXPECT_EQ(readExif(saved), (Dictionary{{"{TIFF}", Dictionary{{"Software", "Pelvar"}}}}));
   EXPECT_EQ(entriesOf(saved).size(), 1);
@@ -359,7 +359,7 @@ TEST(ExifWriteTest, EditsReadBackAndLeaveEveryOtherRecord) {
   };
   std::mt19937 random(7);
   for (const std::endian order : orders) {
-    Bytes block = photograph(order).bytes();
+    ByteVector block = photograph(order).bytes();
     Dictionary properties = readExif(block);
     for (int round = 0; round < 400; ++round) {
       auto before = entriesOf(block);

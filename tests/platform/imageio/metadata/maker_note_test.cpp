@@ -12,7 +12,7 @@ namespace {
 constexpr std::uint32_t noteDirectory = 14;
 
 // A phone's note: what a block's first directory would be, behind another header.
-Bytes phoneNote() {
+ByteVector phoneNote() {
   using enum TiffType;
   detail::ByteWriter note;
   note.put("Apple iOS\0\0\1MM"sv);
@@ -40,25 +40,25 @@ std::optional<Dictionary> readMakerNote(std::span<const std::byte> note) {
   return detail::readMakerNote(note, budget);
 }
 
-Bytes mergeMakerNote(const Bytes& note, const Dictionary& entries) {
+ByteVector mergeMakerNote(const ByteVector& note, const Dictionary& entries) {
   return detail::mergeMakerNote(note, readMakerNote(note).value_or(Dictionary()), entries);
 }
 
-std::map<int, StoredEntry> noteEntries(const Bytes& note) {
+std::map<int, StoredEntry> noteEntries(const ByteVector& note) {
   return entriesOf(TiffReader(note, std::endian::big), noteDirectory);
 }
 
 TEST(MakerNoteTest, ReadsThePhonesNoteAndNoOther) {
-  const Bytes whole = phoneNote();
+  const ByteVector whole = phoneNote();
   EXPECT_EQ(readMakerNote(whole), phoneEntries());
   for (std::size_t size = 0; size < noteDirectory + 2 + 7 * 12 + 4; ++size) {
-    const Bytes cut(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(size));
+    const ByteVector cut(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(size));
     EXPECT_FALSE(readMakerNote(cut)) << size;
   }
   // Another signature, no byte order, tags that do not ascend, or far too many.
   for (const auto& [at, value] :
        {std::pair{0U, 'N'}, {12U, 'I'}, {noteDirectory + 3, '\x9'}, {noteDirectory, '\x1'}}) {
-    Bytes other = whole;
+    ByteVector other = whole;
     other[at] = std::byte(value);
     EXPECT_FALSE(readMakerNote(other)) << at;
   }
@@ -68,7 +68,7 @@ TEST(MakerNoteTest, AnAddedEntryMovesOnlyWhatStandsInItsWay) {
   Dictionary entries = phoneEntries();
   entries.set("20", 10);
   entries.set("21", "ABCDEF");
-  const Bytes merged = mergeMakerNote(phoneNote(), entries);
+  const ByteVector merged = mergeMakerNote(phoneNote(), entries);
   EXPECT_EQ(readMakerNote(merged), entries);
   const auto before = noteEntries(phoneNote()), after = noteEntries(merged);
   for (const int tag : {17, 25, 43}) EXPECT_EQ(after.at(tag), before.at(tag)) << tag;
@@ -91,11 +91,11 @@ TEST(MakerNoteTest, ANewNoteHoldsEveryKindOfValue) {
 
 TEST(MakerNoteTest, LivesInsideAnExifBlock) {
   constexpr std::pair note{0x8769, 0x927C};
-  const Bytes block = photograph(std::endian::little, detail::asText(phoneNote())).bytes();
+  const ByteVector block = photograph(std::endian::little, detail::asText(phoneNote())).bytes();
   Dictionary properties = readExif(block);
   EXPECT_EQ(in(properties, "{MakerApple}"), phoneEntries());
   properties.subdictionary("{MakerApple}").remove("17");
-  const Bytes merged = detail::mergeExif(block, properties, {});
+  const ByteVector merged = detail::mergeExif(block, properties, {});
   EXPECT_EQ(readExif(merged), properties);
   auto before = entriesOf(block), after = entriesOf(merged);
   const StoredEntry was = before.at(note), is = after.at(note);
@@ -112,7 +112,7 @@ TEST(MakerNoteTest, LivesInsideAnExifBlock) {
   EXPECT_TRUE(std::ranges::all_of(rest, [](std::byte byte) { return byte == std::byte{0}; }));
 
   // Only an entry that somebody sets replaces the note of another maker.
-  const Bytes foreign = photograph(std::endian::big, "Acme's own note").bytes();
+  const ByteVector foreign = photograph(std::endian::big, "Acme's own note").bytes();
   properties = readExif(foreign);
   EXPECT_EQ(entriesOf(detail::mergeExif(foreign, properties, {})).at(note).count, 15);
   properties.subdictionary("{MakerApple}").set("17", "an identifier");
