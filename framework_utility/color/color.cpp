@@ -26,7 +26,8 @@ std::int64_t truncated(double component, double steps) {
 }
 
 /// What makes a colour itself. 0.29, 0.57 and 0.58 count as a hundredth less, for their products
-/// lie just below 29, 57 and 58; it is meant.
+/// lie just below 29, 57 and 58; rounding would
+/// change the identities that apps have stored.
 std::array<std::int64_t, 4> identity(const KvColor& color) {
   return {truncated(color.red, 100), truncated(color.green, 100), truncated(color.blue, 100),
           truncated(color.alpha, 100)};

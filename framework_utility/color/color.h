@@ -167,8 +167,8 @@ class KvColor {
   /// Selector: intensityDifferenceWithColor:
   double intensityDifferenceWithColor(const std::optional<KvColor>& other) const;
 
-  /// In place. Saturation and lightness are bounded above only, which is meant; a grey has hue 0,
-  /// so saturation makes it red.
+  /// In place. Saturation and lightness are bounded above only, as the apps' saved edits were made;
+  /// a grey has hue 0, so saturation makes it red.
   /// Selector: addSaturation:lightness:
   void addSaturation(double saturation, double lightness);
   /// In place, bounded likewise.

@@ -32,7 +32,8 @@ void KvColor::setSupportsSecureCoding(bool supported) { isSecure = supported; }
 ClassNames KvColor::unarchivedObjectOfClasses() { return {className(), "NSNumber"}; }
 
 void KvColor::encodeWithCoder(NSKeyedArchiver& coder) const {
-  // Single precision, so that many colours come back with another identity; it is meant.
+  // Single precision, as archives have had it from the first, although many colours come back with
+  // another identity.
   coder.encodeFloat(static_cast<float>(red), "R");
   coder.encodeFloat(static_cast<float>(green), "G");
   coder.encodeFloat(static_cast<float>(blue), "B");

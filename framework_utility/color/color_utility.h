@@ -39,7 +39,7 @@ std::optional<UIColor> colorWithArray(const Array& components);
 /// is 000001.
 /// Selector: colorWithObject:
 std::optional<UIColor> colorWithObject(const std::optional<Value>& object);
-/// Components of at most 254/255, which is meant.
+/// Components of at most 254/255: of 255 levels one is drawn, from 0, and divided by 255.
 /// Selector: randomColor, randomColorWithAlpha:
 UIColor randomColor(double alpha = 1);
 

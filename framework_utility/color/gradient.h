@@ -77,7 +77,7 @@ class KvGradient {
   /// Selector: drawInContex:size:
   void drawInContex(CGContext& context, Size size) const;
   /// The layer's end point becomes start + (d, d), d the distance to the end, for both types, so
-  /// that a linear gradient runs diagonally. It is meant.
+  /// that a linear gradient runs diagonally: the apps' layers have always shown it so.
   /// Selector: configureGradientLayer:
   void configureGradientLayer(CAGradientLayer& layer) const;
 

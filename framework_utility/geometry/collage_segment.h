@@ -24,7 +24,7 @@ namespace FrameworkUtility {
 /// Thread: any.
 class KvCollageSegment {
  public:
-  /// A line made from coefficients has both points at (0, 0) and the length 0.
+  // A line made from coefficients has both points at (0, 0) and the length 0.
   Point p1;         ///< Selector: p1, setP1:
   Point p2;         ///< Selector: p2, setP2:
   double length;    ///< From p1 to p2 when made. Selector: length, setLength:
@@ -57,7 +57,7 @@ class KvCollageSegment {
 
   /// Whether `point` is on the infinite line: nearer than the machine epsilon, along y or, for a
   /// vertical line, along x. So tight that in practice only points computed on the line itself
-  /// pass, which is meant.
+  /// pass, such as a cell's corners.
   /// Selector: containsPoint:
   bool containsPoint(Point point) const;
 

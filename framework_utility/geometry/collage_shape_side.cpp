@@ -37,7 +37,7 @@ void KvCollageShapeSide::calculateBorderWithThickness(double thickness) {
   // (0, 0) without a foot, as the apps' interface has it: not finite slopes have none.
   const Point foot = segment->intersectionPointWithSegment(perpandiculaire).value_or(Point{});
   // With the average point on the line this is a vertical segment of length 0, which locates
-  // upwards. That is meant.
+  // upwards: a border has to go somewhere.
   const KvCollageSegment inward(foot, averagePoint);
   parallele = segment->parallele(inward.locatePointOnStart(thickness));
 }

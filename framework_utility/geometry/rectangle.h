@@ -84,8 +84,8 @@ class KvRectangle {
   ///     └──────╲─┘      ╲
   ///
   /// So of an upright shape the top and the left border are inside, the others not, and p1 is the
-  /// only corner. One crossing and not an odd number is meant; and this is meant to stay: a line
-  /// that only grazes p2 or p4 from outside counts as a crossing ((0, 0) is "inside" the rect
+  /// only corner. One crossing counts, not an odd number, for a convex shape has at most two. So a
+  /// line that only grazes p2 or p4 from outside counts as a crossing ((0, 0) is "inside" the rect
   /// (10, 0, 10, 10)), a point at x = 100000 is inside of nothing, and farther right the line leads
   /// away from (100000, 100000), where upright borders may be missed.
   /// Selector: isPointInside:
@@ -107,7 +107,7 @@ class KvRectangle {
   ///       .  │  shape   │  .
   ///        . └──────────┘. · p3  For 0, π, 2π and what steps of 2π bring there (only the very
   ///         p4 · '               double within 2.2e-16) it is the upright cover at (0, 0), not
-  ///                              centred and not grown, which is meant.
+  ///                              centred and not grown: nothing turns.
   ///
   /// The corners are projected along slopes of tan(angle) and its inverse: within some 1e-13 of a
   /// multiple of a quarter turn, but not at it, those are too steep for the result to be exact, or

@@ -54,7 +54,7 @@ void KvImageMetadata::setLocation(const std::optional<CLLocation>& location) {
   gps.set(kCGImagePropertyGPSLongitudeRef, location->longitude < 0 ? "W" : "E");
   gps.set(kCGImagePropertyGPSLongitude, std::abs(location->longitude));
   gps.set(kCGImagePropertyGPSDOP, location->horizontalAccuracy);
-  // Signed and without a reference, which is meant.
+  // Signed and without a reference: the writer gives it one.
   gps.set(kCGImagePropertyGPSAltitude, location->altitude);
 }
 

@@ -115,7 +115,7 @@ std::optional<Date> KvImageMetadata::date() const {
         {kCGImagePropertyExifDictionary, kCGImagePropertyExifDateTimeOriginal},
         {kCGImagePropertyTIFFDictionary, kCGImagePropertyTIFFDateTime}}) {
     if (const std::string* text = find<std::string>(properties_, dictionary, key)) {
-      return dates::dateFromTextInUTC(*text);  // Written as local time: both are meant.
+      return dates::dateFromTextInUTC(*text);  // Written as local time, as the header says.
     }
   }
   return std::nullopt;

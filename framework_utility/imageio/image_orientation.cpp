@@ -9,7 +9,7 @@ std::uint32_t exifOrientationWithImageOrientation(UIImageOrientation orientation
 }
 
 Size adjustSizeToExif(Size size, std::int64_t exifOrientation) {
-  // 4 exchanges the sides although it only mirrors, 7 does not although it turns: both are meant.
+  // 4 exchanges the sides although it only mirrors, 7 does not although it turns: see the header.
   switch (exifOrientation) {
     case 4:
     case 5:

@@ -52,8 +52,8 @@ std::optional<URL> write(const std::optional<CGImage>& image, const URL& url,
     const ErrorCode& code = CGImageWriteToDiskError::noDestination;
     return fail(error, code, std::string(code.message) + std::string(type.identifier()));
   }
-  // The quality stays in the caller's metadata, which is meant. Having an entry, even new metadata
-  // is not empty, so that the image is added.
+  // The quality stays in the caller's metadata, so that the next save takes it too. Having an
+  // entry, even new metadata is not empty, so that the image is added.
   KvImageMetadata none;
   KvImageMetadata& metadata = options.metadata ? *options.metadata : none;
   metadata.addImage(image, destination.get(),

@@ -23,7 +23,7 @@ const UIScene* sceneOf(const UIView* view) {
 std::string KvSessionManager::sessionIdentifierGlobal() {
   const std::shared_ptr<UserDefaults> defaults = UserDefaults::standardUserDefaults();
   if (const std::optional<Value> stored = defaults->objectForKey(globalIdentifierKey)) {
-    // A path from the second time on, the bare identifier the first time: both are meant.
+    // A path from the second time on, the bare identifier the first time, as the header says.
     if (const std::string* identifier = stored->as<std::string>()) {
       return temporaryDirectory() + *identifier;
     }
@@ -75,7 +75,7 @@ std::optional<std::string> KvSessionManager::getNewValidFolderPathForSessionIden
 }
 
 std::optional<std::string> KvSessionManager::getNewValidFolderPathGlobal() {
-  // Unlike its namesake it makes no sub-folder, which is meant.
+  // Unlike its namesake it makes no sub-folder: what is global is shared.
   return getPathForSessionIdentifier(sessionIdentifierGlobal());
 }
 

@@ -35,7 +35,8 @@ struct Size {
 
   constexpr Point center() const { return {width * 0.5, height * 0.5}; }
 
-  /// The distance from the centre to a corner. Half the diagonal is meant, and so is the spelling.
+  /// The distance from the centre to a corner. Half the diagonal, and spelt so, in the apps'
+  /// interface.
   double diagonalLenght() const;
 
   /// Width and height exchanged.

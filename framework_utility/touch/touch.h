@@ -108,11 +108,11 @@ class KvTouchItem {
   Point locationIn(const UIView& view) const;
   /// Whether the location is in the hit area of a view that has its own; for any other view,
   /// whether it is in (0, 0, w, h) with the size of the view's bounds. Their origin is not added
-  /// there, which is meant: a scrolled view is compared as if it were not.
+  /// there: a scrolled view is compared as if it were not, which callers allow for.
   /// Selector: isTouching:
   bool isTouching(const UIView& view) const;
   /// The same with (left, top, w - left - right, h - top - bottom) for a view without a hit area of
-  /// its own; a view that has one ignores `insets`, which is meant too.
+  /// its own; a view that has one ignores `insets`: its own area counts.
   /// Selector: isTouching:hitTestEdgeInsets:
   bool isTouching(const UIView& view, const EdgeInsets& insets) const;
 
@@ -184,8 +184,8 @@ class KvExtendTouch : public Base, public KvExtendTouchProtocol {
     return KvExtendTouchUtils::viewHitAreaContainsPoint(*this, point);
   }
   /// Whether the hit area contains `point`, when there are insets and the view is not hidden and
-  /// takes touches; in every other case what `Base` answers. So a hidden view does not refuse,
-  /// which is meant.
+  /// takes touches; in every other case what `Base` answers. So a hidden view does not refuse:
+  /// the toolkit never asks it.
   /// Selector: pointInside:withEvent:
   bool pointInside(Point point, const UIEvent* event) const override {
     const bool ownArea = this->hitTestEdgeInsets() != EdgeInsets{} &&

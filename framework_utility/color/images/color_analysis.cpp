@@ -31,7 +31,7 @@ Size analysisSize(Size size, std::int64_t quality) {
   if (std::max(whole(size.width * scale), whole(size.height * scale)) > quality) return size;
   const auto longest = static_cast<double>(quality);
   if (size.width >= size.height) return {longest, longest / (size.width / size.height)};
-  return {longest, longest};  // stretched; it is meant
+  return {longest, longest};  // stretched, see the header
 }
 
 /// Components in 0...255.
@@ -140,7 +140,7 @@ std::optional<UIImageAnalyzeResult> analyzeImageWithQuality(const UIImage& image
     const auto [pixels, isOpaque] = rows->row(y);
     buckets.add(pixels, columnsToWalk, isOpaque);
   }
-  // From the height, not from the number of pixels; it is meant.
+  // From the height, not from the number of pixels: small areas count too.
   const auto threshold = static_cast<std::int64_t>(std::round(area.height * 0.01));
   return UIImageAnalyzeResult{hasAlpha(image), mainColors(buckets.above(threshold), count)};
 }

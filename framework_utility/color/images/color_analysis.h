@@ -51,7 +51,7 @@ struct UIImageAnalyzeResult {
 /// The image is analysed at its size in points, whatever the quality, unless its larger side on the
 /// main screen is no longer than the quality's pixels. Then it is enlarged: one that is wider than
 /// high to that width, any other stretched to a square, of which only the lower left part, as large
-/// as the image, is seen. It is meant.
+/// as the image, is seen. Apps have stored colours that were found so.
 ///
 /// Absent without a bitmap and for one whose colour space is not RGB (`noColors`), for a size that
 /// truncates to 0 and for more than 536 million points (`badSize`). A size that is not finite, or

@@ -109,8 +109,9 @@ std::optional<UIImage> conicalGradientImageWithSize(Size size);
 std::optional<UIImage> conicalGradientImage();
 
 /// The colour at `position`, the first colour standing at 0 and the last at 1 whatever their
-/// locations; of stops at one place the first is used, on both sides, which is meant. Absent
-/// without colours. With two colours or more, stops the process when there are more locations.
+/// locations; of stops at one place the first is used, on both sides, unlike in a drawn gradient.
+/// Absent without colours. With two colours or more, stops the process when there are more
+/// locations.
 /// Selector: interpolatedColor:colors:locations:
 std::optional<KvColor> interpolatedColor(double position, const std::vector<KvColor>& colors,
                                          const std::vector<double>& locations);

@@ -55,7 +55,7 @@ class FolderLock {
   }
   FolderLock(const FolderLock&) = delete;
   FolderLock& operator=(const FolderLock&) = delete;
-  /// Closing would not do: a child that was forked meanwhile has the descriptor too.
+  // Closing would not do: a child that was forked meanwhile has the descriptor too.
   ~FolderLock() {
     if (isHeld_) flock(file_.get(), LOCK_UN);
   }

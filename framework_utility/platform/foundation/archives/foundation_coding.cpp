@@ -17,7 +17,7 @@
 namespace FrameworkUtility::detail {
 namespace {
 
-/// The keys of the platform's own classes.
+// The keys of the platform's own classes.
 constexpr std::string_view objectsKey = "NS.objects";
 constexpr std::string_view keysKey = "NS.keys";
 constexpr std::string_view timeKey = "NS.time";
