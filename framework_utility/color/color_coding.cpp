@@ -3,7 +3,7 @@
 #include <framework_utility/color/color.h>
 #include <framework_utility/color/hsl.h>
 #include <framework_utility/errors/archive_error.h>
-#include <framework_utility/errors/error_factory.h>
+#include <framework_utility/errors/fail.h>
 #include <framework_utility/platform/foundation/archives/keyed_archiver.h>
 #include <framework_utility/platform/foundation/archives/keyed_unarchiver.h>
 
@@ -14,12 +14,6 @@ namespace FrameworkUtility {
 namespace {
 
 std::atomic<bool> isSecure = true;
-
-std::nullopt_t fail(Error* error, const ErrorCode& code,
-                    const std::optional<Error>& cause = std::nullopt) {
-  if (error) *error = errorWithCode(code, std::nullopt, cause);
-  return std::nullopt;
-}
 
 }  // namespace
 
@@ -63,17 +57,17 @@ std::optional<Data> KvColor::archivedData(Error* error) const {
   Error cause;
   std::optional<Data> data =
       NSKeyedArchiver::archivedDataWithRootObject(boxed(*this), SecureCoding::required, &cause);
-  if (!data) return fail(error, ArchiveError::archivingFailed, cause);
+  if (!data) return detail::fail(error, ArchiveError::archivingFailed, cause);
   return data;
 }
 
 std::optional<KvColor> KvColor::unarchivedData(const std::optional<Data>& data, Error* error) {
-  if (!data) return fail(error, ArchiveError::dataIsNil);
+  if (!data) return detail::fail(error, ArchiveError::dataIsNil);
   NSKeyedUnarchiver coder(unarchivedObjectOfClasses(), *data);
   const std::optional<Value> root = coder.decodeTopLevelObjectForKey(NSKeyedArchiveRootObjectKey);
-  if (coder.error()) return fail(error, ArchiveError::unarchivingFailed, coder.error());
+  if (coder.error()) return detail::fail(error, ArchiveError::unarchivingFailed, *coder.error());
   const auto* color = root ? unboxed<KvColor>(*root) : nullptr;
-  if (!color) return fail(error, ArchiveError::colorIsNil);
+  if (!color) return detail::fail(error, ArchiveError::colorIsNil);
   return *color;
 }
 

@@ -1,6 +1,6 @@
 #include <framework_utility/files/file_utility.h>
 
-#include <framework_utility/errors/error_factory.h>
+#include <framework_utility/errors/fail.h>
 #include <framework_utility/platform/foundation/values/path.h>
 
 #include <algorithm>
@@ -145,31 +145,21 @@ std::string fileNameToCopyFileWithName(const FileManager& files, std::string_vie
 
 std::optional<std::string> duplicateFileAtPath(FileManager& files, std::string_view path,
                                                Error* error) {
-  if (path.empty()) {
-    if (error) *error = errorWithCode(FileManagerDuplicateError::pathIsNil);
-    return std::nullopt;
-  }
+  if (path.empty()) return detail::fail(error, FileManagerDuplicateError::pathIsNil);
   const std::optional<URL> copy = duplicateFileAtUrl(files, URL::fileURLWithPath(path), error);
   return copy ? copy->path() : std::nullopt;
 }
 
 std::optional<URL> duplicateFileAtUrl(FileManager& files, const URL& url, Error* error) {
   const std::string path = pathOf(url);
-  if (path.empty()) {
-    if (error) *error = errorWithCode(FileManagerDuplicateError::pathIsNil);
-    return std::nullopt;
-  }
+  if (path.empty()) return detail::fail(error, FileManagerDuplicateError::pathIsNil);
   const std::string folder = paths::deletingLastPathComponent(path);
   const std::string name = fileNameToCopyFileWithName(files, paths::lastPathComponent(path),
                                                       URL::fileURLWithPath(folder));
   const std::string copy = paths::appendingPathComponent(folder, name);
   Error cause;
   if (!files.copyItemAtPath(path, copy, &cause)) {
-    if (error) {
-      *error = errorWithCode(FileManagerDuplicateError::copyFailed, std::nullopt,
-                             withDiskSpaceReport(cause));
-    }
-    return std::nullopt;
+    return detail::fail(error, FileManagerDuplicateError::copyFailed, cause);
   }
   return URL::fileURLWithPath(copy);
 }

@@ -1,6 +1,6 @@
 #include <framework_utility/imageio/data_writer.h>
 
-#include <framework_utility/imageio/fail.h>
+#include <framework_utility/errors/fail.h>
 #include <framework_utility/imageio/made_folders.h>
 #include <framework_utility/platform/foundation/files/files.h>
 #include <framework_utility/platform/foundation/values/random.h>

@@ -1,6 +1,6 @@
 #include <framework_utility/imageio/image_metadata.h>
 
-#include <framework_utility/imageio/fail.h>
+#include <framework_utility/errors/fail.h>
 #include <framework_utility/platform/foundation/files/files.h>
 #include <framework_utility/platform/imageio/image_destination.h>
 #include <framework_utility/platform/imageio/metadata/property_keys.h>
@@ -59,12 +59,9 @@ std::optional<KvImageMetadata> KvImageMetadata::withImageSource(
     const ErrorCode& code = KvImageMetadataError::sourceNotComplete;
     Error cause;
     (void)source->propertiesAtIndex(0, &cause);
-    if (error) {
-      *error = errorWithCode(
-          code, std::string(code.message) + std::string(description(status)) + " is not complete.",
-          cause);
-    }
-    return std::nullopt;
+    return fail(error, code,
+                std::string(code.message) + std::string(description(status)) + " is not complete.",
+                cause);
   }
   std::optional<Dictionary> properties = source->propertiesAtIndex(0);
   if (!properties) return fail(error, KvImageMetadataError::noProperties);

@@ -1,7 +1,7 @@
 #include <framework_utility/imageio/image_writer.h>
 
+#include <framework_utility/errors/fail.h>
 #include <framework_utility/imageio/contained_path.h>
-#include <framework_utility/imageio/fail.h>
 #include <framework_utility/imageio/image_metadata.h>
 #include <framework_utility/imageio/made_folders.h>
 #include <framework_utility/platform/foundation/files/files.h>

@@ -2,8 +2,8 @@
 
 #include <framework_utility/color/images/color_buckets.h>
 #include <framework_utility/platform/foundation/app/application.h>
+#include <framework_utility/platform/foundation/values/fail.h>
 #include <framework_utility/platform/foundation/values/number.h>
-#include <framework_utility/platform/foundation/values/platform_error.h>
 #include <framework_utility/platform/graphics/drawn_rows.h>
 #include <framework_utility/platform/imageio/image_source.h>
 #include <framework_utility/platform/imageio/metadata/property_keys.h>
@@ -19,7 +19,6 @@ namespace FrameworkUtility {
 namespace {
 
 using detail::ColorBucket;
-using detail::failed;
 
 /// Truncated; stops the process where that is no 64-bit integer.
 std::int64_t whole(double value) { return Number(value).integerValue(); }
@@ -114,14 +113,14 @@ std::optional<UIImageAnalyzeColorQuality> fromRawValue<UIImageAnalyzeColorQualit
 std::optional<UIImageAnalyzeResult> analyzeImageWithQuality(const UIImage& image,
                                                             UIImageAnalyzeColorQuality quality,
                                                             std::int64_t count, Error* error) {
-  if (!image.cgImage()) return failed(error, UIImageAnalyzeError::noColors);
+  if (!image.cgImage()) return detail::fail(error, UIImageAnalyzeError::noColors);
   const Size size = image.size();
   const std::int64_t width = whole(size.width);
   const std::int64_t height = whole(size.height);
   constexpr auto most = static_cast<std::int64_t>(detail::maximumPixelBytes / 4);
   (void)whole(size.width * size.height);
   if (width < 1 || height < 1 || width > most / height) {
-    return failed(error, UIImageAnalyzeError::badSize);
+    return detail::fail(error, UIImageAnalyzeError::badSize);
   }
 
   const Size area = analysisSize(size, static_cast<std::int64_t>(quality));
@@ -129,9 +128,9 @@ std::optional<UIImageAnalyzeResult> analyzeImageWithQuality(const UIImage& image
   auto rows = detail::DrawnRows::create(*image.cgImage(), bitmap, area);
   if (!rows) {
     const auto& space = image.cgImage()->colorSpace();
-    return failed(error, space && space->model() == CGColorSpaceModel::rgb
-                             ? UIImageAnalyzeError::badSize
-                             : UIImageAnalyzeError::noColors);
+    return detail::fail(error, space && space->model() == CGColorSpaceModel::rgb
+                                   ? UIImageAnalyzeError::badSize
+                                   : UIImageAnalyzeError::noColors);
   }
   detail::ColorBuckets buckets;
   const auto columnsToWalk = static_cast<std::size_t>(std::min(whole(area.width), width));

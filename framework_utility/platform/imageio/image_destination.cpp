@@ -2,6 +2,7 @@
 
 #include <framework_utility/platform/foundation/files/file_error.h>
 #include <framework_utility/platform/foundation/files/files.h>
+#include <framework_utility/platform/foundation/values/fail.h>
 #include <framework_utility/platform/imageio/image_formats.h>
 #include <framework_utility/platform/imageio/metadata/metadata_codec.h>
 #include <framework_utility/platform/imageio/metadata/property_keys.h>
@@ -40,10 +41,7 @@ EncodeRequest requestFor(const CGImage& image, const Dictionary& properties,
 }
 
 bool cannotFinalize(std::string_view why, Error* error) {
-  if (error) {
-    *error = Error(NSCocoaErrorDomain, NSFileWriteUnknownError, {{NSLocalizedDescriptionKey, why}});
-  }
-  return false;
+  return detail::fail(error, {NSCocoaErrorDomain, NSFileWriteUnknownError, {}}, why);
 }
 
 }  // namespace

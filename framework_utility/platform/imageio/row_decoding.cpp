@@ -16,12 +16,11 @@ namespace FrameworkUtility::detail {
 
 namespace {
 
-std::nullopt_t failedForMemory(const DecodeRequest& request) {
-  fail({ENOMEM, FileAccess::reading}, request.path, request.error);
-  return std::nullopt;
+Failure failedForMemory(const DecodeRequest& request) {
+  return fail(request.error, {ENOMEM, FileAccess::reading}, request.path);
 }
 
-std::nullopt_t failedFor(RowState state, const DecodeRequest& request) {
+Failure failedFor(RowState state, const DecodeRequest& request) {
   switch (state) {
     case RowState::cut:
       return failed(request, CGImageSourceError::corruptFile, cutOff);
@@ -103,15 +102,10 @@ CGImageSourceLimits lowerLimits(const CGImageSourceLimits& a, const CGImageSourc
           .mostScans = std::min({a.mostScans, b.mostScans, all.mostScans})};
 }
 
-std::nullopt_t failed(const DecodeRequest& request, const ErrorCode& code,
-                      std::string_view description) {
-  if (!request.error) return std::nullopt;
-  Dictionary userInfo;
-  userInfo.set(Key::withConstant(NSLocalizedDescriptionKey),
-               description.empty() ? code.message : description);
-  if (!request.path.empty()) userInfo.set(Key::withConstant(NSFilePathErrorKey), request.path);
-  *request.error = Error(code.domain, code.code, std::move(userInfo));
-  return std::nullopt;
+Failure failed(const DecodeRequest& request, const ErrorCode& code, std::string_view description) {
+  Dictionary file;
+  if (!request.path.empty()) file.set(Key::withConstant(NSFilePathErrorKey), request.path);
+  return fail(request.error, code, description, file);
 }
 
 std::optional<CGImage> decodedImage(const ImageReader& reader, std::size_t index,

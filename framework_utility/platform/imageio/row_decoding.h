@@ -1,6 +1,6 @@
 #pragma once
 
-#include <framework_utility/platform/foundation/values/error.h>
+#include <framework_utility/platform/foundation/values/failure.h>
 #include <framework_utility/platform/graphics/cg_image.h>
 #include <framework_utility/platform/imageio/formats/image_reader.h>
 #include <framework_utility/platform/imageio/image_source_limits.h>
@@ -28,8 +28,8 @@ CGImageSourceLimits lowerLimits(const CGImageSourceLimits& a, const CGImageSourc
 
 /// Fills the request's error, with the code's message unless there is more to say.
 /// `return failed(request, CGImageSourceError::corruptFile);`
-std::nullopt_t failed(const DecodeRequest& request, const ErrorCode& code,
-                      std::string_view description = {});
+Failure failed(const DecodeRequest& request, const ErrorCode& code,
+               std::string_view description = {});
 
 // Absent when the pixels are damaged, cut off or beyond the limits, which are asked before anything
 // is allocated, and when memory is short.

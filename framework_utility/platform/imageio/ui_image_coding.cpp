@@ -2,6 +2,7 @@
 
 #include <framework_utility/platform/foundation/app/uniform_type.h>
 #include <framework_utility/platform/foundation/files/file_error.h>
+#include <framework_utility/platform/foundation/values/fail.h>
 #include <framework_utility/platform/graphics/exif_orientation.h>
 #include <framework_utility/platform/imageio/image_destination.h>
 #include <framework_utility/platform/imageio/metadata/property_keys.h>
@@ -27,11 +28,8 @@ std::optional<UIImage> imageWithImageSource(const CGImageSource& source, Error* 
 
 std::optional<Data> UIImageJPEGRepresentation(const UIImage& image, double quality, Error* error) {
   if (!image.cgImage()) {
-    if (error) {
-      *error = Error(NSCocoaErrorDomain, NSFileWriteUnknownError,
-                     {{NSLocalizedDescriptionKey, "the picture has no bitmap"}});
-    }
-    return std::nullopt;
+    return detail::fail(error, {NSCocoaErrorDomain, NSFileWriteUnknownError, {}},
+                        "the picture has no bitmap");
   }
   const auto destination = CGImageDestination::createInMemory(UTTypeJPEG.identifier(), 1);
   const std::uint32_t orientation = detail::exifOrientation(image.imageOrientation()).value_or(1);

@@ -25,8 +25,7 @@ std::optional<Data> read(const FileReader& file, std::uint64_t offset, std::size
     if (!size) return std::nullopt;
     return Data::withBytesNoCopy({buffer.get(), *size}, buffer);
   } catch (const std::bad_alloc&) {
-    fail({ENOMEM, FileAccess::reading}, {}, error);
-    return std::nullopt;
+    return fail(error, {ENOMEM, FileAccess::reading}, {});
   }
 }
 

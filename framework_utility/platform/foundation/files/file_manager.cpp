@@ -45,8 +45,7 @@ std::optional<Data> FileManager::contentsAtPath(std::string_view path, Error* er
   } catch (const std::bad_alloc&) {
   } catch (const std::length_error&) {
   }
-  detail::fail({ENOMEM, detail::FileAccess::reading}, path, error);
-  return std::nullopt;
+  return detail::fail(error, {ENOMEM, detail::FileAccess::reading}, path);
 }
 
 }  // namespace FrameworkUtility

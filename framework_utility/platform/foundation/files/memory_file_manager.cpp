@@ -45,8 +45,7 @@ class MemoryFileReader final : public FileReader {
   std::optional<std::size_t> readAt(std::int64_t offset, std::span<std::byte> bytes,
                                     Error* error) const override {
     if (offset < 0) {
-      fail({EINVAL, FileAccess::reading}, path_, error);
-      return std::nullopt;
+      return fail(error, {EINVAL, FileAccess::reading}, path_);
     }
     if (offset >= size()) return 0;
     const auto rest = std::span(bytes_).subspan(static_cast<std::size_t>(offset));
@@ -93,8 +92,7 @@ class MemoryFileManager final : public FileManager {
     const Item* folder = find(path, error);
     if (!folder) return std::nullopt;
     if (folder->kind != FileKind::directory) {
-      fail({ENOTDIR, FileAccess::reading}, path, error);
-      return std::nullopt;
+      return fail(error, {ENOTDIR, FileAccess::reading}, path);
     }
     std::vector<std::string> names;
     for (const auto& [suffix, item] : subtree(normalised(path))) {
@@ -108,8 +106,7 @@ class MemoryFileManager final : public FileManager {
     const Item* item = find(path, error);
     if (!item) return nullptr;
     if (item->kind == FileKind::file) return std::make_unique<MemoryFileReader>(item->bytes, path);
-    fail({EISDIR, FileAccess::reading}, path, error);
-    return nullptr;
+    return fail(error, {EISDIR, FileAccess::reading}, path);
   }
 
   bool writeAtomically(std::span<const std::byte> bytes, std::string_view path,
@@ -191,7 +188,7 @@ class MemoryFileManager final : public FileManager {
 
  private:
   static bool succeed(int number, std::string_view path, Error* error) {
-    return number == 0 || fail({number, FileAccess::writing}, path, error);
+    return number == 0 || fail(error, {number, FileAccess::writing}, path);
   }
 
   /// 0 when something is there, else the system's error number.
@@ -224,8 +221,7 @@ class MemoryFileManager final : public FileManager {
   const Item* find(std::string_view path, Error* error) const {
     const int number = refusalToFind(path);
     if (number == 0) return &items_.at(normalised(path));
-    fail({number, FileAccess::reading}, path, error);
-    return nullptr;
+    return fail(error, {number, FileAccess::reading}, path);
   }
 
   /// An item and all in it, by what follows its path: "" and "/name".

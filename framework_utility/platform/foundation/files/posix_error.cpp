@@ -2,7 +2,6 @@
 
 #include <framework_utility/platform/foundation/files/file_error.h>
 #include <framework_utility/platform/foundation/values/path.h>
-#include <framework_utility/platform/foundation/values/value.h>
 
 #include <cerrno>
 #include <cstdint>
@@ -37,23 +36,18 @@ std::int64_t codeOf(const PosixFailure& failure) {
 
 }  // namespace
 
-Error fileError(const PosixFailure& failure, std::string_view path) {
-  const Error cause(NSPOSIXErrorDomain, failure.number,
-                    {{NSLocalizedDescriptionKey, std::generic_category().message(failure.number)}});
-  return Error(NSCocoaErrorDomain, codeOf(failure),
-               {{NSFilePathErrorKey, path}, {NSUnderlyingErrorKey, cause}});
-}
-
-bool fail(const PosixFailure& failure, std::string_view path, Error* error) {
-  if (error) *error = fileError(failure, path);
-  return false;
+Failure fail(Error* error, const PosixFailure& failure, std::string_view path) {
+  if (!error) return {};
+  const Error cause = platformError({NSPOSIXErrorDomain, failure.number, {}},
+                                    std::generic_category().message(failure.number));
+  return fail(error, {NSCocoaErrorDomain, codeOf(failure), {}}, {},
+              {{NSFilePathErrorKey, path}, {NSUnderlyingErrorKey, cause}});
 }
 
 std::optional<std::string> systemPath(std::string_view path, FileAccess access, Error* error) {
   if (path.find('\0') != std::string_view::npos) {
     // The number that file systems answer to a name that they cannot spell.
-    fail({EILSEQ, access}, path, error);
-    return std::nullopt;
+    return fail(error, {EILSEQ, access}, path);
   }
   while (path.size() > 1 && path.ends_with('/')) path.remove_suffix(1);
   return std::string(path);

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <framework_utility/platform/foundation/values/error.h>
+#include <framework_utility/platform/foundation/values/fail.h>
 
 #include <optional>
 #include <string>
@@ -16,11 +16,8 @@ struct PosixFailure {
   FileAccess access;
 };
 
-/// The platform's error for it: the one place where error numbers become codes.
-Error fileError(const PosixFailure& failure, std::string_view path);
-
-/// Fills `error`, when there is one, and answers false.
-bool fail(const PosixFailure& failure, std::string_view path, Error* error);
+/// Fills `error` when there is one: the one place where error numbers become the platform's codes.
+Failure fail(Error* error, const PosixFailure& failure, std::string_view path);
 
 /// `path` as the system takes it: without slashes at the end, which would make it follow a link.
 /// A path with a NUL fails, for its end would be cut off.

@@ -63,8 +63,7 @@ class RealFileReader final : public FileReader {
   std::optional<std::size_t> readAt(std::int64_t offset, std::span<std::byte> bytes,
                                     Error* error) const override {
     if (offset < 0) {
-      fail(readingFailed(EINVAL), path_, error);
-      return std::nullopt;
+      return fail(error, readingFailed(EINVAL), path_);
     }
     std::size_t done = 0;
     while (done < bytes.size()) {
@@ -76,8 +75,7 @@ class RealFileReader final : public FileReader {
       const ssize_t count =
           uninterrupted([&] { return pread(file_.get(), bytes.data() + done, wanted, position); });
       if (count < 0) {
-        fail(readingFailed(errno), path_, error);
-        return std::nullopt;
+        return fail(error, readingFailed(errno), path_);
       }
       if (count == 0) break;
       done += static_cast<std::size_t>(count);
@@ -99,8 +97,7 @@ class RealFileManager final : public FileManager {
     if (!item) return std::nullopt;
     struct stat status {};
     if (stat(item->c_str(), &status) != 0) {
-      fail(readingFailed(errno), path, error);
-      return std::nullopt;
+      return fail(error, readingFailed(errno), path);
     }
     const FileKind kind = S_ISREG(status.st_mode)   ? FileKind::file
                           : S_ISDIR(status.st_mode) ? FileKind::directory
@@ -114,8 +111,7 @@ class RealFileManager final : public FileManager {
     if (!item) return std::nullopt;
     struct statvfs status {};
     if (uninterrupted([&] { return statvfs(item->c_str(), &status); }) != 0) {
-      fail(readingFailed(errno), path, error);
-      return std::nullopt;
+      return fail(error, readingFailed(errno), path);
     }
     const auto bytes = [&](fsblkcnt_t blocks) {
       return static_cast<std::int64_t>(blocks * status.f_frsize);
@@ -132,8 +128,7 @@ class RealFileManager final : public FileManager {
     std::vector<std::string> names;
     const int number = folder.isOpen() ? listFolder(std::move(folder), names) : errno;
     if (number != 0) {
-      fail(readingFailed(number), path, error);
-      return std::nullopt;
+      return fail(error, readingFailed(number), path);
     }
     return names;
   }
@@ -146,12 +141,10 @@ class RealFileManager final : public FileManager {
         [&] { return open(item->c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC); }));
     struct stat status {};
     if (!file.isOpen() || fstat(file.get(), &status) != 0) {
-      fail(readingFailed(errno), path, error);
-      return nullptr;
+      return fail(error, readingFailed(errno), path);
     }
     if (!S_ISREG(status.st_mode)) {
-      fail(readingFailed(S_ISDIR(status.st_mode) ? EISDIR : ESPIPE), path, error);
-      return nullptr;
+      return fail(error, readingFailed(S_ISDIR(status.st_mode) ? EISDIR : ESPIPE), path);
     }
     return std::make_unique<RealFileReader>(std::move(file), status.st_size, std::string(path));
   }
@@ -182,7 +175,7 @@ class RealFileManager final : public FileManager {
     if (!to) return false;
     const std::optional<PosixFailure> failure = copyItem(*from, *to);
     if (!failure) return true;
-    return fail(*failure, failure->access == FileAccess::reading ? path : toPath, error);
+    return fail(error, *failure, failure->access == FileAccess::reading ? path : toPath);
   }
 
   bool moveItemAtPath(std::string_view path, std::string_view toPath, Error* error) override {
@@ -208,7 +201,7 @@ class RealFileManager final : public FileManager {
 
  private:
   static bool succeed(int number, std::string_view path, Error* error) {
-    return number == 0 || fail(writingFailed(number), path, error);
+    return number == 0 || fail(error, writingFailed(number), path);
   }
 };
 

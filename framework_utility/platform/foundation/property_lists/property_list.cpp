@@ -1,7 +1,7 @@
 #include <framework_utility/platform/foundation/property_lists/property_list.h>
 
 #include <framework_utility/platform/foundation/property_lists/property_list_readers.h>
-#include <framework_utility/platform/foundation/values/platform_error.h>
+#include <framework_utility/platform/foundation/values/fail.h>
 
 #include <algorithm>
 #include <new>
@@ -24,7 +24,7 @@ std::optional<Value> propertyListWithData(std::span<const std::byte> data,
   detail::ExpansionBudget budget(data.size(), limits.expansion, limits.values);
   std::optional<Value> value = detail::readPropertyList(data, limits.depth, budget);
   if (value) return value;
-  return detail::failed(error, PropertyListError::readCorrupt);
+  return detail::fail(error, PropertyListError::readCorrupt);
 }
 
 std::optional<Value> detail::readPropertyList(std::span<const std::byte> data, std::size_t depth,

@@ -2,7 +2,7 @@
 
 #include <framework_utility/platform/foundation/property_lists/property_list_format.h>
 #include <framework_utility/platform/foundation/values/byte_writer.h>
-#include <framework_utility/platform/foundation/values/platform_error.h>
+#include <framework_utility/platform/foundation/values/fail.h>
 #include <framework_utility/platform/foundation/values/reference_date.h>
 #include <framework_utility/platform/foundation/values/utf8.h>
 
@@ -234,7 +234,7 @@ class Writer {
 
 std::optional<Data> dataWithPropertyList(const Value& value, Error* error) {
   Writer writer;
-  if (!writer.addTop(value)) return detail::failed(error, PropertyListError::writeInvalid);
+  if (!writer.addTop(value)) return detail::fail(error, PropertyListError::writeInvalid);
   return Data(writer.write());
 }
 
