@@ -1,15 +1,9 @@
 #include <framework_utility/color/color.h>
 
 #include <framework_utility/color/color_utility.h>
-#include <framework_utility/platform/foundation/values/number.h>
-#include <framework_utility/platform/foundation/values/number_text.h>
 #include <framework_utility/platform/foundation/values/random.h>
 #include <framework_utility/platform/graphics/unit_range.h>
 
-#include <algorithm>
-#include <array>
-#include <cmath>
-#include <cstdio>
 #include <limits>
 
 namespace FrameworkUtility {
@@ -18,20 +12,6 @@ namespace {
 
 constexpr double epsilon = std::numeric_limits<double>::epsilon();
 constexpr auto darkStyle = static_cast<std::int64_t>(UIUserInterfaceStyle::dark);
-
-/// `component` in units of 1/`steps`, truncated towards zero. Stops the process where that is no
-/// 64-bit integer.
-std::int64_t truncated(double component, double steps) {
-  return Number(component * steps).integerValue();
-}
-
-/// What makes a colour itself. 0.29, 0.57 and 0.58 count as a hundredth less, for their products
-/// lie just below 29, 57 and 58; rounding would
-/// change the identities that apps have stored.
-std::array<std::int64_t, 4> identity(const KvColor& color) {
-  return {truncated(color.red, 100), truncated(color.green, 100), truncated(color.blue, 100),
-          truncated(color.alpha, 100)};
-}
 
 }  // namespace
 
@@ -122,28 +102,7 @@ std::vector<CGColor> KvColor::cgColors(const std::vector<KvColor>& colors) {
 
 CIColor KvColor::ciColor() const { return {rgba()}; }
 
-std::string KvColor::hexStringWithoutHash() const { return hexString().substr(1); }
-
-std::string KvColor::hexString() const {
-  const std::int64_t number =
-      truncated(red, 255) << 16 | truncated(green, 255) << 8 | truncated(blue, 255);
-  char text[10];
-  std::snprintf(text, sizeof text, "#%06X", static_cast<unsigned>(number));
-  return text;
-}
-
-std::string KvColor::identifier() const {
-  const auto [r, g, b, a] = identity(*this);
-  return std::to_string(r) + '.' + std::to_string(g) + '.' + std::to_string(b) + '.' +
-         std::to_string(a);
-}
-
 HSL KvColor::getHueSaturationLightness() const { return rgbToHsl(rgb()); }
-
-std::string KvColor::description() const {
-  return "KvColor: r " + textOfDouble(red) + ", g " + textOfDouble(green) + ", b " +
-         textOfDouble(blue) + ", a " + textOfDouble(alpha);
-}
 
 bool KvColor::isLight() const { return isLightnessLight(lightness()); }
 
@@ -166,58 +125,6 @@ bool KvColor::isNoColor() const {
 
 bool KvColor::isLightnessLight(double lightness) { return lightness > 0.5; }
 
-KvColor KvColor::withAlphaComponent(double newAlpha) const { return {red, green, blue, newAlpha}; }
-
-KvColor KvColor::addIntensity(double intensity) const {
-  return {red + intensity, green + intensity, blue + intensity, alpha};
-}
-
-KvColor KvColor::greyscale() const { return withWhite((red + green + blue) / 3, alpha); }
-
-KvColor KvColor::negative() const { return {1 - red, 1 - green, 1 - blue, alpha}; }
-
-KvColor KvColor::getColorWithSaturationMultipliedBy(double factor) const {
-  const RGB boosted = multiplySaturationOf(rgb(), factor);
-  return {boosted.red, boosted.green, boosted.blue, alpha};
-}
-
-KvColor KvColor::interpolateWithColorWithColor(const KvColor& other, double value) const {
-  const double t = detail::clampedToUnit(value);
-  return {red + t * (other.red - red), green + t * (other.green - green),
-          blue + t * (other.blue - blue), alpha + t * (other.alpha - alpha)};
-}
-
-double KvColor::intensityDifferenceWithColor(const std::optional<KvColor>& other) const {
-  if (!other) return 0;
-  return (std::abs(red - other->red) + std::abs(green - other->green) +
-          std::abs(blue - other->blue)) /
-         3;
-}
-
-void KvColor::addSaturation(double saturation, double lightness) {
-  HSL hsl = getHueSaturationLightness();
-  hsl.saturation = std::min(hsl.saturation + saturation, 1.0);
-  hsl.lightness = std::min(hsl.lightness + lightness, 1.0);
-  setHueSaturationLightness(hsl);
-}
-
-void KvColor::multiplySaturationBy(double saturation, double lightness) {
-  HSL hsl = getHueSaturationLightness();
-  hsl.saturation = std::min(hsl.saturation * saturation, 1.0);
-  hsl.lightness = std::min(hsl.lightness * lightness, 1.0);
-  setHueSaturationLightness(hsl);
-}
-
-bool operator==(const KvColor& a, const KvColor& b) { return identity(a) == identity(b); }
-
-bool KvColor::isEqualDiscardAlpha(const KvColor& other) const {
-  const auto hundredths = [](const KvColor& color) {
-    return std::array{truncated(color.red, 100), truncated(color.green, 100),
-                      truncated(color.blue, 100)};
-  };
-  return hundredths(*this) == hundredths(other);
-}
-
 KvColor KvColor::copy() const { return {red, green, blue, alpha}; }
 
 RGB KvColor::rgb() const { return {red, green, blue}; }
@@ -234,8 +141,3 @@ void KvColor::setHueSaturationLightness(const HSL& color) {
 }
 
 }  // namespace FrameworkUtility
-
-std::size_t std::hash<FrameworkUtility::KvColor>::operator()(
-    const FrameworkUtility::KvColor& color) const {
-  return std::hash<std::string>()(color.identifier());
-}
