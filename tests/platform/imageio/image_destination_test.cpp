@@ -5,22 +5,17 @@
 #include <framework_utility/platform/imageio/metadata/property_keys.h>
 #include <framework_utility/platform/imageio/ui_image_coding.h>
 #include <tests/platform/imageio/formats/jpeg_file.h>
+#include <tests/support/files.h>
 #include <tests/support/temporary_folder.h>
 
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <filesystem>
 #include <fstream>
-#include <iterator>
-#include <limits>
 
 namespace FrameworkUtility::testing {
 namespace {
-
-std::string contentsOf(const std::string& path) {
-  std::ifstream in(path, std::ios::binary);
-  return {std::istreambuf_iterator<char>(in), {}};
-}
 
 TEST(ImageDestination, NeedsAnEncoder) {
   const TemporaryFolder folder;
@@ -59,35 +54,22 @@ TEST(ImageDestination, HasAsManyImagesAsAnnounced) {
 
 TEST(ImageDestination, ReplacesAFileOnlyByAWholeOne) {
   const TemporaryFolder folder;
-  const std::string path = folder.path("a.jpeg");
-  std::ofstream(path) << "old";
-  Error error;
-  const auto write = [&](std::size_t width) {
-    const auto destination =
-        CGImageDestination::createWithURL(URL::fileURLWithPath(path), "public.jpeg", 1);
-    destination->addImage(makeImage(width, 1, CGColorSpace::createDeviceGray(),
-                                    CGImageAlphaInfo::none,
-                                    [](std::size_t, std::size_t) { return Pixel{9}; }));
-    return destination->finalize(&error);
+  const auto write = [&](const char* name, std::size_t width) {
+    const auto destination = CGImageDestination::createWithURL(
+        URL::fileURLWithPath(folder.path(name)), "public.jpeg", 1);
+    destination->addImage(quarters(width, 1));
+    Error error;
+    return destination->finalize(&error) ? std::nullopt : std::optional(error);
   };
-  EXPECT_FALSE(write(70'000));
-  EXPECT_EQ(error.localizedDescription(), "Maximum supported image dimension is 65500 pixels");
-  EXPECT_EQ(contentsOf(path), "old");
-  EXPECT_TRUE(write(7));
-  EXPECT_EQ(CGImageSource::createWithURL(URL::fileURLWithPath(path))->imageAtIndex(0)->width(), 7U);
-  std::filesystem::remove(path);
-  EXPECT_TRUE(std::filesystem::is_empty(folder.path()));
-}
-
-TEST(ImageDestination, FailsWhereTheFileCannotBeWritten) {
-  const TemporaryFolder folder;
-  const std::string path = folder.path("missing/a.jpeg");
-  const auto destination =
-      CGImageDestination::createWithURL(URL::fileURLWithPath(path), "public.jpeg", 1);
-  destination->addImage(quarters(8, 8));
-  Error error;
-  EXPECT_FALSE(destination->finalize(&error));
-  EXPECT_EQ(error.code(), NSFileNoSuchFileError);
+  std::ofstream(folder.path("a.jpeg")) << "old";
+  EXPECT_EQ(write("a.jpeg", 70'000)->localizedDescription(),
+            "Maximum supported image dimension is 65500 pixels");
+  EXPECT_EQ(contentsOf(FileManager::defaultManager(), folder.path("a.jpeg")), "old");
+  EXPECT_FALSE(write("a.jpeg", 7));
+  const auto source = CGImageSource::createWithURL(URL::fileURLWithPath(folder.path("a.jpeg")));
+  EXPECT_EQ(source->imageAtIndex(0)->width(), 7U);
+  EXPECT_EQ(write("missing/a.jpeg", 8)->code(), NSFileNoSuchFileError);
+  std::filesystem::remove(folder.path("a.jpeg"));
   EXPECT_TRUE(std::filesystem::is_empty(folder.path()));
 }
 
@@ -98,30 +80,25 @@ TEST(ImageDestination, QualityIsUsedAndNotStored) {
   };
   EXPECT_LT(sizeAt(0.1), sizeAt(1.0));
   EXPECT_EQ(sizeAt(7), sizeAt(1.0));
-  const std::size_t usual = jpegOf(image).size();
-  EXPECT_EQ(sizeAt(0.85), usual);
-  EXPECT_EQ(sizeAt("good"), usual);
-  EXPECT_EQ(sizeAt(-1), usual);
-  EXPECT_EQ(sizeAt(std::numeric_limits<double>::quiet_NaN()), usual);
+  for (const Value& usual : {Value(0.85), Value("good"), Value(-1), Value(std::nan(""))}) {
+    EXPECT_EQ(sizeAt(usual), jpegOf(image).size());
+  }
 }
 
 TEST(ImageDestination, MergesPropertiesIntoWhatTheSourceHeld) {
-  const Data first = jpegOf(
-      quarters(32, 32),
-      {{"Orientation", 6}, {"{TIFF}", Dictionary{{"Software", "Pelvar"}, {"Make", "Kestrin"}}}});
-  const auto source = CGImageSource::createWithData(first);
+  Dictionary tiff{{"Software", "Pelvar"}, {"Make", "Kestrin"}, {"Orientation", 6}};
+  const auto source = CGImageSource::createWithData(
+      jpegOf(quarters(32, 32), {{"Orientation", 6}, {"{TIFF}", tiff}}));
   Dictionary properties = *source->propertiesAtIndex(0);
-  properties.subdictionary("{TIFF}").set("Software", "Vumbo");
+  tiff.set("Software", "Vumbo");
+  properties.set("{TIFF}", tiff);
   const auto destination = CGImageDestination::createInMemory("public.jpeg", 1);
   destination->addImage(quarters(40, 20), properties, source->metadataBlocksAtIndex(0));
   ASSERT_TRUE(destination->finalize());
-  const Dictionary saved =
-      *CGImageSource::createWithData(*destination->data())->propertiesAtIndex(0);
-  EXPECT_EQ(*saved.get<Number>("PixelWidth"), Number(40));
-  EXPECT_EQ(*saved.get<Number>("Orientation"), Number(6));
-  const Dictionary& tiff = *saved.get<Dictionary>("{TIFF}");
-  EXPECT_EQ(*tiff.get<std::string>("Software"), "Vumbo");
-  EXPECT_EQ(*tiff.get<std::string>("Make"), "Kestrin");
+  const auto saved = CGImageSource::createWithData(*destination->data())->propertiesAtIndex(0);
+  EXPECT_EQ(*saved->find("PixelWidth"), Value(40));
+  EXPECT_EQ(*saved->find("Orientation"), Value(6));
+  EXPECT_EQ(*saved->get<Dictionary>("{TIFF}"), tiff);
 }
 
 TEST(UIImageCoding, JpegKeepsTheOrientation) {

@@ -132,8 +132,7 @@ TEST(ImageSource, FileThatShrinksIsDamagedNotFatal) {
 /// Written by libpng, one bit a pixel.
 Data bitmap(std::uint32_t side, bool isInterlaced) {
   PngPicture picture;
-  picture.width = side;
-  picture.height = side;
+  picture.width = picture.height = side;
   picture.depth = 1;
   picture.colorType = 0;
   picture.isInterlaced = isInterlaced;
@@ -147,115 +146,92 @@ Data bitmapBomb(std::uint32_t side, int interlacing) {
   return PngFile().header(side, side, 1, 0, interlacing).chunk("IDAT", Bytes(size)).data();
 }
 
+/// A JPEG up to its pixels, of which there are none.
+Data frame(unsigned marker, std::size_t side) {
+  return dataOf(jpegHeader(jpegFrame({.marker = marker, .width = side, .height = side})));
+}
+
+/// What the errors say of the whole and of a thumbnail; nothing where there is one.
+void expectLimited(const char* what, const Data& file, const CGImageSourceLimits& limits,
+                   const std::string& whole, const std::string& thumbnail) {
+  SCOPED_TRACE(what);
+  const auto bounded = CGImageSource::createWithData(file, {.limits = limits});
+  EXPECT_TRUE(bounded->propertiesAtIndex(0));
+  Error error;
+  EXPECT_EQ(bounded->imageAtIndex(0, &error).has_value(), whole.empty());
+  EXPECT_EQ(error.is(CGImageSourceError::tooLarge), !whole.empty());
+  EXPECT_THAT(error.localizedDescription(), HasSubstr(whole));
+
+  CGImageSourceThumbnailOptions small{.thumbnailMaxPixelSize = 50};
+  Error errors[2];
+  EXPECT_EQ(bounded->thumbnailAtIndex(0, small, &errors[0]).has_value(), thumbnail.empty());
+  small.limits = limits;
+  const auto open = CGImageSource::createWithData(file);
+  EXPECT_EQ(open->thumbnailAtIndex(0, small, &errors[1]).has_value(), thumbnail.empty());
+  EXPECT_EQ(errors[0], errors[1]);
+  EXPECT_THAT(errors[0].localizedDescription(), HasSubstr(thumbnail));
+}
+
 TEST(ImageSource, LimitsBindBeforeAnythingIsDecoded) {
+  constexpr std::uint64_t mebibyte = 1 << 20;
+  const std::string pixels = "The image has 2116000000 pixels, more than the limit of ";
+  const std::string bytes = " bytes of memory to decode, more than the limit of ";
+  expectLimited("bits", bitmapBomb(46'000, 0), {}, pixels + "536870912.", pixels);
+  expectLimited("bits, interlaced", bitmapBomb(46'000, 1), {}, pixels, pixels);
+  expectLimited("raised in vain", bitmapBomb(46'000, 0), {.mostPixels = 1UL << 40}, pixels, pixels);
+  expectLimited("pixels", bitmap(100, false), {.mostPixels = 9'999}, "of 9999.", "of 9999.");
+  // The thumbnail does without a gigabyte for the pixels.
+  expectLimited("progressive", frame(0xC2, 16'000), {.mostMemory = 512 * mebibyte},
+                "The image takes 25", "The image takes 15");
+  expectLimited("baseline", frame(0xC0, 16'000), {.mostMemory = 16 * mebibyte}, bytes,
+                "The file is damaged.");
+  expectLimited("bands", bitmap(4000, false), {.mostMemory = mebibyte / 8}, bytes, "");
+  expectLimited("no bands", bitmap(4000, true), {.mostMemory = 15 * mebibyte}, bytes, bytes);
+  expectLimited("no bands within", bitmap(4000, true), {.mostMemory = 16 * mebibyte}, "", "");
   std::ifstream in(JPEG_CORPUS "/progressive.jpg", std::ios::binary);
   const Data progressive = dataOf(std::string{std::istreambuf_iterator<char>(in), {}});
-  const auto frame = [](unsigned marker, std::size_t side) {
-    return dataOf(jpegHeader(jpegFrame({.marker = marker, .width = side, .height = side})));
-  };
-  const std::string tooManyPixels = "The image has 2116000000 pixels, more than the limit of ";
-  const std::string tooManyBytes = " bytes of memory to decode, more than the limit of ";
-  const std::string damaged = "The file is damaged.";
-  constexpr std::uint64_t mebibyte = 1 << 20;
-  const struct {
-    const char* what;
-    Data file;
-    CGImageSourceLimits limits;
-    std::string whole;  // how the error begins or goes on; empty for an image
-    std::string thumbnail;
-  } cases[] = {
-      {"bits", bitmapBomb(46'000, 0), {}, tooManyPixels + "536870912.", tooManyPixels},
-      {"bits, interlaced", bitmapBomb(46'000, 1), {}, tooManyPixels, tooManyPixels},
-      {"raised in vain",
-       bitmapBomb(46'000, 0),
-       {.mostPixels = 1UL << 40},
-       tooManyPixels,
-       tooManyPixels},
-      {"progressive",
-       frame(0xC2, 16'000),
-       {.mostMemory = 512 * mebibyte},
-       "The image takes 25",
-       "The image takes 15"},  // and a gigabyte for the pixels
-      {"baseline", frame(0xC0, 16'000), {.mostMemory = 16 * mebibyte}, tooManyBytes, damaged},
-      {"scans",
-       progressive,
-       {.mostScans = 3},
-       "The image has more scans than the limit of 3.",
-       "The image has more scans than the limit of 3."},
-      {"scans within", progressive, {.mostScans = 10}, "", ""},
-      {"bands", bitmap(4000, false), {.mostMemory = mebibyte / 8}, tooManyBytes, ""},
-      {"no bands", bitmap(4000, true), {.mostMemory = 15 * mebibyte}, tooManyBytes, tooManyBytes},
-      {"no bands within", bitmap(4000, true), {.mostMemory = 16 * mebibyte}, "", ""},
-      {"pixels", bitmap(100, false), {.mostPixels = 9'999}, "of 9999.", "of 9999."}};
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.what);
-    const auto bounded = CGImageSource::createWithData(c.file, {.limits = c.limits});
-    const auto open = CGImageSource::createWithData(c.file);
-    EXPECT_TRUE(bounded->propertiesAtIndex(0));
-    const CGImageSourceThumbnailOptions small{.thumbnailMaxPixelSize = 50};
-    CGImageSourceThumbnailOptions smallWithin = small;
-    smallWithin.limits = c.limits;
-    Error whole;
-    Error thumbnails[2];
-    EXPECT_EQ(bounded->imageAtIndex(0, &whole).has_value(), c.whole.empty());
-    EXPECT_EQ(bounded->thumbnailAtIndex(0, small, &thumbnails[0]).has_value(), c.thumbnail.empty());
-    EXPECT_EQ(open->thumbnailAtIndex(0, smallWithin, &thumbnails[1]).has_value(),
-              c.thumbnail.empty());
-    EXPECT_EQ(thumbnails[0], thumbnails[1]);
-    if (!c.whole.empty()) {
-      EXPECT_THAT(whole.localizedDescription(), HasSubstr(c.whole));
-      EXPECT_TRUE(whole.is(CGImageSourceError::tooLarge));
-    }
-    if (!c.thumbnail.empty()) {
-      EXPECT_THAT(thumbnails[0].localizedDescription(), HasSubstr(c.thumbnail));
-      EXPECT_EQ(thumbnails[0].is(CGImageSourceError::tooLarge), c.thumbnail != damaged);
-    }
-  }
+  const std::string scans = "The image has more scans than the limit of 3.";
+  expectLimited("scans", progressive, {.mostScans = 3}, scans, scans);
+  expectLimited("scans within", progressive, {.mostScans = 10}, "", "");
+}
+
+/// Each way to the pixels fails alike, and says which file it was.
+void expectFailure(const Data& data, const ErrorCode& code, const char* description) {
+  SCOPED_TRACE(description);
+  const TemporaryFolder folder;
+  const URL url = write(folder, "image", data);
+  Error errors[4];
+  const auto source = CGImageSource::createWithURL(url);
+  ASSERT_TRUE(source);
+  EXPECT_FALSE(source->imageAtIndex(0, &errors[0]));
+  EXPECT_THAT(errors[0], IsError(std::string(code.domain), code.code, description));
+  EXPECT_EQ(*errors[0].userInfo().get<std::string>(NSFilePathErrorKey), *url.path());
+  EXPECT_FALSE(source->thumbnailAtIndex(0, {}, &errors[1]));
+  EXPECT_EQ(errors[1], errors[0]);
+  EXPECT_FALSE(imageWithContentsOfFile(*url.path(), &errors[2]));
+  EXPECT_EQ(errors[2], errors[0]);
+  EXPECT_FALSE(imageWithData(data, &errors[3]));
+  EXPECT_EQ(errors[3].localizedDescription(), description);
 }
 
 TEST(ImageSource, EveryFailureFillsTheErrorThatIsShared) {
-  const TemporaryFolder folder;
+  constexpr ErrorCode corrupt = CGImageSourceError::corruptFile;
+  constexpr ErrorCode unsupported = CGImageSourceError::unsupported;
   const Data jpeg = jpegOf(quarters(64, 64));
-  const std::string twelveBits = jpegHeader(jpegFrame({.precision = 12}));
-  const struct {
-    const char* name;
-    Data file;
-    ErrorCode code;
-    const char* description;
-  } cases[] = {
-      {"empty", Data(), CGImageSourceError::corruptFile, "The file is empty."},
-      {"text", dataOf("hello"), CGImageSourceError::corruptFile, "The file is not an image."},
-      {"a.heic",
-       dataOf("\0\0\0\x18"
-              "ftypheic\0\0\0\0"s),
-       CGImageSourceError::unsupported, "HEIC is not read here."},
-      {"a.gif", dataOf("GIF89a"), CGImageSourceError::unsupported, "GIF is not read here."},
-      {"cut.jpg", Data(std::span(jpeg.data(), 30)), CGImageSourceError::corruptFile,
-       "The file is cut off."},
-      {"half.jpg", Data(std::span(jpeg.data(), jpeg.size() - 20)), CGImageSourceError::corruptFile,
-       "The file is cut off."},
-      {"frames.jpg", dataOf(jpegHeader(jpegFrame() + jpegFrame())), CGImageSourceError::corruptFile,
-       "The file is damaged."},
-      {"12.jpg", dataOf(twelveBits), CGImageSourceError::unsupported,
-       "Images of this kind are not read here."}};
-  Error error(NSPOSIXErrorDomain, 1);
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.name);
-    const URL url = write(folder, c.name, c.file);
-    const auto source = CGImageSource::createWithURL(url, {}, &error);
-    ASSERT_TRUE(source);
-    EXPECT_FALSE(source->imageAtIndex(0, &error));
-    EXPECT_THAT(error, IsError(std::string(c.code.domain), c.code.code, c.description));
-    EXPECT_EQ(*error.userInfo().get<std::string>(NSFilePathErrorKey), *url.path());
-    const Error first = std::exchange(error, Error());
-    EXPECT_FALSE(source->thumbnailAtIndex(0, {}, &error));
-    EXPECT_EQ(std::exchange(error, Error()), first);
-    EXPECT_FALSE(imageWithContentsOfFile(*url.path(), &error));
-    EXPECT_EQ(std::exchange(error, Error()), first);
-    EXPECT_FALSE(imageWithData(c.file, &error));
-    EXPECT_EQ(error.localizedDescription(), c.description);
+  expectFailure(Data(), corrupt, "The file is empty.");
+  expectFailure(dataOf("hello"), corrupt, "The file is not an image.");
+  expectFailure(dataOf("\0\0\0\x18"
+                       "ftypheic\0\0\0\0"s),
+                unsupported, "HEIC is not read here.");
+  expectFailure(dataOf("GIF89a"), unsupported, "GIF is not read here.");
+  for (const std::size_t size : {std::size_t{30}, jpeg.size() - 20}) {
+    expectFailure(Data(std::span(jpeg).first(size)), corrupt, "The file is cut off.");
   }
+  expectFailure(dataOf(jpegHeader(jpegFrame() + jpegFrame())), corrupt, "The file is damaged.");
+  expectFailure(dataOf(jpegHeader(jpegFrame({.precision = 12}))), unsupported,
+                "Images of this kind are not read here.");
   const auto whole = CGImageSource::createWithData(jpeg);
+  Error error;
   EXPECT_FALSE(whole->imageAtIndex(1, &error));
   EXPECT_THAT(error, IsError(CGImageSourceError::noSuchImage));
   EXPECT_FALSE(whole->thumbnailAtIndex(0, {.thumbnailMaxPixelSize = 0}, &error));

@@ -77,5 +77,24 @@ TEST_F(MetadataTest, AnOrientationAtTheTopTurnsXmpToo) {
             (Dictionary{{"Orientation", 1}, {"{TIFF}", Dictionary{{"Orientation", 1}}}}));
 }
 
+TEST_F(MetadataTest, WhatDoesNotFitIsLeftOutAndTheRestIsRead) {
+  const std::string large(5000, 'x');
+  const Dictionary given{{"{TIFF}", Dictionary{{"Make", large}, {"Software", "S"}}},
+                         {"{IPTC}", Dictionary{{"City", large}, {"Headline", "H"}}}};
+  blocks_ = mergeMetadata(nullptr, given, pixels);
+  blocks_.xmp = packetOf(" xmlns:tiff='http://ns.adobe.com/tiff/1.0/' tiff:Artist='" + large +
+                         "' tiff:Model='M'");
+  MetadataBudget budget;
+  ASSERT_TRUE(budget.spend(0, (8 << 20) - 4000));
+  Dictionary properties;
+  readExif(blocks_.exif, properties, budget);
+  readImageResources(blocks_.imageResources, properties, budget);
+  addXmp(readXmp(blocks_.xmp, properties, budget), properties);
+  budget.tell(properties);
+  EXPECT_EQ(properties, (Dictionary{{"{TIFF}", Dictionary{{"Software", "S"}, {"Model", "M"}}},
+                                    {"{IPTC}", Dictionary{{"Headline", "H"}}},
+                                    {"MetadataLeftOut", Value(Array{"{TIFF}", "{IPTC}"})}}));
+}
+
 }  // namespace
 }  // namespace FrameworkUtility::detail
