@@ -1,35 +1,23 @@
 #include <framework_utility/color/images/gradient_image.h>
 #include <framework_utility/platform/graphics/rgba_rows.h>
 #include <framework_utility/platform/imageio/image_source.h>
-#include <tests/support/run_program.h>
-#include <tests/support/temporary_folder.h>
-
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
+#include <tests/kvtool/kvtool_test.h>
 
 #include <cstdint>
 #include <filesystem>
-#include <string>
 #include <vector>
 
 namespace FrameworkUtility {
 namespace {
 
 using ::testing::HasSubstr;
-using testing::ProgramResult;
 using enum GradientDirection;
 
-class GradientCommandTest : public ::testing::Test {
+class GradientCommandTest : public testing::KvtoolTest {
  protected:
-  ProgramResult run(const std::string& arguments) const {
-    return testing::runProgram("'" KVTOOL "' gradient " + arguments, folder_.path());
-  }
-
   std::optional<CGImageSource> source(const std::string& name) const {
-    return CGImageSource::createWithURL(URL::fileURLWithPath(folder_.path(name)));
+    return CGImageSource::createWithURL(URL::fileURLWithPath(path(name)));
   }
-
-  const testing::TemporaryFolder folder_;
 };
 
 std::vector<std::uint8_t> pixelsOf(const CGImage& image) {
@@ -62,9 +50,7 @@ TEST_F(GradientCommandTest, DrawsEveryKind) {
            {"selective --colors '#FF0008'",  // just before the circle closes
             selectiveHueGradientImageForType(SelectiveHsl::red, size, horizontal)}}) {
     SCOPED_TRACE(arguments);
-    const ProgramResult result = run("--size 40x30 --out a.png --kind " + arguments);
-    EXPECT_EQ(result.exitCode, 0);
-    EXPECT_EQ(result.output + result.problems, "");
+    EXPECT_EQ(output("gradient --size 40x30 --out a.png --kind " + arguments), "");
     ASSERT_TRUE(source("a.png"));
     EXPECT_EQ(pixelsOf(*source("a.png")->imageAtIndex(0)), pixelsOf(*expected->cgImage()));
   }
@@ -73,7 +59,7 @@ TEST_F(GradientCommandTest, DrawsEveryKind) {
 TEST_F(GradientCommandTest, TheExtensionChoosesTheFormat) {
   for (const auto& [name, type] :
        {std::pair{"a.jpg", "public.jpeg"}, {"a.PNG", "public.png"}, {"a", "public.png"}}) {
-    EXPECT_EQ(run(std::string("--kind hue --size 7x5 --out ") + name).exitCode, 0);
+    EXPECT_EQ(output(std::string("gradient --kind hue --size 7x5 --out ") + name), "");
     ASSERT_TRUE(source(name));
     EXPECT_EQ(source(name)->type(), type);
     EXPECT_EQ(source(name)->imageAtIndex(0)->width(), 7U);
@@ -83,11 +69,11 @@ TEST_F(GradientCommandTest, TheExtensionChoosesTheFormat) {
 TEST_F(GradientCommandTest, WhatCannotBeDrawnOrWrittenIsReported) {
   for (const char* arguments :
        {"--size 65535x65535 --out a.png", "--size 4x4 --out no/folder/a.png"}) {
-    const ProgramResult result = run(std::string("--kind lightness ") + arguments);
+    const auto result = run(std::string("gradient --kind lightness ") + arguments);
     EXPECT_EQ(result.exitCode, 1) << arguments;
     EXPECT_THAT(result.problems, HasSubstr("kvtool: ")) << arguments;
   }
-  EXPECT_FALSE(std::filesystem::exists(folder_.path("a.png")));
+  EXPECT_FALSE(std::filesystem::exists(path("a.png")));
 }
 
 }  // namespace

@@ -1,16 +1,8 @@
-#include <framework_utility/platform/foundation/files/files.h>
-#include <framework_utility/platform/imageio/image_source.h>
-#include <tests/imageio/pictures.h>
-#include <tests/support/files.h>
-#include <tests/support/run_program.h>
-#include <tests/support/temporary_folder.h>
-
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
+#include <tests/kvtool/kvtool_test.h>
 
 #include <filesystem>
 #include <fstream>
-#include <string>
+#include <utility>
 
 namespace FrameworkUtility {
 namespace {
@@ -39,36 +31,20 @@ const Writer writers[] = {
     {"thumbnail a.png -s 3 -o ", pngMark},
 };
 
-class OutputTest : public ::testing::Test {
+class OutputTest : public testing::KvtoolTest {
  protected:
-  OutputTest() {
-    testing::writeFile(path("a.png"), testing::encoded(testing::redAndBlue(20, 10), "public.png"));
-  }
-
-  std::string path(const std::string& name) const { return folder_.path(name); }
-
-  ProgramResult run(const std::string& arguments) const {
-    return testing::runProgram("'" KVTOOL "' " + arguments, folder_.path());
-  }
-
-  std::string contents(const std::string& name) const {
-    return testing::contentsOf(FileManager::defaultManager(), path(name)).value_or("");
-  }
-
-  const testing::TemporaryFolder folder_;
+  OutputTest() { write("a.png", testing::redAndBlue(20, 10), "png"); }
 };
 
 TEST_F(OutputTest, StandardOutputGetsTheResultAndNothingElse) {
   for (const auto& [command, beginning] : writers) {
     SCOPED_TRACE(command);
-    const ProgramResult result = run(command + "-");
-    EXPECT_EQ(result.exitCode, 0);
-    EXPECT_EQ(result.problems, "");
-    EXPECT_THAT(result.output, StartsWith(beginning));
-    EXPECT_EQ(run(command + "/dev/stdout").output, result.output);
+    const std::string result = output(command + "-");
+    EXPECT_THAT(result, StartsWith(beginning));
+    EXPECT_EQ(run(command + "/dev/stdout").output, result);
     EXPECT_FALSE(fs::exists(path("-")));
     EXPECT_EQ(run(command + "file").exitCode, 0);
-    EXPECT_EQ(contents("file"), result.output);
+    EXPECT_EQ(contents("file"), result);
     fs::remove(path("file"));
   }
 }
@@ -76,10 +52,9 @@ TEST_F(OutputTest, StandardOutputGetsTheResultAndNothingElse) {
 TEST_F(OutputTest, PipesAndDevicesAreWrittenThrough) {
   for (const auto& [command, beginning] : writers) {
     SCOPED_TRACE(command);
-    const ProgramResult result = testing::runProgram(
-        "mkfifo pipe && { timeout 20 cat pipe & timeout 20 '" KVTOOL "' " + command +
-            "pipe; code=$?; wait; test -p pipe && rm pipe && exit $code; }",
-        folder_.path());
+    const ProgramResult result =
+        runLine("mkfifo pipe && { timeout 20 cat pipe & timeout 20 " + tool + command +
+                "pipe; code=$?; wait; test -p pipe && rm pipe && exit $code; }");
     EXPECT_EQ(result.exitCode, 0);
     EXPECT_EQ(result.problems, "");
     EXPECT_THAT(result.output, HasSubstr(beginning));
@@ -113,24 +88,15 @@ TEST_F(OutputTest, ALinksTargetIsReplaced) {
 }
 
 TEST_F(OutputTest, StandardInputIsReadLikeAFile) {
-  const std::pair<std::string, std::string> cases[] = {
-      {"metadata -j", R"({"file": "-", )"},
-      {"save -o -", pngMark},
-      {"thumbnail -s 3 -o -", pngMark},
-      {"palette -q full -c 1", "#FF0000"},
-  };
-  for (const auto& [command, beginning] : cases) {
-    SCOPED_TRACE(command);
-    const ProgramResult piped =
-        testing::runProgram("cat a.png | '" KVTOOL "' " + command + " -", folder_.path());
-    EXPECT_EQ(piped.exitCode, 0);
-    EXPECT_THAT(piped.output, StartsWith(beginning));
-    if (command.starts_with("metadata")) continue;  // which names the file
-    EXPECT_EQ(piped.output, run(command + " a.png").output);
+  for (const std::string command :
+       {"save -o -", "thumbnail -s 3 -o -", "palette -q full -c 1", "metadata"}) {
+    std::string expected = output(command + " a.png");
+    if (command == "metadata") expected.replace(0, 5, "standard input");
+    EXPECT_EQ(runLine("cat a.png | " + tool + command + " -").output, expected) << command;
+    EXPECT_EQ(run(command + " - <a.png").output, expected) << command;
   }
-  EXPECT_THAT(testing::runProgram("'" KVTOOL "' metadata - <a.png", folder_.path()).output,
-              HasSubstr("fileSize  " + std::to_string(fs::file_size(path("a.png"))) + "\n"));
-  EXPECT_THAT(run("save - <a.png").output, EndsWith("/stdin.png\n"));
+  EXPECT_THAT(output("metadata -j - <a.png"), StartsWith(R"({"file": "-", )"));
+  EXPECT_THAT(output("save - <a.png"), EndsWith("/stdin.png\n"));
   EXPECT_THAT(run("metadata - </dev/null").problems,
               HasSubstr("standard input: the file is empty"));
 }
@@ -173,7 +139,7 @@ TEST_F(OutputTest, CausesAreToldInPlainWords) {
 }
 
 TEST_F(OutputTest, ManyFilesEndInASummary) {
-  testing::writeFile(path("b.jpg"), testing::encoded(testing::redAndBlue(20, 10), "public.jpeg"));
+  write("b.jpg", testing::redAndBlue(20, 10), "jpeg");
   fs::create_directory(path("more"));
   fs::copy_file(path("b.jpg"), path("more/b.jpg"));
 
