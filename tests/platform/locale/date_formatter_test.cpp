@@ -1,7 +1,9 @@
 #include <framework_utility/platform/locale/date_formatter.h>
+#include <tests/support/words.h>
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <chrono>
 #include <cstdint>
 #include <random>
@@ -52,37 +54,19 @@ TEST(DateFormatterTest, ReadsStrictly) {
     EXPECT_EQ(formatter.dateFromString("٢٠٢٤:٠٥:١٧ ٠٨:٣٠:٠٩"), may17);
     EXPECT_EQ(formatter.dateFromString("2024:02:29 23:59:59"),
               sys_days{2024y / 2 / 29} + 23h + 59min + 59s);
-    for (const char* text : {"",
-                             " ",
-                             "2024",
-                             "2024:02:30 00:00:00",
-                             "2023:02:29 00:00:00",
-                             "2024:00:10 00:00:00",
-                             "2024:13:10 00:00:00",
-                             "2024:05:00 00:00:00",
-                             "2024:05:32 00:00:00",
-                             "2024:05:17 24:00:00",
-                             "2024:05:17 00:60:00",
-                             "2024:05:17 23:59:60",
-                             "0000:00:00 00:00:00",
-                             "0000:01:01 00:00:00",
-                             "    :  :     :  :  ",
-                             "2024-05-17 08:30:09",
-                             "2024:05:17T08:30:09",
-                             "2024:5:7 8:3:9",
-                             "24:05:17 08:30:09",
-                             " 2024:05:17 08:30:09",
-                             "2024:05:17 08:30:09 ",
-                             "2024:05:17  08:30:09",
-                             "2024:05:17 08:30:09.5",
-                             "2024:05:17 08:30",
-                             "2e3:05:17 08:30:09",
-                             "+2024:05:17 08:30:09",
-                             "-2024:05:17 08:30:09",
-                             "2024:05:17 08:30:0\xff",
-                             "2024:05:17 -8:30:09"}) {
+    for (std::string text : testing::words(R"(
+             _ 2024 2024:02:30_00:00:00 2023:02:29_00:00:00 2024:00:10_00:00:00 2024:13:10_00:00:00
+             2024:05:00_00:00:00 2024:05:32_00:00:00 2024:05:17_24:00:00 2024:05:17_00:60:00
+             2024:05:17_23:59:60 0000:00:00_00:00:00 0000:01:01_00:00:00 ____:__:__ __:__:__
+             2024-05-17_08:30:09 2024:05:17T08:30:09 2024:5:7_8:3:9 24:05:17_08:30:09
+             _2024:05:17_08:30:09 2024:05:17_08:30:09_ 2024:05:17__08:30:09 2024:05:17_08:30:09.5
+             2024:05:17_08:30 2e3:05:17_08:30:09 +2024:05:17_08:30:09 -2024:05:17_08:30:09
+             2024:05:17_-8:30:09 2024:05:17_08:30:0x 2024:05:17_08:30:0/)")) {
+      std::replace(text.begin(), text.end(), '_', ' ');
       EXPECT_FALSE(formatter.dateFromString(text)) << zone << " '" << text << '\'';
     }
+    EXPECT_FALSE(formatter.dateFromString(""));
+    EXPECT_FALSE(formatter.dateFromString("2024:05:17 08:30:0\xff"));
     using namespace std::string_view_literals;
     EXPECT_FALSE(formatter.dateFromString("2024:05:17 08:30:09\0"sv));
     EXPECT_FALSE(formatter.dateFromString(std::string(10'000'000, '1')));
@@ -108,16 +92,17 @@ TEST(DateFormatterTest, ClockTimesThatAZoneLeapsOverAreNone) {
 TEST(DateFormatterTest, TheOwnPathAgreesWithTheLocaleData) {
   std::mt19937_64 bits(17);
   std::uniform_int_distribution<std::int64_t> years1500To10100(-14'831'769'600, 256'560'000'000);
-  const char* languages[] = {"bg", "ca", "cs", "da", "de", "el", "en", "es", "et", "eu",
-                             "fi", "fr", "ga", "gl", "he", "hr", "hu", "id", "is", "it",
-                             "ja", "ko", "lt", "lv", "ms", "nb", "nl", "nn", "no", "pl",
-                             "pt", "ro", "ru", "sk", "sl", "sv", "tr", "uk", "vi", "zh"};
-  const char* regions[] = {"", "_AE", "_AF", "_EG", "_IN", "_IR", "_SA", "_TH", "_TW", "_US"};
+  const auto languages = testing::words(
+      "bg ca cs da de el en es et eu fi fr ga gl he hr hu id is it ja ko lt lv ms nb nl nn no pl "
+      "pt ro ru sk sl sv tr uk vi zh");
+  const auto regions = testing::words(
+      "_US _AE _AF _EG _IN _IR _SA _TH _TW @calendar=buddhist _TH@calendar=gregorian "
+      "_US@numbers=deva");
   const char* zones[] = {"UTC", "Europe/Paris", "America/St_Johns", "Pacific/Apia"};
   int turn = 0;
-  for (const char* language : languages) {
-    for (const char* region : regions) {
-      const Locale locale(std::string(language) + region);
+  for (const std::string& language : languages) {
+    for (const std::string& region : regions) {
+      const Locale locale(language + region);
       const TimeZone zone = *TimeZone::withName(zones[turn++ % 4]);
       const DateFormatter own(photoPattern, locale, zone), data(quotedPattern, locale, zone);
       const Date date{seconds(years1500To10100(bits))};

@@ -1,8 +1,11 @@
 #include <framework_utility/platform/locale/locale.h>
+
+#include <framework_utility/platform/locale/character_set.h>
 #include <tests/support/scoped_environment.h>
 
 #include <gtest/gtest.h>
 
+#include <string>
 #include <type_traits>
 #include <utility>
 
@@ -38,6 +41,18 @@ TEST(LocaleTest, WhatIsNoIdentifierIsPlainEnglish) {
   }
   EXPECT_EQ(Locale(std::string(100'000, 'x')), Locale("C"));
   EXPECT_EQ(Locale("en_" + std::string(200, 'X')), Locale("C"));
+}
+
+TEST(CharacterSetTest, BlanksAndEndsOfLinesAreTheToolkits) {
+  std::u32string blanks, ends;
+  for (char32_t c = 0; c < 0x110000; ++c) {
+    if (isWhitespace(c)) blanks += c;
+    if (isNewline(c)) ends += c;
+  }
+  EXPECT_EQ(blanks,
+            U"\t \u00A0\u1680\u2000\u2001\u2002\u2003\u2004\u2005\u2006\u2007\u2008"
+            U"\u2009\u200A\u200B\u202F\u205F\u3000");
+  EXPECT_EQ(ends, U"\n\v\f\r\x85\u2028\u2029");
 }
 
 TEST(LocaleTest, TheUsersIsReadInTheOrderOfTheSystem) {

@@ -9,7 +9,9 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <memory>
+#include <typeinfo>
 
 namespace FrameworkUtility {
 namespace {
@@ -37,36 +39,33 @@ std::shared_ptr<UIView> unarchived(const Data& data, Error* error = nullptr) {
 TEST(ViewCodingTest, ATreeOfViewsComesBack) {
   const auto window = std::make_shared<UIWindow>(Rect(0, 0, 320, 480));
   const auto scroll = std::make_shared<UIScrollView>(Rect(10, 20, 100, 80));
-  scroll->setContentOffset({0, 500});
-  const auto label = std::make_shared<UILabel>(Rect(1, 2, 3, 4));
   const auto image = std::make_shared<UIImageView>(Rect(5, 6, 7, 8));
+  scroll->setContentOffset({0, 500});
   image->setUserInteractionEnabled(true);
   image->setHidden(true);
-  const auto badge = std::make_shared<BadgeView>(Rect(-1.5, 0, 44, 44));
-  scroll->addSubview(label);
+  scroll->addSubview(std::make_shared<UILabel>(Rect(1, 2, 3, 4)));
   scroll->addSubview(image);
   window->addSubview(scroll);
-  window->addSubview(badge);
+  window->addSubview(std::make_shared<BadgeView>(Rect(-1.5, 0, 44, 44)));
 
   const auto data = archived(window);
   ASSERT_TRUE(data);
   const auto again = unarchived(*data);
   ASSERT_TRUE(again);
-  EXPECT_EQ(again->className(), "UIWindow");
-  EXPECT_EQ(again->frame(), window->frame());
-  ASSERT_EQ(again->subviews().size(), 2U);
-  const UIView& first = *again->subviews()[0];
-  EXPECT_EQ(first.className(), "UIScrollView");
-  EXPECT_EQ(first.frame(), scroll->frame());
-  EXPECT_EQ(first.bounds(), Rect(0, 500, 100, 80));
-  EXPECT_EQ(first.superview(), again.get());
-  ASSERT_EQ(first.subviews().size(), 2U);
-  EXPECT_EQ(first.subviews()[0]->frame(), Rect(1, 2, 3, 4));
-  EXPECT_FALSE(first.subviews()[0]->isUserInteractionEnabled());
-  EXPECT_TRUE(first.subviews()[1]->isUserInteractionEnabled());
-  EXPECT_TRUE(first.subviews()[1]->isHidden());
-  EXPECT_TRUE(dynamic_cast<const BadgeView*>(again->subviews()[1].get()));
-  EXPECT_FALSE(again->subviews()[1]->isHidden());
+  const std::function<void(const UIView&, const UIView&)> expectSame = [&](const UIView& found,
+                                                                           const UIView& view) {
+    EXPECT_EQ(typeid(found), typeid(view)) << found.className();
+    EXPECT_EQ(found.frame(), view.frame());
+    EXPECT_EQ(found.bounds(), view.bounds());
+    EXPECT_EQ(found.isHidden(), view.isHidden());
+    EXPECT_EQ(found.isUserInteractionEnabled(), view.isUserInteractionEnabled());
+    ASSERT_EQ(found.subviews().size(), view.subviews().size());
+    for (std::size_t i = 0; i < view.subviews().size(); ++i) {
+      EXPECT_EQ(found.subviews()[i]->superview(), &found);
+      expectSame(*found.subviews()[i], *view.subviews()[i]);
+    }
+  };
+  expectSame(*again, *window);
 }
 
 TEST(ViewCodingTest, ReadsWhatOthersWrite) {

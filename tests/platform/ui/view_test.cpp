@@ -5,6 +5,7 @@
 
 #include <memory>
 #include <random>
+#include <utility>
 #include <vector>
 
 namespace FrameworkUtility {
@@ -16,43 +17,24 @@ std::shared_ptr<UIView> addView(UIView& superview, const Rect& frame = {}) {
   return view;
 }
 
-TEST(ViewTest, StartsWithTheBoundsOfItsFrame) {
-  const UIView view(Rect(10, 20, 30, 40));
+TEST(ViewTest, FrameAndBoundsMoveEachOther) {
+  UIView view(Rect(10, 20, 30, 40));
   EXPECT_EQ(view.frame(), Rect(10, 20, 30, 40));
   EXPECT_EQ(view.bounds(), Rect(0, 0, 30, 40));
-  EXPECT_FALSE(view.isHidden());
-  EXPECT_TRUE(view.isUserInteractionEnabled());
-  EXPECT_EQ(view.superview(), nullptr);
-  EXPECT_EQ(view.window(), nullptr);
-  EXPECT_EQ(view.className(), "UIView");
-  EXPECT_EQ(UIWindow().className(), "UIWindow");
-}
-
-TEST(ViewTest, AnotherFrameKeepsTheScrolling) {
-  UIView view(Rect(10, 20, 30, 40));
-  view.setBounds(Rect(5, 500, 30, 40));
-  view.setFrame(Rect(1, 2, 3, 4));
-  EXPECT_EQ(view.frame(), Rect(1, 2, 3, 4));
-  EXPECT_EQ(view.bounds(), Rect(5, 500, 3, 4));
-}
-
-TEST(ViewTest, OtherBoundsKeepTheCentre) {
-  UIView view(Rect(10, 20, 30, 40));
   view.setBounds(Rect(0, 500, 30, 40));  // scrolled
   EXPECT_EQ(view.frame(), Rect(10, 20, 30, 40));
-  view.setBounds(Rect(0, 500, 10, 60));
+  view.setBounds(Rect(5, 500, 10, 60));  // around the same centre
   EXPECT_EQ(view.frame(), Rect(20, 10, 10, 60));
-}
+  view.setFrame(Rect(1, 2, 3, 4));  // stays scrolled
+  EXPECT_EQ(view.frame(), Rect(1, 2, 3, 4));
+  EXPECT_EQ(view.bounds(), Rect(5, 500, 3, 4));
 
-TEST(ViewTest, PointsAreInsideTheBounds) {
-  UIView view(Rect(10, 20, 30, 40));
-  view.setBounds(Rect(0, 500, 30, 40));
   view.setHidden(true);  // which is for hit testing, not for the place
   view.setUserInteractionEnabled(false);
-  EXPECT_TRUE(view.pointInside({0, 500}, nullptr));
-  EXPECT_TRUE(view.pointInside({29.9, 539.9}, nullptr));
-  EXPECT_FALSE(view.pointInside({30, 500}, nullptr));
-  EXPECT_FALSE(view.pointInside({0, 499}, nullptr));
+  EXPECT_TRUE(view.pointInside({5, 500}, nullptr));
+  EXPECT_TRUE(view.pointInside({7.9, 503.9}, nullptr));
+  EXPECT_FALSE(view.pointInside({8, 500}, nullptr));
+  EXPECT_FALSE(view.pointInside({5, 499}, nullptr));
 }
 
 TEST(ViewTest, AViewHasOnePlaceInOneTree) {
@@ -83,37 +65,22 @@ TEST(ViewTest, WhatIsHeldOutlivesItsSuperview) {
   EXPECT_TRUE(unheld.expired());
 }
 
-TEST(ViewTest, FindsItsWindow) {
-  UIWindow window;
-  EXPECT_EQ(window.window(), &window);
-  const auto view = addView(*addView(window));
-  EXPECT_EQ(view->window(), &window);
-  view->removeFromSuperview();
-  EXPECT_EQ(view->window(), nullptr);
-}
-
-TEST(ViewTest, ConvertsPointsWithinATree) {
-  UIView top;
+TEST(ViewTest, ConvertsPointsWithinATreeAndOverTheScreen) {
+  UIWindow top(Rect(0, 0, 800, 600)), second(Rect(800, 100, 400, 300));
   const auto left = addView(top, Rect(10, 20, 100, 100));
   const auto inner = addView(*left, Rect(3, 4, 50, 50));
   const auto right = addView(top, Rect(200, 0, 100, 100));
+  const auto other = addView(*addView(second, Rect(20, 20, 90, 90)), Rect(1, 1, 5, 5));
   left->setBounds(Rect(0, 7, 100, 100));  // scrolled by 7
   right->setBounds(Rect(1, 0, 100, 100));
-
-  EXPECT_EQ(inner->convertPointToCoordinateSpace({1, 1}, *left), (Point{4, 5}));
-  EXPECT_EQ(inner->convertPointToCoordinateSpace({1, 1}, top), (Point{14, 18}));
-  EXPECT_EQ(top.convertPointToCoordinateSpace({14, 18}, *inner), (Point{1, 1}));
-  EXPECT_EQ(inner->convertPointToCoordinateSpace({1, 1}, *right), (Point{-185, 18}));
-  EXPECT_EQ(right->convertPointToCoordinateSpace({-185, 18}, *inner), (Point{1, 1}));
-  EXPECT_EQ(inner->convertPointToCoordinateSpace({0.1, 0.3}, *inner), (Point{0.1, 0.3}));
-}
-
-TEST(ViewTest, WindowsMeetOnTheScreen) {
-  UIWindow main(Rect(0, 0, 800, 600)), second(Rect(800, 100, 400, 300));
-  const auto a = addView(main, Rect(10, 10, 5, 5));
-  const auto b = addView(*addView(second, Rect(20, 20, 90, 90)), Rect(1, 1, 5, 5));
-  EXPECT_EQ(a->convertPointToCoordinateSpace({2, 3}, *b), (Point{12 - 821, 13 - 121}));
-  EXPECT_EQ(b->convertPointToCoordinateSpace({0, 0}, main), (Point{821, 121}));
+  for (const auto& [to, point] : {std::pair<UIView*, Point>{left.get(), {4, 5}},
+                                  {&top, {14, 18}},
+                                  {right.get(), {-185, 18}},
+                                  {inner.get(), {1, 1}},
+                                  {other.get(), {14 - 821, 18 - 121}}}) {
+    EXPECT_EQ(inner->convertPointToCoordinateSpace({1, 1}, *to), point);
+    EXPECT_EQ(to->convertPointToCoordinateSpace(point, *inner), (Point{1, 1}));
+  }
 }
 
 TEST(ViewTest, ConvertingThereAndBackComesToTheSamePoint) {
@@ -167,7 +134,7 @@ TEST(ViewDeathTest, AViewCannotBeAboveItself) {
   EXPECT_DEATH(below->addSubview(top), "into itself");
 }
 
-TEST(SceneTest, AWindowKnowsItsScene) {
+TEST(SceneTest, AViewFindsItsWindowAndThatItsScene) {
   class Scene : public UIScene {
    public:
     std::string_view className() const override { return "Scene"; }
@@ -176,10 +143,15 @@ TEST(SceneTest, AWindowKnowsItsScene) {
   };
   const Scene scene;
   UIWindow window;
+  EXPECT_EQ(window.className(), "UIWindow");
+  EXPECT_EQ(window.window(), &window);
   EXPECT_EQ(window.windowScene(), nullptr);
   window.setWindowScene(&scene);
-  const auto view = addView(window);
+  const auto view = addView(*addView(window));
+  EXPECT_EQ(view->className(), "UIView");
   EXPECT_EQ(view->window()->windowScene(), &scene);
+  view->removeFromSuperview();
+  EXPECT_EQ(view->window(), nullptr);
 }
 
 }  // namespace
