@@ -4,22 +4,18 @@
 
 #include <gtest/gtest.h>
 
-#include <utility>
-
 namespace FrameworkUtility::detail {
 namespace {
 
 TEST(AreaScalerTest, IsTheAverageOfTheArea) {
-  for (const auto& [size, target] : {std::pair{PixelSize{40, 30}, PixelSize{10, 10}},
-                                     {{40, 30}, {40, 30}},
-                                     {{41, 31}, {40, 30}},
-                                     {{41, 31}, {7, 5}},
-                                     {{41, 31}, {1, 1}},
-                                     {{1, 31}, {1, 4}},
-                                     {{41, 1}, {4, 1}},
-                                     {{3, 1500}, {2, 2}},
-                                     {{1500, 3}, {2, 2}},
-                                     {{97, 89}, {53, 83}}}) {
+  struct Case {
+    PixelSize size, target;
+  };
+  for (const auto& [size, target] :
+       {Case{{40, 30}, {10, 10}}, Case{{40, 30}, {40, 30}}, Case{{41, 31}, {40, 30}},
+        Case{{41, 31}, {7, 5}}, Case{{41, 31}, {1, 1}}, Case{{1, 31}, {1, 4}},
+        Case{{41, 1}, {4, 1}}, Case{{3, 1500}, {2, 2}}, Case{{1500, 3}, {2, 2}},
+        Case{{97, 89}, {53, 83}}}) {
     for (const std::size_t components : {1U, 3U, 4U}) {
       SCOPED_TRACE(::testing::Message() << size.width << 'x' << size.height << " to "
                                         << target.width << 'x' << target.height);
@@ -46,7 +42,8 @@ TEST(AreaScalerTest, IsTheAverageOfTheArea) {
 }
 
 TEST(AreaScalerTest, RefusesToEnlarge) {
-  for (const PixelSize& target : {PixelSize{11, 10}, {10, 11}, {0, 10}, {10, 0}}) {
+  for (const PixelSize& target :
+       {PixelSize{11, 10}, PixelSize{10, 11}, PixelSize{0, 10}, PixelSize{10, 0}}) {
     EXPECT_FALSE(AreaScaler::create({10, 10}, target, 4)) << target.width << ' ' << target.height;
   }
   constexpr std::size_t tooMuch = std::size_t{1} << 40;

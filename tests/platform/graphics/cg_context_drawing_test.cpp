@@ -144,7 +144,7 @@ TEST(CGContextDrawingTest, TurnedImagesShowTheSamePlaces) {
   const double c = std::cos(0.4), s = std::sin(0.4);
   context->concatCTM({1.3 * c, 1.3 * s, -1.3 * s, 1.3 * c, 70, 20});
   drawInRect(UIImage(image), *context, {0, 0, side, side});
-  for (const Point p : {Point{50, 50}, {10, 80}, {90, 15}}) {
+  for (const Point p : {Point{50, 50}, Point{10, 80}, Point{90, 15}}) {
     const Pixel pixel = pixelAt(*context, static_cast<std::size_t>(70 + 1.3 * (c * p.x - s * p.y)),
                                 static_cast<std::size_t>(20 + 1.3 * (s * p.x + c * p.y)));
     EXPECT_NEAR(pixel[0], 2 * p.x, 3);

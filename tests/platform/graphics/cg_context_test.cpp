@@ -202,7 +202,7 @@ TEST(CGContextTest, MemoryThatIsGivenIsDrawnIntoInItsLayout) {
     CGImageLayout layout = testing::layoutOf(width, height, 4, premultipliedLast);
     layout.bytesPerRow += 7;
     std::vector<std::byte> memory(layout.bytesPerRow * height + 1, std::byte{0xAB});
-    for (const Point end : {Point{1, 0}, {0, 1}, {0.3, 0.7}}) {
+    for (const Point end : {Point{1, 0}, Point{0, 1}, Point{0.3, 0.7}}) {
       const ExactGradient gradient{
           Kind::linear, {red, green}, {0, 1}, {0, 0}, {end.x * width, end.y * height}};
       const auto bytes = std::span(memory).subspan(1);

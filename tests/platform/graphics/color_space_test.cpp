@@ -94,20 +94,5 @@ TEST(ColorSpaceTest, RefusesWhatIsNoProfileOfPixels) {
   }
 }
 
-TEST(ColorSpaceTest, SurvivesDamagedProfiles) {
-  const auto good = profileOf(kCGColorSpaceSRGB);
-  // Cut short, and with counts, offsets and lengths of every size in every place.
-  for (std::size_t at = 0; at + 4 <= good.size(); ++at) {
-    const auto begin = good.begin();
-    for (const Data& damaged :
-         {dataOf({begin, begin + static_cast<std::ptrdiff_t>(at)}),
-          changed(good, at, "\x0F\xFF\xFF\xFF"), changed(good, at, "\x7F\xFF\xFF\xFF"),
-          changed(good, at, "\xFF\xFF\xFF\xFF")}) {
-      const auto space = CGColorSpace::createWithICCData(damaged);
-      EXPECT_TRUE(!space || space->numberOfComponents() == 3);
-    }
-  }
-}
-
 }  // namespace
 }  // namespace FrameworkUtility

@@ -21,19 +21,6 @@ CGImage imageOf(std::size_t width, std::size_t height, const std::vector<std::ui
                           CGColorSpace::createDeviceRGB(), testing::dataOf(bytes));
 }
 
-/// One pixel a letter, top row first: red, green, blue, black, and blank for none.
-CGImage pictureOf(const std::vector<std::string>& rows) {
-  std::vector<std::uint8_t> bytes;
-  for (const std::string& row : rows) {
-    for (const char pixel : row) {
-      for (const bool part : {pixel == 'r', pixel == 'g', pixel == 'b', pixel != ' '}) {
-        bytes.push_back(part ? 255 : 0);
-      }
-    }
-  }
-  return imageOf(rows[0].size(), rows.size(), bytes);
-}
-
 /// All rows, fourth bytes that say nothing as 255; from the last to the first where asked to.
 std::vector<std::uint8_t> drawn(const CGImage& image, PixelSize bitmap, Size area,
                                 bool isUpwards = false) {
@@ -93,17 +80,8 @@ TEST(DrawnRowsTest, EachPixelIsTheAverageOfWhatItShows) {
   }
 }
 
-TEST(DrawnRowsTest, TheLowerLeftPartIsSeen) {
-  const CGImage picture = pictureOf({"rg", "bk"});
-  const auto black = drawn(pictureOf({"bb"}), {2, 1}, {2, 1});
-  EXPECT_EQ(drawn(picture, {2, 1}, {4, 4}), black) << "enlarged";
-  EXPECT_EQ(drawn(picture, {4, 1}, {2, 2}), drawn(pictureOf({"bk  "}), {4, 1}, {4, 1}));
-  EXPECT_EQ(drawn(picture, {2, 3}, {2, 2}), drawn(pictureOf({"  ", "rg", "bk"}), {2, 3}, {2, 3}))
-      << "nothing above a picture that is lower than the bitmap";
-}
-
 TEST(DrawnRowsTest, ImpossibleSizesHaveNoRows) {
-  const CGImage image = pictureOf({"rg", "bk"});
+  const CGImage image = imageOf(2, 2, noise(16));
   EXPECT_TRUE(DrawnRows::create(image, {2, 2}, {1, 1}));
   for (const PixelSize& bitmap : {PixelSize{0, 2}, {2, 0}, {std::size_t{1} << 40, 1}}) {
     EXPECT_FALSE(DrawnRows::create(image, bitmap, {2, 1})) << bitmap.width;

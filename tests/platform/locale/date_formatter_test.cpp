@@ -113,18 +113,6 @@ TEST(DateFormatterTest, TheOwnPathAgreesWithTheLocaleData) {
   }
 }
 
-TEST(DateFormatterTest, WhatItWritesItReads) {
-  std::mt19937_64 bits(18);
-  std::uniform_int_distribution<std::int64_t> years1583To9999(-12'212'553'600, 253'402'300'799);
-  for (const char* locale : {"C", "fr_FR", "th_TH", "ar_SA", "fa_IR", "he_IL", "hi_IN"}) {
-    const DateFormatter formatter = photoFormatter(locale);
-    for (int i = 0; i < 50; ++i) {
-      const Date date{seconds(years1583To9999(bits))};
-      EXPECT_EQ(formatter.dateFromString(formatter.stringFromDate(date)), date) << locale;
-    }
-  }
-}
-
 TEST(DateFormatterTest, ThreadsMayShareOne) {
   const DateFormatter thai = photoFormatter("th_TH", "Europe/Paris");
   std::vector<std::thread> threads;

@@ -4,7 +4,6 @@
 #include <gtest/gtest.h>
 
 #include <memory>
-#include <random>
 #include <utility>
 #include <vector>
 
@@ -80,28 +79,6 @@ TEST(ViewTest, ConvertsPointsWithinATreeAndOverTheScreen) {
                                   {other.get(), {14 - 821, 18 - 121}}}) {
     EXPECT_EQ(inner->convertPointToCoordinateSpace({1, 1}, *to), point);
     EXPECT_EQ(to->convertPointToCoordinateSpace(point, *inner), (Point{1, 1}));
-  }
-}
-
-TEST(ViewTest, ConvertingThereAndBackComesToTheSamePoint) {
-  std::mt19937_64 bits(7);
-  const auto number = [&] { return std::uniform_int_distribution(-1000, 1000)(bits) * 0.25; };
-  UIWindow window(Rect(number(), number(), 10, 10));
-  std::vector<UIView*> views{&window};
-  for (int i = 0; i < 100; ++i) {
-    UIView& above = *views[bits() % views.size()];
-    const auto view = addView(above, Rect(number(), number(), 10, 10));
-    view->setBounds(Rect(number(), number(), 10, 10));
-    views.push_back(view.get());
-  }
-  for (int i = 0; i < 1000; ++i) {
-    const UIView &a = *views[bits() % views.size()], &b = *views[bits() % views.size()];
-    const Point point{number(), number()};
-    const Point there = a.convertPointToCoordinateSpace(point, b);
-    EXPECT_EQ(b.convertPointToCoordinateSpace(there, a), point);
-    // The way over the window is the same.
-    const Point inWindow = a.convertPointToCoordinateSpace(point, window);
-    EXPECT_EQ(window.convertPointToCoordinateSpace(inWindow, b), there);
   }
 }
 

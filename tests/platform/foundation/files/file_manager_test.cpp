@@ -11,13 +11,13 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <functional>
-#include <initializer_list>
 #include <limits>
 #include <memory>
-#include <utility>
+#include <vector>
 
 namespace FrameworkUtility {
 namespace {
@@ -102,11 +102,9 @@ TEST_P(FileManagerTest, ReadsAnyPartOfAFileAsItWasWhenItWasOpened) {
   EXPECT_EQ(reader->size(), 10);
   std::string text(4, '-');
   const auto bytes = std::as_writable_bytes(std::span(text));
-  for (const auto& [offset, count, expected] : {std::tuple{0, 4, "0123"},
-                                                {8, 2, "8923"},
-                                                {10, 0, "8923"},
-                                                {1'000'000, 0, "8923"},
-                                                {6, 4, "6789"}}) {
+  for (const auto& [offset, count, expected] :
+       {std::tuple{0, 4, "0123"}, std::tuple{8, 2, "8923"}, std::tuple{10, 0, "8923"},
+        std::tuple{1'000'000, 0, "8923"}, std::tuple{6, 4, "6789"}}) {
     EXPECT_THAT(reader->readAt(offset, bytes, nullptr), Optional(count)) << offset;
     EXPECT_EQ(text, expected) << offset;
   }
@@ -163,13 +161,15 @@ TEST_P(FileManagerTest, CopiesAndMovesWholeFoldersAndNeverOntoAnything) {
 }
 
 TEST_P(FileManagerTest, RemovesAFolderWithAllInItOrOnlyWhenItIsEmpty) {
-  ASSERT_TRUE(makeFolder("full/a/b") && makeFolder("empty") && write("full/a/f", "1"));
+  ASSERT_TRUE(makeFolder("empty") && makeFolder("full/a") && write("full/a/f", "1"));
   ASSERT_TRUE(write("full.txt", "2"));
   Error error;
   EXPECT_FALSE(files().removeEmptyDirectoryAtPath(at("full"), &error));
   EXPECT_EQ(error.code(), NSFileWriteUnknownError);
   EXPECT_EQ(contents("full/a/f"), "1");
-  EXPECT_FALSE(files().removeEmptyDirectoryAtPath(at("full.txt"), nullptr));
+  for (const char* kept : {"full/a", "full.txt"}) {
+    EXPECT_FALSE(files().removeEmptyDirectoryAtPath(at(kept), nullptr)) << kept;
+  }
   EXPECT_TRUE(files().removeEmptyDirectoryAtPath(at("empty"), nullptr));
   EXPECT_TRUE(files().removeItemAtPath(at("full/"), nullptr));
   EXPECT_THAT(files().contentsOfDirectoryAtPath(root, nullptr),
@@ -192,88 +192,84 @@ TEST_P(FileManagerTest, MakesFoldersWithAndWithoutThoseAbove) {
   EXPECT_TRUE(files().flushDirectoryAtPath(at("a/b"), nullptr));
   EXPECT_TRUE(files().directoryExistsAtPath(at("a/b/c")));
   EXPECT_FALSE(files().directoryExistsAtPath(at("file")));
+  EXPECT_TRUE(files().directoryExistsAtPath("/"));
+  EXPECT_TRUE(files().contentsOfDirectoryAtPath("//", nullptr));
 }
 
-TEST_P(FileManagerTest, ReportsThePlatformsCodeThePathAndTheCause) {
+/// What a file manager does to a path.
+struct Operation {
+  const char* name;
+  std::function<bool(FileManager&, const std::string&, Error*)> run;
+  std::int64_t missing, badName;  ///< The codes when there is no such path, and can be none.
+};
+
+/// All of them but reading from an open file; what needs a second path is given `other`.
+std::vector<Operation> allOperations(const std::string& other) {
   using F = FileManager;
-  using Operation = std::function<bool(F&, const std::string&, Error*)>;
-  const auto onPath = [](auto call, auto... more) -> Operation {
+  const auto onPath = [](auto call, auto... more) {
     return
         [=](F& f, const std::string& path, Error* e) { return bool((f.*call)(path, more..., e)); };
   };
-  const Operation attributes = onPath(&F::attributesOfItemAtPath);
-  const Operation volume = onPath(&F::attributesOfFileSystemForPath);
-  const Operation list = onPath(&F::contentsOfDirectoryAtPath);
-  const Operation open = onPath(&F::openFileAtPath);
-  const Operation makeFolders = onPath(&F::createDirectoryAtPath, IntermediateDirectories::create);
-  const Operation flush = onPath(&F::flushDirectoryAtPath);
-  const Operation copy = onPath(&F::copyItemAtPath, at("new"));
-  const Operation move = onPath(&F::moveItemAtPath, at("new"));
-  const Operation remove = onPath(&F::removeItemAtPath);
-  const Operation removeEmpty = onPath(&F::removeEmptyDirectoryAtPath);
-  const Operation put = [](F& f, const std::string& path, Error* e) {
+  const auto put = [](F& f, const std::string& path, Error* e) {
     return f.writeAtomically(bytesOf("x"), path, e);
   };
-  const Operation copyTo = [this](F& f, const std::string& path, Error* e) {
-    return f.copyItemAtPath(at("file"), path, e);
+  const auto folders = IntermediateDirectories::mustExist;
+  return {{"attributesOfItemAtPath", onPath(&F::attributesOfItemAtPath), 260, 258},
+          {"attributesOfFileSystemForPath", onPath(&F::attributesOfFileSystemForPath), 260, 258},
+          {"contentsOfDirectoryAtPath", onPath(&F::contentsOfDirectoryAtPath), 260, 258},
+          {"openFileAtPath", onPath(&F::openFileAtPath), 260, 258},
+          {"writeAtomically", put, 4, 514},
+          {"createDirectoryAtPath", onPath(&F::createDirectoryAtPath, folders), 4, 514},
+          {"flushDirectoryAtPath", onPath(&F::flushDirectoryAtPath), 4, 514},
+          {"copyItemAtPath", onPath(&F::copyItemAtPath, other), 260, 258},
+          {"moveItemAtPath", onPath(&F::moveItemAtPath, other), 4, 514},
+          {"removeItemAtPath", onPath(&F::removeItemAtPath), 4, 514},
+          {"removeEmptyDirectoryAtPath", onPath(&F::removeEmptyDirectoryAtPath), 4, 514}};
+}
+
+TEST_P(FileManagerTest, ReportsThePlatformsCodeThePathAndTheCause) {
+  const auto expectRefused = [this](const Operation& operation, const std::string& name,
+                                    std::int64_t code, std::int64_t posixCode) {
+    SCOPED_TRACE(operation.name + (" of " + name.substr(0, 20)));
+    Error error;
+    EXPECT_FALSE(operation.run(files(), at(name), &error));
+    EXPECT_EQ(error.domain(), NSCocoaErrorDomain);
+    EXPECT_EQ(error.code(), code);
+    const auto* path = error.userInfo().get<std::string>(NSFilePathErrorKey);
+    EXPECT_EQ(path ? *path : "", at(name));
+    const Error cause = error.underlyingError().value_or(Error());
+    EXPECT_EQ(cause.domain(), NSPOSIXErrorDomain);
+    EXPECT_EQ(cause.code(), posixCode);
+    EXPECT_FALSE(operation.run(files(), at(name), nullptr));
   };
   ASSERT_TRUE(write("file", "") && makeFolder("folder"));
-  const std::string longName(256, 'n'), withNul = "a\0b"s;
+  auto operations = allOperations(at("new"));
+  operations.push_back({"copyTo",
+                        [this](FileManager& f, const std::string& path, Error* e) {
+                          return f.copyItemAtPath(at("file"), path, e);
+                        },
+                        4, 514});
+  for (const Operation& operation : operations) {
+    expectRefused(operation, "none/f", operation.missing, ENOENT);
+    expectRefused(operation, std::string(256, 'n'), operation.badName, ENAMETOOLONG);
+    expectRefused(operation, "a\0b"s, operation.badName, EILSEQ);
+  }
   struct Case {
-    const char* operation;
-    Operation run;
-    std::string name;
+    std::string_view operation, name;
     std::int64_t code, cause;
   };
-  for (const Case& c : {Case{"attributes", attributes, "none", NSFileReadNoSuchFileError, ENOENT},
-                        {"attributes", attributes, longName, 258, ENAMETOOLONG},
-                        {"attributes", attributes, withNul, 258, EILSEQ},
-                        {"attributes", attributes, "file/x", 256, ENOTDIR},
-                        {"volume", volume, "none", 260, ENOENT},
-                        {"volume", volume, withNul, 258, EILSEQ},
-                        {"list", list, "none", 260, ENOENT},
-                        {"list", list, "file", 256, ENOTDIR},
-                        {"list", list, withNul, 258, EILSEQ},
-                        {"open", open, "none", 260, ENOENT},
-                        {"open", open, "folder", 256, EISDIR},
-                        {"open", open, withNul, 258, EILSEQ},
-                        {"put", put, "none/f", 4, ENOENT},
-                        {"put", put, "folder", 512, EISDIR},
-                        {"put", put, "file/f", 512, ENOTDIR},
-                        {"put", put, longName, 514, ENAMETOOLONG},
-                        {"put", put, withNul, 514, EILSEQ},
-                        {"makeFolders", makeFolders, withNul, 514, EILSEQ},
-                        {"makeFolders", makeFolders, longName + "/a", 514, ENAMETOOLONG},
-                        {"flush", flush, "none", 4, ENOENT},
-                        {"flush", flush, "file", 512, ENOTDIR},
-                        {"flush", flush, withNul, 514, EILSEQ},
-                        {"copy", copy, "none", 260, ENOENT},
-                        {"copy", copy, withNul, 258, EILSEQ},
-                        {"copyTo", copyTo, "none/f", 4, ENOENT},
-                        {"copyTo", copyTo, longName, 514, ENAMETOOLONG},
-                        {"copyTo", copyTo, withNul, 514, EILSEQ},
-                        {"move", move, "none", 4, ENOENT},
-                        {"move", move, withNul, 514, EILSEQ},
-                        {"remove", remove, "none", 4, ENOENT},
-                        {"remove", remove, "file/x", 512, ENOTDIR},
-                        {"remove", remove, withNul, 514, EILSEQ},
-                        {"remove", remove, "folder/.", 512, EINVAL},
-                        {"remove", remove, "folder/..", 512, EINVAL},
-                        {"removeEmpty", removeEmpty, "none", 4, ENOENT},
-                        {"removeEmpty", removeEmpty, withNul, 514, EILSEQ}}) {
-    SCOPED_TRACE(c.operation + (" of " + c.name.substr(0, 20)));
-    Error error;
-    EXPECT_FALSE(c.run(files(), at(c.name), &error));
-    EXPECT_EQ(error.domain(), NSCocoaErrorDomain);
-    EXPECT_EQ(error.code(), c.code);
-    const auto* path = error.userInfo().get<std::string>(NSFilePathErrorKey);
-    ASSERT_TRUE(path);
-    EXPECT_EQ(*path, at(c.name));
-    const auto cause = error.underlyingError();
-    ASSERT_TRUE(cause);
-    EXPECT_EQ(cause->domain(), NSPOSIXErrorDomain);
-    EXPECT_EQ(cause->code(), c.cause);
-    EXPECT_FALSE(c.run(files(), at(c.name), nullptr));
+  for (const Case& c : {Case{"attributesOfItemAtPath", "file/x", 256, ENOTDIR},
+                        {"contentsOfDirectoryAtPath", "file", 256, ENOTDIR},
+                        {"openFileAtPath", "folder", 256, EISDIR},
+                        {"writeAtomically", "folder", 512, EISDIR},
+                        {"writeAtomically", "file/f", 512, ENOTDIR},
+                        {"flushDirectoryAtPath", "file", 512, ENOTDIR},
+                        {"removeItemAtPath", "file/x", 512, ENOTDIR},
+                        {"removeItemAtPath", "folder/.", 512, EINVAL},
+                        {"removeItemAtPath", "folder/..", 512, EINVAL}}) {
+    const auto found = std::find_if(operations.begin(), operations.end(),
+                                    [&](const Operation& o) { return o.name == c.operation; });
+    expectRefused(*found, std::string(c.name), c.code, c.cause);
   }
   // A fault here must not cost the machine that runs this its files.
   EXPECT_FALSE(GetParam() == Form::memory && files().removeItemAtPath("/", nullptr));
@@ -293,48 +289,36 @@ TEST_P(FileManagerTest, KnowsHowMuchRoomThereIs) {
 
 TEST(FailingFileManagerTest, EachCallCanFailAndTheInnerManagerNeverHearsOfIt) {
   const auto inner = makeInMemoryFileManager();
-  const auto folders = IntermediateDirectories::create;
   ASSERT_TRUE(inner->writeAtomically(bytesOf("text"), "/f", nullptr));
-  ASSERT_TRUE(inner->createDirectoryAtPath("/d", folders, nullptr));
   std::string asked;
   bool fails = false;
-  const auto f = makeFailingFileManager(
+  const auto files = makeFailingFileManager(
       *inner, [&](std::string_view operation, std::string_view path) -> std::optional<Error> {
         asked.append(operation).append(path);
         return fails ? std::optional(Error("Test", 7)) : std::nullopt;
       });
-  const auto reader = f->openFileAtPath("/f", nullptr);
+  const auto reader = files->openFileAtPath("/f", nullptr);
   ASSERT_TRUE(reader);
+  auto operations = allOperations("/g");
+  operations.push_back({"readAt",
+                        [&](FileManager&, const std::string&, Error* e) {
+                          std::array<std::byte, 4> bytes{};
+                          return bool(reader->readAt(0, bytes, e));
+                        },
+                        0, 0});
   fails = true;
-  std::array<std::byte, 4> bytes{};
-  using Call = std::function<bool(Error*)>;
-  for (const auto& [name, call] : std::initializer_list<std::pair<const char*, Call>>{
-           {"createDirectoryAtPath/e",
-            [&](Error* e) { return f->createDirectoryAtPath("/e", folders, e); }},
-           {"writeAtomically/g", [&](Error* e) { return f->writeAtomically(bytes, "/g", e); }},
-           {"attributesOfItemAtPath/f",
-            [&](Error* e) { return bool(f->attributesOfItemAtPath("/f", e)); }},
-           {"attributesOfFileSystemForPath/f",
-            [&](Error* e) { return bool(f->attributesOfFileSystemForPath("/f", e)); }},
-           {"contentsOfDirectoryAtPath/d",
-            [&](Error* e) { return bool(f->contentsOfDirectoryAtPath("/d", e)); }},
-           {"openFileAtPath/f", [&](Error* e) { return bool(f->openFileAtPath("/f", e)); }},
-           {"readAt/f", [&](Error* e) { return bool(reader->readAt(0, bytes, e)); }},
-           {"flushDirectoryAtPath/d", [&](Error* e) { return f->flushDirectoryAtPath("/d", e); }},
-           {"copyItemAtPath/f", [&](Error* e) { return f->copyItemAtPath("/f", "/g", e); }},
-           {"moveItemAtPath/f", [&](Error* e) { return f->moveItemAtPath("/f", "/g", e); }},
-           {"removeItemAtPath/f", [&](Error* e) { return f->removeItemAtPath("/f", e); }},
-           {"removeEmptyDirectoryAtPath/d",
-            [&](Error* e) { return f->removeEmptyDirectoryAtPath("/d", e); }}}) {
-    Error error;
-    asked.clear();
-    EXPECT_FALSE(call(&error)) << name;
-    EXPECT_EQ(error, Error("Test", 7)) << name;
-    EXPECT_EQ(asked, name);
-    EXPECT_FALSE(call(nullptr)) << name;
+  for (const Operation& operation : operations) {
+    SCOPED_TRACE(operation.name);
+    for (const std::string path : {"/f", "/d"}) {
+      Error error;
+      asked.clear();
+      EXPECT_FALSE(operation.run(*files, path, &error));
+      EXPECT_EQ(error, Error("Test", 7));
+      EXPECT_EQ(asked, operation.name + (operation.missing == 0 ? "/f" : path));
+      EXPECT_FALSE(operation.run(*files, path, nullptr));
+    }
   }
-  EXPECT_THAT(inner->contentsOfDirectoryAtPath("/", nullptr),
-              Optional(UnorderedElementsAre("f", "d")));
+  EXPECT_THAT(inner->contentsOfDirectoryAtPath("/", nullptr), Optional(UnorderedElementsAre("f")));
 }
 
 TEST(ScopedFileManagerTest, PutsAManagerInTheDefaultOnesPlaceAndNests) {

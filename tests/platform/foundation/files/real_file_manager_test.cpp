@@ -1,5 +1,5 @@
 // What only a real file system can show: links, permissions, special files, full disks, processes
-// that are killed or that save at once, very deep folders, and the temporary directory.
+// that are killed, very deep folders, and the temporary directory.
 
 #include <framework_utility/platform/foundation/files/file_error.h>
 #include <framework_utility/platform/foundation/files/files.h>
@@ -245,11 +245,10 @@ TEST_F(RealFileManagerTest, AFolderGoesIntoItselfByNoPathAndNothingIsWritten) {
   ASSERT_TRUE(makeFolder("from/inner"));
   ASSERT_EQ(symlink(at("from/inner").c_str(), at("link").c_str()), 0);
   const auto before = std::filesystem::last_write_time(at("from/inner")) - std::chrono::hours(1);
-  for (const auto& [source, target] : {std::pair{"from", "from/inner/self"},
-                                       {"from/inner", "from/inner/self"},
-                                       {"from", "link/self"},
-                                       {"link/..", "from/inner/self"},
-                                       {"link/../inner", "from/./inner/../inner/self"}}) {
+  for (const auto& [source, target] :
+       {std::pair{"from", "from/inner/self"}, std::pair{"from/inner", "from/inner/self"},
+        std::pair{"from", "link/self"}, std::pair{"link/..", "from/inner/self"},
+        std::pair{"link/../inner", "from/./inner/../inner/self"}}) {
     SCOPED_TRACE(std::string(source) + " into " + target);
     std::filesystem::last_write_time(at("from/inner"), before);
     Error error;
@@ -365,30 +364,6 @@ TEST_F(RealFileManagerTest, AnInterruptedProcessLeavesWholeFilesOldOrNew) {
       ASSERT_TRUE(files.removeItemAtPath(at(name), nullptr));
     }
   }
-}
-
-TEST_F(RealFileManagerTest, ProcessesThatSaveAtOnceEachSaveWhole) {
-  ASSERT_TRUE(write("f", std::string(100'000, 'a')));
-  std::vector<pid_t> children;
-  for (const char letter : {'a', 'b'}) {
-    const pid_t child = fork();
-    if (child == 0) {
-      bool went = true;
-      for (int i = 0; i < 50; ++i) went = went && write("f", std::string(100'000, letter));
-      _exit(went ? 0 : 1);
-    }
-    children.push_back(child);
-  }
-  for (int i = 0; i < 200; ++i) {
-    const std::string text = contentsOf(files, at("f")).value_or("?");
-    EXPECT_EQ(text, std::string(100'000, text.front()));
-  }
-  for (const pid_t child : children) {
-    int status = -1;
-    waitpid(child, &status, 0);
-    EXPECT_EQ(status, 0);
-  }
-  EXPECT_THAT(names(), UnorderedElementsAre("f"));
 }
 
 TEST_F(RealFileManagerTest, VeryDeepFoldersAreCopiedAndRemoved) {

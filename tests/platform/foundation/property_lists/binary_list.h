@@ -14,21 +14,22 @@ inline std::string bigEndian(std::uint64_t number, int size) {
   return bytes;
 }
 
-/// A binary property list from the bytes of its objects.
+/// A binary property list from the bytes of its objects, the first of them its top.
 struct BinaryList {
   std::vector<std::string> objects;
   int referenceSize = 1;
-  std::uint64_t top = 0;
+  int offsetSize = 4;
 
   std::string bytes() const {
     std::string all = "bplist00", offsets;
     for (const std::string& object : objects) {
-      offsets += bigEndian(all.size(), 4);
+      offsets += bigEndian(all.size(), offsetSize);
       all += object;
     }
     const std::size_t table = all.size();
-    return all + offsets + std::string(6, '\0') + '\4' + static_cast<char>(referenceSize) +
-           bigEndian(objects.size(), 8) + bigEndian(top, 8) + bigEndian(table, 8);
+    return all + offsets + std::string(6, '\0') + static_cast<char>(offsetSize) +
+           static_cast<char>(referenceSize) + bigEndian(objects.size(), 8) + bigEndian(0, 8) +
+           bigEndian(table, 8);
   }
 };
 

@@ -60,11 +60,9 @@ TEST(NumberTest, IntegersAreTruncatedTowardsZeroOrTheLow32Bits) {
     std::int64_t integer;
     std::uint32_t low;
   };
-  for (const Case& c : {Case{-2.9, -2, 0xFFFFFFFE},
-                        {-1, -1, 0xFFFFFFFF},
-                        {-0x1p63, smallest, 0},
-                        {true, 1, 1},
-                        {0x1p32 + 9.5, 0x100000009, 9}}) {
+  for (const Case& c :
+       {Case{-2.9, -2, 0xFFFFFFFE}, Case{-1, -1, 0xFFFFFFFF}, Case{-0x1p63, smallest, 0},
+        Case{true, 1, 1}, Case{0x1p32 + 9.5, 0x100000009, 9}}) {
     EXPECT_EQ(c.number.integerValue(), c.integer);
     EXPECT_EQ(c.number.unsignedIntValue(), c.low) << c.number;
   }
@@ -83,17 +81,11 @@ TEST(NumberTest, TruthIsDifferenceFromZeroAndTheTextShowsWhatItWasMadeFrom) {
     bool truth;
     const char* text;
   };
-  for (const Case& c : {Case{6, true, "6"},
-                        {6.0, true, "6.0"},
-                        {true, true, "1"},
-                        {false, false, "0"},
-                        {-0.0, false, "-0.0"},
-                        {nan, true, "nan"},
-                        {-1, true, "-1"},
-                        {0.1, true, "0.1"},
-                        {0.5f, true, "0.5"},
-                        {largestUnsigned, true, "18446744073709551615"},
-                        {smallest, true, "-9223372036854775808"}}) {
+  for (const Case& c : {Case{6, true, "6"}, Case{6.0, true, "6.0"}, Case{true, true, "1"},
+                        Case{false, false, "0"}, Case{-0.0, false, "-0.0"}, Case{nan, true, "nan"},
+                        Case{-1, true, "-1"}, Case{0.1, true, "0.1"}, Case{0.5f, true, "0.5"},
+                        Case{largestUnsigned, true, "18446744073709551615"},
+                        Case{smallest, true, "-9223372036854775808"}}) {
     EXPECT_EQ(c.number.boolValue(), c.truth) << c.text;
     EXPECT_EQ(c.number.description(), c.text);
   }
