@@ -9,10 +9,12 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <initializer_list>
 #include <memory>
 #include <set>
+#include <sstream>
 
 namespace FrameworkUtility {
 namespace {
@@ -192,44 +194,28 @@ TEST_F(FileUtilityTest, MovesWhatIsInAFolderAndLeavesWhatIsTakenOnBothSides) {
 }
 
 TEST_F(FileUtilityTest, AFreeNameCountsOnFromTheOneGiven) {
-  struct Case {
-    const char* name;
-    std::initializer_list<std::string_view> taken;
-    const char* expected;
-  };
-  for (const Case& c :
-       {Case{"photo.jpg", {}, "photo.jpg"},
-        {"photo.jpg", {"photo.jpg"}, "photo copy.jpg"},
-        {"photo.jpg", {"photo.jpg", "photo copy.jpg"}, "photo copy 2.jpg"},
-        {"photo.jpg", {"photo.jpg", "photo copy.jpg", "photo copy 2.jpg"}, "photo copy 3.jpg"},
-        {"photo copy.jpg", {"photo copy.jpg"}, "photo copy 2.jpg"},
-        {"photo copy 2.jpg", {"photo copy 2.jpg"}, "photo copy 3.jpg"},
-        {"photo copy 9.jpg", {"photo copy 9.jpg", "photo copy 10.jpg"}, "photo copy 11.jpg"},
-        {"photo copy 0.jpg", {"photo copy 0.jpg"}, "photo copy 2.jpg"},
-        {"photo copy 007.jpg", {"photo copy 007.jpg"}, "photo copy 8.jpg"},
-        {"photo copy 2 copy.jpg", {"photo copy 2 copy.jpg"}, "photo copy 2 copy 2.jpg"},
-        {"photo copy 2 copy 5", {"photo copy 2 copy 5"}, "photo copy 2 copy 6"},
-        {"photo copy -3.jpg", {"photo copy -3.jpg"}, "photo copy -3 copy.jpg"},
-        {"photo copy  3.jpg", {"photo copy  3.jpg"}, "photo copy  3 copy.jpg"},
-        {"photo copy 3x.jpg", {"photo copy 3x.jpg"}, "photo copy 3x copy.jpg"},
-        {"photo copy 1,234", {"photo copy 1,234"}, "photo copy 1,234 copy"},
-        {"photo copy \u0663", {"photo copy \u0663"}, "photo copy \u0663 copy"},
-        {"photocopy 3.jpg", {"photocopy 3.jpg"}, "photocopy 3 copy.jpg"},
-        {"photo Copy.jpg", {"photo Copy.jpg"}, "photo Copy copy.jpg"},
-        {"n copy 18446744073709551616",
-         {"n copy 18446744073709551616"},
-         "n copy 18446744073709551616 copy"},
-        {"n copy 18446744073709551615", {"n copy 18446744073709551615"}, "n copy 2"},
-        {"notes", {"notes"}, "notes copy"},
-        {" copy", {" copy"}, " copy 2"},
-        {".hidden", {".hidden"}, ".hidden copy"},
-        {"archive.tar.gz", {"archive.tar.gz"}, "archive.tar copy.gz"},
-        {"v1.2 final", {"v1.2 final"}, "v1.2 final copy"},
-        {"a#b?.jpg", {"a#b?.jpg"}, "a#b? copy.jpg"}}) {
-    SCOPED_TRACE(c.name);
-    deleteContentOfFolderAtPath(files, folder.path());
-    make(c.taken);
-    EXPECT_EQ(fileNameToCopyFileWithName(files, c.name, folderUrl()), c.expected);
+  make({"photo.jpg", "9 copy.jpg", "9 copy 10.jpg"});
+  EXPECT_EQ(fileNameToCopyFileWithName(files, "free.jpg", folderUrl()), "free.jpg");
+  // Names that are taken and what their copies are called, "_" for a space.
+  std::istringstream cases(R"(
+      photo.jpg               photo_copy.jpg            photo.jpg           photo_copy_2.jpg
+      photo_copy.jpg          photo_copy_3.jpg          photo_copy_2.jpg    photo_copy_4.jpg
+      9_copy_9.jpg            9_copy_11.jpg             a_copy_0.jpg        a_copy_2.jpg
+      b_copy_007.jpg          b_copy_8.jpg              c_copy_5            c_copy_6
+      d_copy_2_copy.jpg       d_copy_2_copy_2.jpg       e_copy_-3.jpg       e_copy_-3_copy.jpg
+      f_copy__3.jpg           f_copy__3_copy.jpg        g_copy_3x.jpg       g_copy_3x_copy.jpg
+      h_copy_1,234            h_copy_1,234_copy         i_copy_٣            i_copy_٣_copy
+      photocopy_3.jpg         photocopy_3_copy.jpg      j_Copy.jpg          j_Copy_copy.jpg
+      notes                   notes_copy                _copy               _copy_2
+      .hidden                 .hidden_copy              archive.tar.gz      archive.tar_copy.gz
+      v1.2_final              v1.2_final_copy           a#b?.jpg            a#b?_copy.jpg
+      k_copy_18446744073709551615   k_copy_2
+      l_copy_18446744073709551616   l_copy_18446744073709551616_copy)");
+  for (std::string name, expected; cases >> name >> expected;) {
+    for (std::string* text : {&name, &expected}) std::replace(text->begin(), text->end(), '_', ' ');
+    make({name});
+    EXPECT_EQ(fileNameToCopyFileWithName(files, name, folderUrl()), expected);
+    make({expected});
   }
 }
 

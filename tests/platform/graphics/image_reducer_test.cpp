@@ -15,16 +15,6 @@ Data rgbaOf(const CGImage& image) {
   return std::move(*rgbaPixels(image, AlphaForm::premultiplied)).share();
 }
 
-TEST(ImageReducerTest, AveragesPremultipliedColours) {
-  // An opaque red pixel beside transparent ones that would be green: none of the green shows.
-  const std::vector<std::uint8_t> pixels{255, 0, 0, 255, 0, 255, 0, 0, 0, 255, 0, 0, 0, 255, 0, 0};
-  const auto image = CGImage::create(layoutOf(2, 2, 4, last), CGColorSpace::createDeviceRGB(),
-                                     testing::dataOf(pixels));
-  const auto reduced = reducedImage(image.value(), 1);
-  ASSERT_TRUE(reduced);
-  EXPECT_EQ(testing::pixelAt(*reduced, 0, 0), (testing::Pixel{64, 0, 0, 64}));
-}
-
 TEST(ImageReducerTest, KeepsWhatItCanOfTheLayout) {
   const CGColorSpace rgb = CGColorSpace::createDeviceRGB();
   const CGColorSpace cmyk = CGColorSpace::createDeviceCMYK();
