@@ -16,6 +16,10 @@
 
 namespace FrameworkUtility {
 
+namespace detail {
+class ArchiveDecoder;
+}  // namespace detail
+
 /// Reads what `NSKeyedArchiver` writes, and what the platform's own does, as binary or as XML
 /// property list.
 ///
@@ -88,8 +92,7 @@ class NSKeyedUnarchiver {
   const std::optional<Error>& error() const;
 
  private:
-  class Archive;
-  std::unique_ptr<Archive> archive_;
+  std::unique_ptr<detail::ArchiveDecoder> archive_;
 };
 
 }  // namespace FrameworkUtility
