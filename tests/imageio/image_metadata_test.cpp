@@ -7,7 +7,6 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
-#include <limits>
 #include <type_traits>
 #include <utility>
 
@@ -70,33 +69,26 @@ TEST(KvImageMetadataTest, SizesTruncateAndFiveToEightExchangeTheSides) {
 
 TEST(KvImageMetadataTest, OrientationFallsBackToTheTiffDictionary) {
   const Value tiff(Dictionary{{"Orientation", 3}});
-  const struct {
-    Dictionary properties;
-    std::optional<Number> orientation;
-    std::uint32_t exif;
-  } cases[] = {{{}, std::nullopt, 1},
-               {{{"Orientation", 6}, {"{TIFF}", tiff}}, 6, 6},
-               {{{"{TIFF}", tiff}}, 3, 3},
-               {{{"Orientation", "6"}, {"{TIFF}", tiff}}, 3, 3},  // a text does not count
-               {{{"{TIFF}", 3}}, std::nullopt, 1},
-               {{{"Orientation", -1}}, -1, 0xFFFFFFFF}};  // not checked
-  for (const auto& [properties, orientation, exif] : cases) {
-    SCOPED_TRACE(Value(properties).description());
-    EXPECT_EQ(with(properties).orientation(), orientation);
+  const auto expectOrientation = [](const Dictionary& properties, std::optional<Number> orientation,
+                                    std::uint32_t exif) {
+    EXPECT_EQ(with(properties).orientation(), orientation) << Value(properties).description();
     EXPECT_EQ(with(properties).exifOrientation(), exif);
-  }
+  };
+  expectOrientation({}, std::nullopt, 1);
+  expectOrientation({{"Orientation", 6}, {"{TIFF}", tiff}}, 6, 6);
+  expectOrientation({{"{TIFF}", tiff}}, 3, 3);
+  expectOrientation({{"Orientation", "6"}, {"{TIFF}", tiff}}, 3, 3);  // a text does not count
+  expectOrientation({{"{TIFF}", 3}}, std::nullopt, 1);
+  expectOrientation({{"Orientation", -1}}, -1, 0xFFFFFFFF);  // not checked
 }
 
 TEST(KvImageMetadataTest, IsoIsTheSpeedElseTheFirstRating) {
+  const auto isoOf = [](const Dictionary& exif) { return with("{Exif}", exif).iso(); };
   const Value ratings(Array{100, 200});
-  const std::pair<Dictionary, std::optional<Number>> cases[] = {
-      {{{"ISOSpeed", 64}, {"ISOSpeedRatings", ratings}}, 64},
-      {{{"ISOSpeed", "64"}, {"ISOSpeedRatings", ratings}}, 100},
-      {{{"ISOSpeedRatings", 100}}, std::nullopt},
-      {{{"ISOSpeedRatings", Value(Array{})}}, std::nullopt},
-      {{{"ISOSpeedRatings", Value(Array{"100", 200})}}, std::nullopt}};
-  for (const auto& [exif, iso] : cases) {
-    EXPECT_EQ(with("{Exif}", exif).iso(), iso) << Value(exif).description();
+  EXPECT_EQ(isoOf({{"ISOSpeed", 64}, {"ISOSpeedRatings", ratings}}), Number(64));
+  EXPECT_EQ(isoOf({{"ISOSpeed", "64"}, {"ISOSpeedRatings", ratings}}), Number(100));
+  for (const Value& none : {Value(100), Value(Array{}), Value(Array{"100", 200})}) {
+    EXPECT_EQ(isoOf({{"ISOSpeedRatings", none}}), std::nullopt);
   }
 }
 
@@ -232,8 +224,7 @@ TEST(ImageOrientationTest, EveryOrientationHasItsExifNumber) {
   for (std::int64_t raw = 0; raw < 8; ++raw) {
     EXPECT_EQ(exifOrientationWithImageOrientation(UIImageOrientation{raw}), expected[raw]) << raw;
   }
-  for (const std::int64_t raw :
-       {std::int64_t{-1}, std::int64_t{8}, std::numeric_limits<std::int64_t>::min()}) {
+  for (const int raw : {-1, 8}) {
     EXPECT_EQ(exifOrientationWithImageOrientation(UIImageOrientation{raw}), 0u) << raw;
   }
 }

@@ -123,17 +123,13 @@ TEST_F(ImageWriterTest, ThePathFormsAnswerThePathWritten) {
 }
 
 TEST_F(ImageWriterTest, EverySessionFileHasAFolderOfItsOwn) {
-  const std::string session = temporaryDirectory() + "Writer-1/[0-9A-F-]{36}/";
-  const auto expectWritten = [&](std::optional<std::string_view> name,
-                                 const std::string& expected) {
-    const std::optional<URL> written =
-        writeToDiskWithFileName(UIImage(image_), name, "Writer-1", {.uti = UTTypePNG});
-    ASSERT_TRUE(written);
-    EXPECT_THAT(written->path().value(), MatchesRegex(session + expected));
-    EXPECT_TRUE(std::filesystem::exists(written->path().value()));
+  const std::string uuid = "[0-9A-F-]{36}", session = temporaryDirectory() + "Writer-1/" + uuid;
+  const auto written = [&](std::optional<std::string_view> name) {
+    return writeToDiskWithFileName(UIImage(image_), name, "Writer-1", {.uti = UTTypePNG}).value();
   };
-  expectWritten("photo.heic", "photo\\.png");
-  expectWritten(std::nullopt, "[0-9A-F-]{36}\\.png");
+  EXPECT_THAT(written("photo.heic").path().value(), MatchesRegex(session + "/photo\\.png"));
+  EXPECT_THAT(written(std::nullopt).path().value(), MatchesRegex(session + "/" + uuid + "\\.png"));
+  EXPECT_EQ(namesIn(temporaryDirectory() + "Writer-1").size(), 2u);
 }
 
 TEST_F(ImageWriterTest, EveryFailureOfTheSessionFormHasItsError) {

@@ -64,8 +64,9 @@ void expectAllOrNothing(const std::string& folder,
           makeFailingFileManager(FileManager::defaultManager(),
                                  [&](std::string_view, std::string_view) -> std::optional<Error> {
                                    const int number = operation++;
-                                   if (number == failing || (forGood && number > failing))
+                                   if (number == failing || (forGood && number > failing)) {
                                      return Error("disk", 28);
+                                   }
                                    return std::nullopt;
                                  });
       const ScopedFileManager scope(*manager);

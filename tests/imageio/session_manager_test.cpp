@@ -179,7 +179,7 @@ TEST_F(KvSessionManagerTest, AFolderStaysInTheTemporaryDirectory) {
   EXPECT_FALSE(std::filesystem::exists(temporaryDirectory() + "../x"));
 }
 
-TEST_F(KvSessionManagerTest, EveryNewFolderIsNewAndEmpty) {
+TEST_F(KvSessionManagerTest, EveryNewFolderIsNewEmptyAndFlushedIntoTheOneAbove) {
   std::vector<std::string> flushed;
   const auto watched = makeFailingFileManager(
       FileManager::defaultManager(), [&](std::string_view operation, std::string_view path) {
@@ -190,13 +190,12 @@ TEST_F(KvSessionManagerTest, EveryNewFolderIsNewAndEmpty) {
   const auto first = KvSessionManager::getNewValidFolderPathForSessionIdentifier("New");
   const auto second = KvSessionManager::getNewValidFolderPathForSessionIdentifier("New");
   ASSERT_TRUE(first && second);
-  // Each new one into the folder above it.
-  std::string above = temporaryDirectory();
-  above.pop_back();
-  EXPECT_THAT(flushed, ::testing::ElementsAre(above, above + "/New", above + "/New"));
   EXPECT_NE(first, second);
   EXPECT_THAT(*first, MatchesRegex(temporaryDirectory() + "New/[0-9A-F-]{36}"));
   EXPECT_TRUE(std::filesystem::is_empty(*first));
+  std::string above = temporaryDirectory();
+  above.pop_back();
+  EXPECT_THAT(flushed, ::testing::ElementsAre(above, above + "/New", above + "/New"));
   EXPECT_FALSE(KvSessionManager::getNewValidFolderPathForSessionIdentifier(""));
 }
 
@@ -234,8 +233,9 @@ TEST_F(KvSessionManagerTest, CleaningUpTakesWhatEndsInTheSuffixAndFollowsNoLink)
   for (const char* gone : {"MainABC", "SceneUnknownABC", "LinkABC"}) {
     EXPECT_FALSE(exists(root + gone)) << gone;
   }
-  for (const char* kept : {"ABCMain", "MainAbc", "StuckABC"})
+  for (const char* kept : {"ABCMain", "MainAbc", "StuckABC"}) {
     EXPECT_TRUE(exists(root + kept)) << kept;
+  }
   EXPECT_TRUE(exists(outside.path("precious")));
 }
 

@@ -25,20 +25,13 @@ std::string packetOf(std::string_view attributes, std::string_view elements = {}
       "<?xpacket begin=\"\xEF\xBB\xBF\" id=\"W5M0MpCehiHzreSzNTczkc9d\"?>\n"
       "<x:xmpmeta xmlns:x=\"adobe:ns:meta/\" x:xmptk=\"Lumen 3.1\">\n"
       " <rdf:RDF xmlns:rdf=\"http://www.w3.org/1999/02/22-rdf-syntax-ns#\">\n"
-      "  <rdf:Description rdf:about=\"\"\n"
-      "    xmlns:tiff=\"http://ns.adobe.com/tiff/1.0/\"\n"
-      "    xmlns:exif=\"http://ns.adobe.com/exif/1.0/\"\n"
-      "    xmlns:exifEX='http://cipa.jp/exif/1.0/'\n"
-      "    xmlns:aux=\"http://ns.adobe.com/exif/1.0/aux/\"\n"
-      "    xmlns:dc=\"http://purl.org/dc/elements/1.1/\"\n"
-      "    xmlns:photoshop=\"http://ns.adobe.com/photoshop/1.0/\"\n"
-      "    xmlns:xmp=\"http://ns.adobe.com/xap/1.0/\"\n"
-      "    xmlns:own=\"http://example.org/own/1.0/\"";
+      "  <rdf:Description rdf:about=\"\" xmlns:own=\"http://example.org/own/1.0/\"\n"
+      " xmlns:tiff=\"http://ns.adobe.com/tiff/1.0/\" xmlns:exif=\"http://ns.adobe.com/exif/1.0/\""
+      " xmlns:aux=\"http://ns.adobe.com/exif/1.0/aux/\" xmlns:exifEX='http://cipa.jp/exif/1.0/'"
+      " xmlns:photoshop=\"http://ns.adobe.com/photoshop/1.0/\"\n"
+      " xmlns:dc=\"http://purl.org/dc/elements/1.1/\" xmlns:xmp=\"http://ns.adobe.com/xap/1.0/\"";
   packet.append(attributes).append(">").append(elements);
-  packet.append(
-      "\n  </rdf:Description>\n </rdf:RDF>\n</x:xmpmeta>\n      \n"
-      "<?xpacket end=\"w\"?>");
-  return packet;
+  return packet + "\n  </rdf:Description>\n </rdf:RDF>\n</x:xmpmeta>\n \n<?xpacket end=\"w\"?>";
 }
 
 /// A packet with one property, as an attribute or an element; without it where there is no text.
@@ -258,55 +251,57 @@ void expectElements(const std::string& elements, const Dictionary& after,
 }
 
 TEST(XmpTest, ChangesListsAndAlternativesInPlace) {
-  const auto iptc = [](const char* key, Value value) {
-    return Dictionary{{"{IPTC}", Dictionary{{key, std::move(value)}}}};
-  };
-  const auto keywords = [&](const std::string& items) {
+  const auto keywords = [](const std::string& items) {
     return "\n<dc:subject><rdf:Bag>" + items + "</rdf:Bag></dc:subject>";
   };
-  const Value three(Array{"c", "a", "d"}), two(Array{"c", "a"});
-  expectElements(keywords("\n <rdf:li>a</rdf:li>\n <rdf:li>b</rdf:li>\n"), iptc("Keywords", three),
-                 keywords("\n <rdf:li>c</rdf:li>\n <rdf:li>a</rdf:li>\n <rdf:li>d</rdf:li>\n"));
-  // What an item says of itself is not said of the others, however long it is.
-  expectElements(keywords("<rdf:li xml:lang='de' >a</rdf:li ><!-- b --><rdf:li>b</rdf:li>"),
-                 iptc("Keywords", two), keywords("<rdf:li>c</rdf:li><rdf:li>a</rdf:li>"));
-  const std::string uri = "http://www.w3.org/1999/02/22-rdf-syntax-ns#";
-  expectElements(keywords("<r:li xmlns:r='" + uri + "'>a</r:li>"),
-                 iptc("Keywords", Value(Array{"b"})),
-                 keywords("<rdf:li xmlns:rdf=\"" + uri + "\">b</rdf:li>"));
-  expectElements(keywords("<rdf:li>a</rdf:li>"), iptc("Keywords", Value(Array{})), "");
-  expectElements(keywords("<rdf:li>a</rdf:li>"), iptc("Keywords", Value(Array{"b", 5})), "");
-  expectElements(keywords("<rdf:li>a</rdf:li><rdf:li/>"), iptc("Keywords", two), "");
-  expectElements(keywords("<rdf:li>a<own:x/></rdf:li>"), iptc("Keywords", two), "");
-  expectElements("<exif:SubjectArea><rdf:Seq><rdf:li>1</rdf:li></rdf:Seq></exif:SubjectArea>",
-                 {{"{Exif}", Dictionary{{"SubjectArea", Value(Array{3, 4})}}}},
-                 "<exif:SubjectArea><rdf:Seq><rdf:li>3</rdf:li><rdf:li>4</rdf:li></rdf:Seq></"
-                 "exif:SubjectArea>");
-  // The default, and what repeats it under its language; translations stay.
-  const auto title = [](const std::string& items) {
-    return "<dc:title>" + alternatives(items) + "</dc:title>";
+  const auto expectKeywords = [&](const std::string& items, const Array& words,
+                                  const std::string& expected) {
+    expectElements(keywords(items), {{"{IPTC}", Dictionary{{"Keywords", Value(words)}}}},
+                   expected.empty() ? expected : keywords(expected));
   };
-  expectElements(title("<rdf:li xml:lang='en'>T</rdf:li><rdf:li "
-                       "xml:lang='x-default'>T</rdf:li><rdf:li xml:lang='de'>U</rdf:li>"),
-                 iptc("ObjectName", "V"),
-                 title("<rdf:li xml:lang='en'>V</rdf:li><rdf:li "
-                       "xml:lang='x-default'>V</rdf:li><rdf:li xml:lang='de'>U</rdf:li>"));
-  // The orientation at the top level is the one that counts.
+  expectKeywords("\n <rdf:li>a</rdf:li>\n <rdf:li>b</rdf:li>\n", {"c", "a", "d"},
+                 "\n <rdf:li>c</rdf:li>\n <rdf:li>a</rdf:li>\n <rdf:li>d</rdf:li>\n");
+  // What an item says of itself is not said of the others, however long it is.
+  expectKeywords("<rdf:li xml:lang='de' >a</rdf:li ><!-- b --><rdf:li>b</rdf:li>", {"c", "a"},
+                 "<rdf:li>c</rdf:li><rdf:li>a</rdf:li>");
+  const std::string uri = "http://www.w3.org/1999/02/22-rdf-syntax-ns#";
+  expectKeywords("<r:li xmlns:r='" + uri + "'>a</r:li>", {"b"},
+                 "<rdf:li xmlns:rdf=\"" + uri + "\">b</rdf:li>");
+  expectKeywords("<rdf:li>a</rdf:li>", {}, "");
+  expectKeywords("<rdf:li>a</rdf:li>", {"b", 5}, "");
+  expectKeywords("<rdf:li>a</rdf:li><rdf:li/>", {"c"}, "");
+  expectKeywords("<rdf:li>a<own:x/></rdf:li>", {"c"}, "");
+  // The default, and what repeats it under its language; translations stay.
+  const auto title = [](const std::string& text) {
+    return "<dc:title><rdf:Alt><rdf:li xml:lang='en'>" + text +
+           "</rdf:li><rdf:li xml:lang='x-default'>" + text +
+           "</rdf:li><rdf:li xml:lang='de'>U</rdf:li></rdf:Alt></dc:title>";
+  };
+  expectElements(title("T"), {{"{IPTC}", Dictionary{{"ObjectName", "V"}}}}, title("V"));
+  const auto area = [](const std::string& items) {
+    return "<exif:SubjectArea><rdf:Seq>" + items + "</rdf:Seq></exif:SubjectArea>";
+  };
+  expectElements(area("<rdf:li>1</rdf:li>"),
+                 {{"{Exif}", Dictionary{{"SubjectArea", Value(Array{3, 4})}}}},
+                 area("<rdf:li>3</rdf:li><rdf:li>4</rdf:li>"));
+}
+
+TEST(XmpTest, FollowsThePixelsAndTheTopLevelsOrientation) {
   expectElements("<tiff:Orientation>6</tiff:Orientation>",
                  {{"Orientation", 1}, {"{TIFF}", Dictionary{{"Orientation", 6}}}},
                  "<tiff:Orientation>1</tiff:Orientation>");
-  expectElements(
-      "<exif:PixelXDimension>100</exif:PixelXDimension><tiff:ImageLength>80</"
-      "tiff:ImageLength><xmp:Thumbnails><rdf:Alt><rdf:li "
-      "rdf:parseType='Resource'/></rdf:Alt></xmp:Thumbnails>",
-      {},
-      "<exif:PixelXDimension>4032</exif:PixelXDimension><tiff:ImageLength>3024</tiff:ImageLength>");
+  const auto side = [](const std::string& x, const std::string& y) {
+    return "<exif:PixelXDimension>" + x + "</exif:PixelXDimension><tiff:ImageLength>" + y +
+           "</tiff:ImageLength>";
+  };
+  const std::string old = "<xmp:Thumbnails><rdf:Alt><rdf:li rdf:parseType='Resource'/></rdf:Alt>";
+  expectElements(side("100", "80") + old + "</xmp:Thumbnails>", {}, side("4032", "3024"));
   // Several at once, with the white space before them.
-  EXPECT_EQ(
-      mergedAfterRead(packetOf(" tiff:Make='A'\n  tiff:Model=\"B\" own:x='&#65;'",
-                               "<!-- c -->\n <tiff:Software>S</tiff:Software>\n <own:y>1</own:y>"),
-                      {{"{TIFF}", Dictionary{{"Model", "C"}}}}),
-      packetOf("\n  tiff:Model=\"C\" own:x='&#65;'", "<!-- c -->\n <own:y>1</own:y>"));
+  const std::string packet =
+      packetOf(" tiff:Make='A'\n  tiff:Model=\"B\" own:x='&#65;'",
+               "<!-- c -->\n <tiff:Software>S</tiff:Software>\n <own:y>1</own:y>");
+  EXPECT_EQ(mergedAfterRead(packet, {{"{TIFF}", Dictionary{{"Model", "C"}}}}),
+            packetOf("\n  tiff:Model=\"C\" own:x='&#65;'", "<!-- c -->\n <own:y>1</own:y>"));
 }
 
 TEST(XmpTest, TouchesNothingThatTheCallerDidNotChange) {
@@ -364,8 +359,9 @@ TEST(XmpTest, WrittenTextsReadBack) {
     };
     EXPECT_EQ(read(mergedAfterRead(packet, both(text))), both(stored));
   };
-  for (const char* text : {"<&>\"'", "]]>", " a\t\n\r ", "\xE6\xB9\x96 \xF0\x9F\x8C\x85"})
+  for (const char* text : {"<&>\"'", "]]>", " a\t\n\r ", "\xE6\xB9\x96 \xF0\x9F\x8C\x85"}) {
     expectBack(text, text);
+  }
   // Bytes that are no text must not break the packet.
   expectBack("x\x01\xFFy\xEF\xBF\xBF", "x\xEF\xBF\xBDy");
 }
