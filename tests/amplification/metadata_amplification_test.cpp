@@ -19,9 +19,6 @@
 #include <cstdlib>
 #include <functional>
 #include <numeric>
-#include <string>
-#include <string_view>
-#include <vector>
 
 namespace FrameworkUtility {
 namespace {

@@ -6,7 +6,6 @@
 #include <tests/support/is_error.h>
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <filesystem>
 

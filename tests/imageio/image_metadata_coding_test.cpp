@@ -7,10 +7,6 @@
 #include <tests/support/is_error.h>
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include <string>
-#include <vector>
 
 namespace FrameworkUtility {
 namespace {

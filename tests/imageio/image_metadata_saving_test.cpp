@@ -11,7 +11,6 @@
 #include <tests/support/temporary_folder.h>
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 namespace FrameworkUtility {
 namespace {

@@ -8,7 +8,6 @@
 
 #include <chrono>
 #include <type_traits>
-#include <utility>
 
 namespace FrameworkUtility {
 namespace {

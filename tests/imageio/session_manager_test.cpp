@@ -7,7 +7,6 @@
 #include <tests/support/temporary_folder.h>
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <cstdlib>
 #include <filesystem>

@@ -11,13 +11,11 @@
 #include <tests/support/temporary_folder.h>
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <sys/stat.h>
 
 #include <fstream>
 #include <iterator>
 #include <thread>
-#include <utility>
 
 namespace FrameworkUtility::testing {
 namespace {

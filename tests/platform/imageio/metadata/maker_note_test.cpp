@@ -4,8 +4,6 @@
 
 #include <gtest/gtest.h>
 
-#include <optional>
-
 namespace FrameworkUtility::testing {
 namespace {
 

@@ -5,9 +5,6 @@
 
 #include <gtest/gtest.h>
 
-#include <string>
-#include <string_view>
-
 namespace FrameworkUtility::detail {
 namespace {
 

@@ -8,10 +8,6 @@
 
 #include <bit>
 #include <cmath>
-#include <optional>
-#include <string>
-#include <string_view>
-#include <vector>
 
 namespace FrameworkUtility::detail {
 namespace {
