@@ -9,8 +9,8 @@
 
 namespace FrameworkUtility {
 
-/// The domain of an error that is made without one. Named
-/// after a view controller: the apps compare with this text.
+/// The domain of an error that is made without one. Named after a view controller: the apps compare
+/// with this text.
 inline constexpr std::string_view defaultErrorDomain = "NSTervixActivityViewControllerErrorDomain";
 
 /// A new error. Without a domain it has `defaultErrorDomain`; an empty domain is kept. With a code

@@ -6,11 +6,10 @@
 #include <string>
 #include <string_view>
 
-/// Operations on dates. Calendar and clock are the user's, for files too, as photos
-/// in the users' albums have it: under a
-/// locale with another calendar or other digits (th_TH, fa_IR, ar_EG) a photo gets the year 2567
-/// for 2024, which no other program reads so, and its own 2024 reads as 1481. A program that writes
-/// files for others puts `ScopedLocale posix(Locale("POSIX"))` in the user's place.
+/// Operations on dates. Calendar and clock are the user's, for files too, as the apps' photos have
+/// it: under a locale with another calendar or other digits (th_TH, fa_IR, ar_EG) a photo gets the
+/// year 2567 for 2024, which no other program reads so, and its own 2024 reads as 1481. A program
+/// that writes files for others puts `ScopedLocale posix(Locale("POSIX"))` in the user's place.
 ///
 /// Thread: any.
 namespace FrameworkUtility::dates {

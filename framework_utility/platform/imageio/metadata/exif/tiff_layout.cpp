@@ -3,8 +3,6 @@
 #include <framework_utility/platform/foundation/values/byte_writer.h>
 
 #include <algorithm>
-#include <map>
-#include <set>
 #include <utility>
 
 namespace FrameworkUtility::detail {
@@ -17,100 +15,6 @@ ByteRange placeOf(const TiffEntry& entry) {
   if (entry.value.size() <= tiffInlineSize) return {};
   return {entry.offset, entry.offset + entry.value.size()};
 }
-
-/// Sorted, and each with a gap to the next.
-std::vector<ByteRange> united(std::vector<ByteRange> ranges) {
-  std::erase_if(ranges, [](const ByteRange& range) { return range.begin >= range.end; });
-  std::sort(ranges.begin(), ranges.end(),
-            [](const ByteRange& a, const ByteRange& b) { return a.begin < b.begin; });
-  std::vector<ByteRange> result;
-  for (const ByteRange& range : ranges) {
-    if (!result.empty() && range.begin <= result.back().end) {
-      result.back().end = std::max(result.back().end, range.end);
-    } else {
-      result.push_back(range);
-    }
-  }
-  return result;
-}
-
-/// What `from` covers and `what` does not.
-std::vector<ByteRange> without(const std::vector<ByteRange>& from,
-                               const std::vector<ByteRange>& what) {
-  std::vector<ByteRange> result;
-  auto hole = what.begin();
-  for (ByteRange range : from) {
-    while (hole != what.end() && hole->end <= range.begin) ++hole;
-    for (auto h = hole; h != what.end() && h->begin < range.end; ++h) {
-      if (range.begin < h->begin) result.push_back({range.begin, h->begin});
-      range.begin = std::min(h->end, range.end);
-    }
-    if (!range.empty()) result.push_back(range);
-  }
-  return result;
-}
-
-/// The bytes that may be written, those behind the end included. Found by their place and, the
-/// tightest first, by their size.
-class FreeSpace {
- public:
-  FreeSpace(std::vector<ByteRange> ranges, std::uint64_t end) : end_(end) {
-    if (!ranges.empty() && ranges.back().end >= end_) {
-      end_ = ranges.back().begin;
-      ranges.pop_back();
-    }
-    for (const ByteRange& range : ranges) insert(range);
-  }
-
-  std::uint64_t end() const { return end_; }
-
-  bool takeAt(std::uint64_t begin, std::uint64_t size) {
-    if (begin >= end_) {
-      if (begin > end_) insert({end_, begin});
-      end_ = begin + size;
-      return true;
-    }
-    auto range = ends_.upper_bound(begin);
-    if (range == ends_.begin() || begin + size > (--range)->second) return false;
-    cut({range->first, range->second}, begin, size);
-    return true;
-  }
-
-  /// Values begin at even offsets, as TIFF asks.
-  std::uint64_t take(std::uint64_t size) {
-    // The tightest may lack the byte before an even offset; one that has a byte more does not.
-    for (std::uint64_t wanted : {size, size + 1}) {
-      const auto found = sizes_.lower_bound({wanted, 0});
-      if (found == sizes_.end()) break;
-      const ByteRange range{found->second, found->second + found->first};
-      const std::uint64_t begin = range.begin + range.begin % 2;
-      if (begin + size > range.end) continue;
-      cut(range, begin, size);
-      return begin;
-    }
-    const std::uint64_t begin = end_ + end_ % 2;
-    end_ = begin + size;
-    return begin;
-  }
-
- private:
-  void insert(const ByteRange& range) {
-    if (range.empty()) return;
-    ends_.emplace(range.begin, range.end);
-    sizes_.emplace(range.size(), range.begin);
-  }
-
-  void cut(const ByteRange& range, std::uint64_t begin, std::uint64_t size) {
-    ends_.erase(range.begin);
-    sizes_.erase({range.size(), range.begin});
-    insert({range.begin, begin});
-    insert({begin + size, range.end});
-  }
-
-  std::map<std::uint64_t, std::uint64_t> ends_;              // by where ranges begin
-  std::set<std::pair<std::uint64_t, std::uint64_t>> sizes_;  // and where these begin
-  std::uint64_t end_;
-};
 
 class Layout {
  public:

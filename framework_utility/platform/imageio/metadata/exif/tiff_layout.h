@@ -1,6 +1,7 @@
 #pragma once
 
 #include <framework_utility/platform/foundation/values/data.h>
+#include <framework_utility/platform/imageio/metadata/exif/byte_ranges.h>
 #include <framework_utility/platform/imageio/metadata/exif/tiff_structure.h>
 
 #include <bit>
@@ -11,16 +12,6 @@
 #include <vector>
 
 namespace FrameworkUtility::detail {
-
-/// begin <= i < end.
-struct ByteRange {
-  std::uint64_t begin = 0;
-  std::uint64_t end = 0;
-
-  std::uint64_t size() const { return end - begin; }
-  bool empty() const { return begin == end; }
-  bool overlaps(const ByteRange& other) const { return begin < other.end && other.begin < end; }
-};
 
 /// A record of a directory that is being written.
 struct TiffRecord {
