@@ -13,14 +13,18 @@ namespace {
 
 /// Of the dates that a save sets. A fraction of a second belongs to the date that was there.
 void setOffsets(Dictionary& exif, const std::optional<std::string>& offset) {
-  for (const char* key : {"OffsetTime", "OffsetTimeOriginal", "OffsetTimeDigitized"}) {
+  for (const std::string_view key :
+       {kCGImagePropertyExifOffsetTime, kCGImagePropertyExifOffsetTimeOriginal,
+        kCGImagePropertyExifOffsetTimeDigitized}) {
     if (offset) {
       exif.set(key, *offset);
     } else {
       exif.remove(key);
     }
   }
-  for (const char* key : {"SubsecTime", "SubsecTimeOriginal", "SubsecTimeDigitized"}) {
+  for (const std::string_view key :
+       {kCGImagePropertyExifSubsecTime, kCGImagePropertyExifSubsecTimeOriginal,
+        kCGImagePropertyExifSubsecTimeDigitized}) {
     exif.remove(key);
   }
 }
@@ -34,7 +38,7 @@ void setPlace(Dictionary& gps, const Place& place) {
   if (!place.altitude) return;
   // Signed, as a save takes it that finds a reference to an old altitude.
   gps.set(kCGImagePropertyGPSAltitude, *place.altitude);
-  gps.set("AltitudeRef", *place.altitude < 0 ? 1 : 0);
+  gps.set(kCGImagePropertyGPSAltitudeRef, *place.altitude < 0 ? 1 : 0);
 }
 
 }  // namespace

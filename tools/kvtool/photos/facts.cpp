@@ -18,10 +18,11 @@ namespace {
 std::optional<std::string> offsetOfDate(const Dictionary& properties) {
   for (const auto& [dictionary, key, offset] :
        {std::tuple{kCGImagePropertyExifDictionary, kCGImagePropertyExifDateTimeDigitized,
-                   "OffsetTimeDigitized"},
+                   kCGImagePropertyExifOffsetTimeDigitized},
         {kCGImagePropertyExifDictionary, kCGImagePropertyExifDateTimeOriginal,
-         "OffsetTimeOriginal"},
-        {kCGImagePropertyTIFFDictionary, kCGImagePropertyTIFFDateTime, "OffsetTime"}}) {
+         kCGImagePropertyExifOffsetTimeOriginal},
+        {kCGImagePropertyTIFFDictionary, kCGImagePropertyTIFFDateTime,
+         kCGImagePropertyExifOffsetTime}}) {
     const auto* entries = properties.get<Dictionary>(dictionary);
     if (!entries || !entries->get<std::string>(key)) continue;
     const auto* exif = properties.get<Dictionary>(kCGImagePropertyExifDictionary);

@@ -56,8 +56,8 @@ std::optional<JpegResolution> jpegResolution(const Dictionary& properties, bool 
   };
   const double x = numberAt(&properties, kCGImagePropertyDPIWidth);
   const double y = numberAt(&properties, kCGImagePropertyDPIHeight);
-  const bool areKept =
-      isStored && isSaid(x, "XResolution", result->x) && isSaid(y, "YResolution", result->y);
+  const bool areKept = isStored && isSaid(x, kCGImagePropertyTIFFXResolution, result->x) &&
+                       isSaid(y, kCGImagePropertyTIFFYResolution, result->y);
   if (!areKept && density(x) != 0 && density(y) != 0) {
     result->unit = 1;
     result->x = density(x);

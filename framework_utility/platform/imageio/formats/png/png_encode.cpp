@@ -76,13 +76,14 @@ std::optional<std::uint32_t> asResolution(double value) {
 /// Dots a metre of `png`, what a PNG said of itself, unless the dots an inch are neither these nor
 /// those of "{TIFF}". A PNG that did not say any says none because of "{TIFF}".
 std::optional<std::uint32_t> resolution(const EncodeRequest& request, const Dictionary& png,
-                                        const std::string& side, std::string_view inchKey) {
-  const Number* perMetre = png.get<Number>(side + "PixelsPerMeter");
+                                        std::string_view metreKey, std::string_view inchKey,
+                                        std::string_view tiffKey) {
+  const Number* perMetre = png.get<Number>(metreKey);
   const Number* perInch = request.properties.get<Number>(inchKey);
   const auto stored = perMetre ? asResolution(perMetre->doubleValue()) : std::nullopt;
   if (!perInch) return stored;
   const double dots = perInch->doubleValue();
-  const bool isTiffs = dots == tiffDotsPerInch(request.properties, side + "Resolution");
+  const bool isTiffs = dots == tiffDotsPerInch(request.properties, tiffKey);
   if (stored ? isTiffs || dots == pngDotsPerInch(*stored) : isTiffs && isOfPng(request)) {
     return stored;
   }
@@ -90,8 +91,10 @@ std::optional<std::uint32_t> resolution(const EncodeRequest& request, const Dict
 }
 
 bool writeResolution(PngWriter& writer, const EncodeRequest& request, const Dictionary& png) {
-  const auto x = resolution(request, png, "X", "DPIWidth");
-  const auto y = resolution(request, png, "Y", "DPIHeight");
+  const auto x = resolution(request, png, kCGImagePropertyPNGXPixelsPerMeter,
+                            kCGImagePropertyDPIWidth, kCGImagePropertyTIFFXResolution);
+  const auto y = resolution(request, png, kCGImagePropertyPNGYPixelsPerMeter,
+                            kCGImagePropertyDPIHeight, kCGImagePropertyTIFFYResolution);
   if (x && y) {
     return writer.writeChunk(
         "pHYs", ByteWriter().put<std::uint32_t>(*x).put<std::uint32_t>(*y).put<std::uint8_t>(1));
@@ -109,13 +112,14 @@ bool writeStandardColors(PngWriter& writer, const EncodeRequest& request, const 
   const bool isAsBefore = isOfPng(request) && !request.properties.find(kCGImagePropertyProfileName);
   const auto isSaid = [&](std::string_view key) { return !isAsBefore || png.find(key); };
   constexpr std::uint32_t gammaOf22 = 45455;
-  if (isSaid("Gamma") && !writer.writeChunk("gAMA", ByteWriter().put<std::uint32_t>(gammaOf22))) {
+  if (isSaid(kCGImagePropertyPNGGamma) &&
+      !writer.writeChunk("gAMA", ByteWriter().put<std::uint32_t>(gammaOf22))) {
     return false;
   }
 
   constexpr std::array<std::uint32_t, 8> primaries = {31270, 32900, 64000, 33000,
                                                       30000, 60000, 15000, 6000};
-  if (const auto* said = png.get<Array>("Chromaticities"); said && isAsBefore) {
+  if (const auto* said = png.get<Array>(kCGImagePropertyPNGChromaticities); said && isAsBefore) {
     const bool isThese =
         std::equal(said->begin(), said->end(), primaries.begin(), primaries.end(),
                    [](const Value& value, std::uint32_t exact) {
@@ -127,10 +131,10 @@ bool writeStandardColors(PngWriter& writer, const EncodeRequest& request, const 
     if (isThese && !writer.writeChunk("cHRM", data)) return false;
   }
 
-  const Number* intent = png.get<Number>("sRGBIntent");
+  const Number* intent = png.get<Number>(kCGImagePropertyPNGsRGBIntent);
   const double number = intent ? intent->doubleValue() : 0;
   const auto known = number >= 0 && number <= 3 ? static_cast<std::uint32_t>(number) : 0;
-  return isGray || !isSaid("sRGBIntent") ||
+  return isGray || !isSaid(kCGImagePropertyPNGsRGBIntent) ||
          writer.writeChunk("sRGB", ByteWriter().putNumber(known, 1));
 }
 
@@ -195,7 +199,7 @@ bool writeMetadata(PngWriter& writer, const EncodeRequest& request, const Dictio
     }
   }
   if (!writeParts(writer, request, png)) return false;
-  const auto* time = png.get<std::string>("ModificationTime");
+  const auto* time = png.get<std::string>(kCGImagePropertyPNGModificationTime);
   return !time || writeTime(writer, *time);
 }
 

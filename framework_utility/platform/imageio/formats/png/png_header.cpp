@@ -134,12 +134,12 @@ class HeaderReader {
         header_.hasAlpha = true;
         return;
       case pngType("gAMA"):
-        if (data.size() == 4) set("Gamma", bytes.at<std::uint32_t>(0) / 100000.0);
+        if (data.size() == 4) set(kCGImagePropertyPNGGamma, bytes.at<std::uint32_t>(0) / 100000.0);
         return;
       case pngType("cHRM"):
         return takeChromaticities(bytes);
       case pngType("sRGB"):
-        if (data.size() == 1) set("sRGBIntent", int{bytes.at<std::uint8_t>(0)});
+        if (data.size() == 1) set(kCGImagePropertyPNGsRGBIntent, int{bytes.at<std::uint8_t>(0)});
         return;
       case pngType("pHYs"):
         return takeResolution(data);
@@ -189,14 +189,14 @@ class HeaderReader {
     header_.hasAlpha = colorType_ == 4 || colorType_ == 6;
     header_.model =
         colorType_ == 0 || colorType_ == 4 ? CGColorSpaceModel::monochrome : CGColorSpaceModel::rgb;
-    set("InterlaceType", static_cast<int>(interlacing));
+    set(kCGImagePropertyPNGInterlaceType, static_cast<int>(interlacing));
   }
 
   void takeChromaticities(ByteReader bytes) {
     if (bytes.size() != 32) return;
     Array values;
     while (bytes.size() > 0) values.emplace_back(bytes.take<std::uint32_t>() / 100000.0);
-    set("Chromaticities", Value(std::move(values)));
+    set(kCGImagePropertyPNGChromaticities, Value(std::move(values)));
   }
 
   void takeResolution(const Data& data) {
@@ -208,10 +208,10 @@ class HeaderReader {
     // A unit of 0 says only how wide pixels are for their height.
     if (unit == 0) keep(pngType("pHYs"), data);
     if (unit != 1 || x == 0 || y == 0) return;
-    set("XPixelsPerMeter", x);
-    set("YPixelsPerMeter", y);
-    header_.formatProperties.set("DPIWidth", pngDotsPerInch(x));
-    header_.formatProperties.set("DPIHeight", pngDotsPerInch(y));
+    set(kCGImagePropertyPNGXPixelsPerMeter, x);
+    set(kCGImagePropertyPNGYPixelsPerMeter, y);
+    header_.formatProperties.set(kCGImagePropertyDPIWidth, pngDotsPerInch(x));
+    header_.formatProperties.set(kCGImagePropertyDPIHeight, pngDotsPerInch(y));
   }
 
   void takeTime(ByteReader bytes) {
@@ -222,7 +222,7 @@ class HeaderReader {
     char text[32];
     std::snprintf(text, sizeof text, "%04u:%02u:%02u %02u:%02u:%02u", year, rest[0], rest[1],
                   rest[2], rest[3], rest[4]);
-    set("ModificationTime", text);
+    set(kCGImagePropertyPNGModificationTime, text);
   }
 
   void takeText(std::uint32_t type, const Data& data) {

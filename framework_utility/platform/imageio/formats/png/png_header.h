@@ -2,6 +2,7 @@
 
 #include <framework_utility/platform/foundation/files/byte_source.h>
 #include <framework_utility/platform/imageio/formats/image_header.h>
+#include <framework_utility/platform/imageio/metadata/property_keys.h>
 
 #include <array>
 #include <cstdint>
@@ -11,8 +12,10 @@ namespace FrameworkUtility::detail {
 
 /// The texts that "{PNG}" holds, under their keywords in the file.
 inline constexpr std::array<std::string_view, 10> pngTextKeywords{
-    "Title",    "Author",     "Description", "Copyright", "Creation Time",
-    "Software", "Disclaimer", "Warning",     "Source",    "Comment"};
+    kCGImagePropertyPNGTitle,      kCGImagePropertyPNGAuthor,       kCGImagePropertyPNGDescription,
+    kCGImagePropertyPNGCopyright,  kCGImagePropertyPNGCreationTime, kCGImagePropertyPNGSoftware,
+    kCGImagePropertyPNGDisclaimer, kCGImagePropertyPNGWarning,      kCGImagePropertyPNGSource,
+    kCGImagePropertyPNGComment};
 
 inline constexpr std::string_view pngXmpKeyword = "XML:com.adobe.xmp";
 

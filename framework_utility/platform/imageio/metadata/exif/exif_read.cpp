@@ -18,7 +18,7 @@ namespace {
 /// Those of the two resolutions: inches when none is given; with the unit 1, none, they only give a
 /// pixel's shape.
 double unitsPerInch(const Dictionary& image) {
-  const Number* unit = image.get<Number>("ResolutionUnit");
+  const Number* unit = image.get<Number>(kCGImagePropertyTIFFResolutionUnit);
   return !unit || *unit == 2 ? 1 : *unit == 3 ? 2.54 : 0;
 }
 
@@ -37,7 +37,7 @@ class Reading {
     addTopLevel(image, properties);
     add(exifDictionaryKey(ExifDirectory::image), std::move(image), properties);
     add(exifDictionaryKey(ExifDirectory::exif), std::move(exif), properties);
-    add("{ExifAux}", std::move(auxiliary_), properties);
+    add(kCGImagePropertyExifAuxDictionary, std::move(auxiliary_), properties);
     add(exifDictionaryKey(ExifDirectory::gps), std::move(gps), properties);
     if (makerNote) add(kCGImagePropertyMakerAppleDictionary, std::move(*makerNote), properties);
   }
@@ -85,8 +85,8 @@ class Reading {
     const double inInches = unitsPerInch(image);
     if (inInches == 0) return;
     for (const auto& [resolution, key] :
-         {std::pair<std::string_view, std::string_view>{"XResolution", "DPIWidth"},
-          {"YResolution", "DPIHeight"}}) {
+         {std::pair{kCGImagePropertyTIFFXResolution, kCGImagePropertyDPIWidth},
+          {kCGImagePropertyTIFFYResolution, kCGImagePropertyDPIHeight}}) {
       if (const Number* number = image.get<Number>(resolution)) {
         properties.set(Key::withConstant(key),
                        inInches == 1 ? *number : Number(number->doubleValue() * inInches));

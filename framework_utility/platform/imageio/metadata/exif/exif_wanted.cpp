@@ -8,7 +8,6 @@
 namespace FrameworkUtility::detail {
 namespace {
 
-constexpr std::string_view altitudeReference = "AltitudeRef";
 constexpr int aboveSeaLevel = 0;
 constexpr int belowSeaLevel = 1;
 
@@ -30,7 +29,7 @@ void splitTimeStamp(Dictionary& gps) {
   }
   const std::string date = stamp->substr(0, pattern.size() - 1);
   const std::string time = stamp->substr(pattern.size());
-  gps.set("DateStamp", date);
+  gps.set(kCGImagePropertyGPSDateStamp, date);
   gps.set(kCGImagePropertyGPSTimeStamp, time);
 }
 
@@ -41,11 +40,12 @@ void splitAltitude(const Dictionary& before, Dictionary& gps) {
   const double metres = altitude->doubleValue();
   if (metres < 0) {
     gps.set(kCGImagePropertyGPSAltitude, -metres);
-    gps.set(altitudeReference, belowSeaLevel);
+    gps.set(kCGImagePropertyGPSAltitudeRef, belowSeaLevel);
   } else if (!isSame(gps.find(kCGImagePropertyGPSAltitude),
                      before.find(kCGImagePropertyGPSAltitude)) &&
-             isSame(gps.find(altitudeReference), before.find(altitudeReference))) {
-    gps.set(altitudeReference, aboveSeaLevel);
+             isSame(gps.find(kCGImagePropertyGPSAltitudeRef),
+                    before.find(kCGImagePropertyGPSAltitudeRef))) {
+    gps.set(kCGImagePropertyGPSAltitudeRef, aboveSeaLevel);
   }
 }
 

@@ -2,6 +2,7 @@
 #include <framework_utility/platform/foundation/values/byte_writer.h>
 #include <framework_utility/platform/imageio/metadata/iptc/iptc_record.h>
 #include <framework_utility/platform/imageio/metadata/metadata_codec.h>
+#include <framework_utility/platform/imageio/metadata/property_keys.h>
 
 #include <algorithm>
 #include <cstdint>
@@ -13,7 +14,6 @@
 namespace FrameworkUtility::detail {
 namespace {
 
-constexpr std::string_view dictionaryKey = "{IPTC}";
 constexpr std::string_view signature = "8BIM";
 
 constexpr std::uint16_t iptcRecord = 0x0404;
@@ -75,7 +75,7 @@ void readImageResources(std::span<const std::byte> resources, Dictionary& proper
   forEachResource(resources, [&](const Resource& resource) {
     if (resource.number != iptcRecord) return true;
     Dictionary entries = readIptcRecord(resource.data, budget);
-    if (!entries.empty()) properties.set(dictionaryKey, std::move(entries));
+    if (!entries.empty()) properties.set(kCGImagePropertyIPTCDictionary, std::move(entries));
     return false;
   });
 }
@@ -88,7 +88,7 @@ std::vector<std::byte> mergeImageResources(std::span<const std::byte> resources,
     return resource.number != iptcRecord;
   });
   static const Dictionary none;
-  const auto* entries = properties.get<Dictionary>(dictionaryKey);
+  const auto* entries = properties.get<Dictionary>(kCGImagePropertyIPTCDictionary);
   const std::vector<std::byte> record =
       mergeIptcRecord(oldRecord, entries ? *entries : none, budget);
   const bool isChanged =

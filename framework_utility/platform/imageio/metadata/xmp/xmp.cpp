@@ -1,4 +1,5 @@
 #include <framework_utility/platform/imageio/metadata/metadata_codec.h>
+#include <framework_utility/platform/imageio/metadata/property_keys.h>
 #include <framework_utility/platform/imageio/metadata/text_encoding.h>
 #include <framework_utility/platform/imageio/metadata/xmp/xmp_entries.h>
 #include <framework_utility/platform/imageio/metadata/xmp/xmp_packet.h>
@@ -157,7 +158,7 @@ void setTexts(TextEdits& edits, std::string_view packet, const XmpProperty& prop
 const Value* findEntry(const Dictionary& properties, std::string_view dictionary,
                        std::string_view key) {
   if (key.empty()) return nullptr;
-  if (dictionary == "{TIFF}" && key == "Orientation") {
+  if (dictionary == kCGImagePropertyTIFFDictionary && key == kCGImagePropertyTIFFOrientation) {
     if (const Value* top = properties.find(key); top && top->as<Number>()) return top;
   }
   const auto* entries = properties.get<Dictionary>(dictionary);
@@ -202,7 +203,8 @@ Dictionary readXmp(std::span<const std::byte> packet, const Dictionary& properti
   if (!found) return added;
   for (const XmpProperty& property : *found) {
     const XmpMapping& mapping = *property.mapping;
-    if (mapping.dictionary == "{IPTC}" || hasEntries(mapping, properties)) continue;
+    if (mapping.dictionary == kCGImagePropertyIPTCDictionary || hasEntries(mapping, properties))
+      continue;
     if (property.isLeftOut || !budget.spend(2 + property.items.size(), 0)) {
       budget.leaveOut(mapping.dictionary);
       continue;
