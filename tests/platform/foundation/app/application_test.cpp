@@ -55,10 +55,11 @@ TEST(ApplicationTest, LanguagesComeFromTheEnvironmentAsTags) {
 }
 
 TEST(ApplicationTest, AnExtensionIsToldByItsPathInAnyCase) {
-  for (const auto& [path, expected] :
-       {std::pair{"/a/Pelvar.app/PlugIns/Edit.appex/Edit", true},
-        std::pair{"/a/Edit.APPEX/Edit", true}, std::pair{"/a/Edit.appex", false},
-        std::pair{"/a/Pelvar.app/Pelvar", false}, std::pair{"", false}}) {
+  for (const auto& [path, expected] : {std::pair{"/a/Pelvar.app/PlugIns/Edit.appex/Edit", true},
+                                       {"/a/Edit.APPEX/Edit", true},
+                                       {"/a/Edit.appex", false},
+                                       {"/a/Pelvar.app/Pelvar", false},
+                                       {"", false}}) {
     Application facts;
     facts.executablePath = path;
     EXPECT_EQ(facts.isExtension(), expected) << path;

@@ -42,9 +42,9 @@ TEST(UTTypeTest, AnExtensionInAnyCaseGivesTheFirstDeclaredTypeUnderTheSupertype)
 }
 
 TEST(UTTypeTest, UndeclaredExtensionsGiveDynamicTypesThatGoToTheirNameAndBack) {
-  for (const auto& [extension, identifier] :
-       {std::pair{"srt", "dyn.ah62d4rv4ge81g6xy"}, std::pair{"gpx", "dyn.ah62d4rv4ge80s6d2"},
-        std::pair{"GPX", "dyn.ah62d4rv4ge80s6d2"}}) {
+  for (const auto& [extension, identifier] : {std::pair{"srt", "dyn.ah62d4rv4ge81g6xy"},
+                                              {"gpx", "dyn.ah62d4rv4ge80s6d2"},
+                                              {"GPX", "dyn.ah62d4rv4ge80s6d2"}}) {
     SCOPED_TRACE(extension);
     const auto type = UTType::typeWithFilenameExtension(extension, UTTypeData);
     ASSERT_TRUE(type);

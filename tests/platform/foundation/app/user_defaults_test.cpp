@@ -213,19 +213,17 @@ TEST_F(UserDefaultsTest, OtherProcessesWritesAreSeenAtOnceAndTheFolderMayVanish)
 
 TEST_F(UserDefaultsTest, ProcessesAndThreadsLoseNothing) {
   constexpr int processes = 4, threads = 2, settings = 25;
+  const auto save = [&](int writer) {
+    for (int i = 0; i < settings; ++i) {
+      defaults()->setObject(i, std::to_string(writer) + "." + std::to_string(i));
+    }
+  };
   std::vector<pid_t> children;
   for (int process = 0; process < processes; ++process) {
     children.push_back(inChild([&] {
-      std::vector<std::thread> running;
-      for (int thread = 0; thread < threads; ++thread) {
-        running.emplace_back([&, thread] {
-          for (int i = 0; i < settings; ++i) {
-            defaults()->setObject(i, std::to_string(process) + "." + std::to_string(thread) + "." +
-                                         std::to_string(i));
-          }
-        });
-      }
-      for (std::thread& thread : running) thread.join();
+      std::thread other(save, process);
+      save(process + processes);
+      other.join();
     }));
   }
   for (const pid_t child : children) EXPECT_TRUE(succeeded(child));

@@ -102,9 +102,11 @@ TEST_P(FileManagerTest, ReadsAnyPartOfAFileAsItWasWhenItWasOpened) {
   EXPECT_EQ(reader->size(), 10);
   std::string text(4, '-');
   const auto bytes = std::as_writable_bytes(std::span(text));
-  for (const auto& [offset, count, expected] :
-       {std::tuple{0, 4, "0123"}, std::tuple{8, 2, "8923"}, std::tuple{10, 0, "8923"},
-        std::tuple{1'000'000, 0, "8923"}, std::tuple{6, 4, "6789"}}) {
+  for (const auto& [offset, count, expected] : {std::tuple{0, 4, "0123"},
+                                                {8, 2, "8923"},
+                                                {10, 0, "8923"},
+                                                {1'000'000, 0, "8923"},
+                                                {6, 4, "6789"}}) {
     EXPECT_THAT(reader->readAt(offset, bytes, nullptr), Optional(count)) << offset;
     EXPECT_EQ(text, expected) << offset;
   }

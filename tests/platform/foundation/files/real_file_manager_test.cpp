@@ -78,11 +78,9 @@ class RealFileManagerTest : public ::testing::Test {
 };
 
 TEST_F(RealFileManagerTest, LinksAreRemovedCopiedAndReplacedThemselves) {
-  ASSERT_TRUE(makeFolder("target"));
-  ASSERT_TRUE(write("target/kept", "kept"));
+  ASSERT_TRUE(makeFolder("target") && write("target/kept", "kept") && makeFolder("tree"));
   ASSERT_EQ(symlink(at("target").c_str(), at("link").c_str()), 0);
   ASSERT_EQ(symlink("nowhere", at("dangling").c_str()), 0);
-  ASSERT_TRUE(makeFolder("tree"));
   ASSERT_EQ(symlink("../target", at("tree/inside").c_str()), 0);
 
   EXPECT_TRUE(files.directoryExistsAtPath(at("link")));
@@ -122,9 +120,7 @@ TEST_F(RealFileManagerTest, PipesSocketsAndDevicesNeverBlock) {
     EXPECT_EQ(files.attributesOfItemAtPath(path, nullptr)->kind, FileKind::other);
   }
   // One that does not know its size is read whole.
-  EXPECT_GT(
-      FileManager::defaultManager().contentsAtPath("/proc/self/status").value_or(Data()).size(),
-      100u);
+  EXPECT_GT(files.contentsAtPath("/proc/self/status").value_or(Data()).size(), 100u);
   // A folder that holds one is copied wholly or not at all.
   EXPECT_FALSE(files.copyItemAtPath(folder.path(), folder.path() + "-copy", nullptr));
   EXPECT_FALSE(files.fileExistsAtPath(folder.path() + "-copy"));
@@ -135,8 +131,7 @@ TEST_F(RealFileManagerTest, PipesSocketsAndDevicesNeverBlock) {
 }
 
 TEST_F(RealFileManagerTest, AReplacedFileHandsItsPermissionsOnAndACopyKeepsThem) {
-  ASSERT_TRUE(write("private", "1") && write("tree", ""));
-  ASSERT_TRUE(files.removeItemAtPath(at("tree"), nullptr));
+  ASSERT_TRUE(write("private", "1"));
   ASSERT_EQ(chmod(at("private").c_str(), 0640), 0);
   ASSERT_TRUE(write("private", "2"));
   EXPECT_EQ(mode("private"), 0640u);
@@ -144,8 +139,7 @@ TEST_F(RealFileManagerTest, AReplacedFileHandsItsPermissionsOnAndACopyKeepsThem)
   ASSERT_TRUE(write("new", "3"));
   umask(mask);
   EXPECT_EQ(mode("new"), 0600u);
-  ASSERT_TRUE(makeFolder("tree"));
-  ASSERT_TRUE(write("tree/f", "4"));
+  ASSERT_TRUE(makeFolder("tree") && write("tree/f", "4"));
   ASSERT_EQ(chmod(at("tree/f").c_str(), 0440), 0);
   ASSERT_EQ(chmod(at("tree").c_str(), 0550), 0);
   ASSERT_TRUE(files.copyItemAtPath(at("tree"), at("copy"), nullptr));
@@ -154,13 +148,11 @@ TEST_F(RealFileManagerTest, AReplacedFileHandsItsPermissionsOnAndACopyKeepsThem)
 }
 
 TEST_F(RealFileManagerTest, RefusalsForWantOfPermissionAreReportedAndLeaveNothing) {
-  ASSERT_TRUE(makeFolder("closed"));
-  ASSERT_TRUE(makeFolder("open"));
+  ASSERT_TRUE(makeFolder("closed") && makeFolder("open"));
   ASSERT_TRUE(write("closed/f", "1") && write("secret", "2"));
-  ASSERT_EQ(chmod(folder.path().c_str(), 0755), 0);
-  ASSERT_EQ(chmod(at("closed").c_str(), 0555), 0);
-  ASSERT_EQ(chmod(at("open").c_str(), 0777), 0);
-  ASSERT_EQ(chmod(at("secret").c_str(), 0000), 0);
+  const std::pair<const char*, mode_t> modes[] = {
+      {".", 0755}, {"closed", 0555}, {"open", 0777}, {"secret", 0000}};
+  for (const auto& [name, mode] : modes) ASSERT_EQ(chmod(at(name).c_str(), mode), 0);
   const auto refusal = [this](std::int64_t code, const std::function<bool(Error*)>& run) {
     return runUnprivileged([&] {
       Error error;
@@ -225,8 +217,7 @@ TEST_F(RealFileManagerTest, AFullDiskKeepsTheOldFileAndOtherVolumesAreReachedByC
                 Optional(UnorderedElementsAre("f")));
     EXPECT_EQ(contentsOf(files, at("disk/f")), "old");
 
-    EXPECT_TRUE(makeFolder("tree/a"));
-    EXPECT_TRUE(write("tree/a/f", "text"));
+    EXPECT_TRUE(makeFolder("tree/a") && write("tree/a/f", "text"));
     EXPECT_TRUE(files.moveItemAtPath(at("tree"), at("disk/tree"), nullptr));
     EXPECT_EQ(contentsOf(files, at("disk/tree/a/f")), "text");
     EXPECT_FALSE(files.fileExistsAtPath(at("tree")));
@@ -245,10 +236,11 @@ TEST_F(RealFileManagerTest, AFolderGoesIntoItselfByNoPathAndNothingIsWritten) {
   ASSERT_TRUE(makeFolder("from/inner"));
   ASSERT_EQ(symlink(at("from/inner").c_str(), at("link").c_str()), 0);
   const auto before = std::filesystem::last_write_time(at("from/inner")) - std::chrono::hours(1);
-  for (const auto& [source, target] :
-       {std::pair{"from", "from/inner/self"}, std::pair{"from/inner", "from/inner/self"},
-        std::pair{"from", "link/self"}, std::pair{"link/..", "from/inner/self"},
-        std::pair{"link/../inner", "from/./inner/../inner/self"}}) {
+  for (const auto& [source, target] : {std::pair{"from", "from/inner/self"},
+                                       {"from/inner", "from/inner/self"},
+                                       {"from", "link/self"},
+                                       {"link/..", "from/inner/self"},
+                                       {"link/../inner", "from/./inner/../inner/self"}}) {
     SCOPED_TRACE(std::string(source) + " into " + target);
     std::filesystem::last_write_time(at("from/inner"), before);
     Error error;

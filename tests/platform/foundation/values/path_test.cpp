@@ -43,11 +43,14 @@ TEST(PathTest, NamesAndExtensions) {
 }
 
 TEST(PathTest, OneSlashBetweenComponents) {
-  for (const auto& [path, component, whole] :
-       {std::tuple{"/a", "b", "/a/b"}, std::tuple{"/a/", "b", "/a/b"},
-        std::tuple{"/a", "/b", "/a/b"}, std::tuple{"/a//", "//b", "/a/b"},
-        std::tuple{"/", "b", "/b"}, std::tuple{"", "b", "b"}, std::tuple{"a", "", "a"},
-        std::tuple{"a", "b/c/", "a/b/c/"}}) {
+  for (const auto& [path, component, whole] : {std::tuple{"/a", "b", "/a/b"},
+                                               {"/a/", "b", "/a/b"},
+                                               {"/a", "/b", "/a/b"},
+                                               {"/a//", "//b", "/a/b"},
+                                               {"/", "b", "/b"},
+                                               {"", "b", "b"},
+                                               {"a", "", "a"},
+                                               {"a", "b/c/", "a/b/c/"}}) {
     EXPECT_EQ(appendingPathComponent(path, component), whole) << path << ' ' << component;
   }
 }
