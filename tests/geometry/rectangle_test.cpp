@@ -1,3 +1,4 @@
+#include <framework_utility/geometry/math.h>
 #include <framework_utility/geometry/rectangle.h>
 #include <tests/geometry/numbers.h>
 
@@ -6,6 +7,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <limits>
 #include <numbers>
 #include <sstream>
 #include <type_traits>
@@ -15,6 +17,8 @@ namespace FrameworkUtility {
 namespace {
 
 using testing::Numbers;
+
+constexpr double pi = std::numbers::pi;
 
 static_assert(!std::is_default_constructible_v<KvRectangle>);
 // Of a temporary, nothing refers to it.
@@ -29,7 +33,7 @@ TEST(KvRectangleTest, TheCornersGoClockwiseFromTheTopLeft) {
   EXPECT_EQ(KvRectangle(rect).bounds(), rect);
   EXPECT_EQ(KvRectangle(Rect(10, 20, -3, -4)).p3(), (Point{7, 16}));  // sides as stored
 
-  const KvRectangle turned({100, 50}, std::numbers::pi / 2);
+  const KvRectangle turned({100, 50}, pi / 2);
   const Corners expected{{{75, -25}, {75, 75}, {25, 75}, {25, -25}}};
   for (std::size_t i = 0; i < 4; ++i) {
     EXPECT_NEAR(turned.points()[i].x, expected[i].x, 1e-13);
@@ -85,11 +89,11 @@ TEST(KvRectangleTest, OddlyInsideOnPurpose) {
   EXPECT_TRUE(beyond.isPointInside({205'000, 2500}));
   EXPECT_FALSE(beyond.isPointInside({209'000, 2500}));
 
-  // Five apart, yet a corner of the first grazes the second's p4.
-  EXPECT_FALSE(KvRectangle(Size{5, 5}).isRectangleOutsideRectangle(shape));
+  const KvRectangle small(Size{5, 5});
+  EXPECT_FALSE(small.isRectangleOutsideRectangle(shape)) << "a corner grazes p4, five away";
   // Shapes that touch at a corner are apart or not depending on the corner.
-  EXPECT_FALSE(KvRectangle(Size{5, 5}).isRectangleOutsideRectangle(KvRectangle(Rect(5, 5, 5, 5))));
-  EXPECT_TRUE(KvRectangle(Size{5, 5}).isRectangleOutsideRectangle(KvRectangle(Rect(5, -5, 5, 5))));
+  EXPECT_FALSE(small.isRectangleOutsideRectangle(KvRectangle(Rect(5, 5, 5, 5))));
+  EXPECT_TRUE(small.isRectangleOutsideRectangle(KvRectangle(Rect(5, -5, 5, 5))));
 }
 
 TEST(KvRectangleTest, ShapesApart) {
@@ -138,7 +142,7 @@ class Shapes {
     if (kind % 3 == 0) return KvRectangle(Rect(p, size));
     if (kind % 3 == 1) return KvRectangle(size, numbers_.between(-4, 4)).translateBy({p.x, p.y});
     const auto corner = [&](int quarter) {  // on an ellipse
-      const double angle = (quarter + numbers_.between(0, 0.9)) * std::numbers::pi / 2;
+      const double angle = (quarter + numbers_.between(0, 0.9)) * pi / 2;
       return Point{p.x + size.width * std::cos(angle), p.y + size.height * std::sin(angle)};
     };
     return {corner(0), corner(1), corner(2), corner(3)};
@@ -177,6 +181,84 @@ TEST(KvRectangleTest, ApartIsExactAwayFromTheOdditiesAndMovesAlong) {
     ASSERT_EQ(a.isRectangleOutsideRectangle(b), expected) << a << " and " << b;
   }
   EXPECT_TRUE(apart > 2000 && apart < 18'000) << apart;
+}
+
+/// By how much the corners of `inner` stick out of a clockwise shape at most; negative inside.
+double overhang(const KvRectangle& shape, const KvRectangle& inner) {
+  double most = -std::numeric_limits<double>::infinity();
+  for (const KvCollageSegment& side : shape.segments()) {
+    for (const Point corner : inner.points()) most = std::max(most, -rightOf(side, corner));
+  }
+  return most;
+}
+
+/// The rect of `content`'s proportions and this width, centred and turned by -angle.
+KvRectangle candidate(Size content, double width, Point center, double angle) {
+  KvRectangle shape(content.multiplyBy(width / content.width), -angle);
+  const Rect bounds = shape.bounds();
+  return shape.translateBy({center.x - bounds.midX(), center.y - bounds.midY()});
+}
+
+void expectSmallestCover(const KvRectangle& area, Size content, Point center, double angle) {
+  SCOPED_TRACE(::testing::Message()
+               << area << " content " << content.width << ' ' << content.height << " center "
+               << center.x << ' ' << center.y << " angle " << angle);
+  const KvRectangle cover = area.rectangleFilledWithRectRotated(content, center, angle);
+  const double width = cover.size().width;
+  const double tolerance = 1e-9 * (width + cover.size().height);
+  EXPECT_NEAR(overhang(cover, area), 0, tolerance);  // a corner of the area touches a side
+  const KvRectangle expected = candidate(content, width, center, angle);
+  for (std::size_t i = 0; i < 4; ++i) {
+    EXPECT_LT(Math::distanceBetweenPoint(cover.points()[i], expected.points()[i]), tolerance);
+  }
+}
+
+TEST(KvRectangleCoverTest, IsTheSmallestOfItsProportions) {
+  Numbers numbers;
+  for (int i = 0; i < 2000; ++i) {
+    const Point place = numbers.point();
+    KvRectangle area = i % 2 ? KvRectangle(Rect(place, numbers.size()))
+                             : KvRectangle(numbers.size(), numbers.between(-4, 4));
+    const Size content{numbers.between(0.01, 2), numbers.between(0.01, 2)};
+    const double angle = numbers.between(-20, 20);
+    if (std::abs(std::sin(2 * angle)) < 1e-4) continue;  // next to a quarter turn digits get lost
+    expectSmallestCover(area, content, numbers.point(), angle);
+  }
+  // The angle's digits end far before the point, but it is an angle.
+  const KvRectangle area(Rect(10, 20, 300, 200));
+  EXPECT_NEAR(overhang(area.rectangleFilledWithRectRotated({40, 30}, {70, 80}, 1e300), area), 0,
+              1e-6);
+}
+
+TEST(KvRectangleCoverTest, QuarterTurnsPutTheWidthAlongY) {
+  const KvRectangle area(Rect(10, 20, 300, 200));
+  for (const double angle : {pi / 2, -pi / 2, 3 * pi / 2}) {
+    expectSmallestCover(area, {40, 30}, {120, 90}, angle);
+  }
+  // The base rect shrinks: 100 x 200 to 50 x 100.
+  expectSmallestCover(KvRectangle(Size{100, 50}), {1, 2}, {50, 25}, pi / 2);
+}
+
+// The angles that the tool rests at give the base rect where it stands.
+TEST(KvRectangleCoverTest, HalfAndWholeTurnsGiveTheUprightCoverAtTheOrigin) {
+  const KvRectangle area(Rect(10, 20, 300, 200));
+  const Corners base = KvRectangle(Size{300, 225}).points();
+  for (const double angle : {0.0, -0.0, 1e-16, pi, -pi, 2 * pi, -2 * pi, 3 * pi}) {
+    EXPECT_EQ(area.rectangleFilledWithRectRotated({40, 30}, {70, 80}, angle).points(), base)
+        << angle;
+  }
+  const KvRectangle nearly = area.rectangleFilledWithRectRotated({40, 30}, {70, 80}, 1e-15);
+  EXPECT_NEAR((nearly.p1().x + nearly.p3().x) / 2, 70, 1e-9);
+}
+
+TEST(KvRectangleCoverTest, ContentWithoutAnAreaGivesNothingOrNoNumbers) {
+  const KvRectangle area(Rect(10, 20, 300, 200));
+  for (const Size content : {Size{0, 5}, Size{5, 0}, Size{-4, 3}, Size{std::nan(""), 3}}) {
+    EXPECT_EQ(area.rectangleFilledWithRectRotated(content, {70, 80}, 0).bounds(), Rect());
+    for (const double angle : {1.0, pi / 2}) {
+      EXPECT_TRUE(std::isnan(area.rectangleFilledWithRectRotated(content, {70, 80}, angle).p1().x));
+    }
+  }
 }
 
 }  // namespace

