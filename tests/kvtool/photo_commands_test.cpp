@@ -1,8 +1,13 @@
 #include <framework_utility/imageio/image_metadata.h>
+#include <framework_utility/platform/foundation/values/byte_reader.h>
+#include <framework_utility/platform/foundation/values/byte_writer.h>
 #include <tests/kvtool/kvtool_test.h>
 
 #include <algorithm>
 #include <filesystem>
+#include <span>
+#include <string>
+#include <string_view>
 #include <tuple>
 
 namespace FrameworkUtility {
@@ -64,13 +69,18 @@ TEST_F(PhotoCommandsTest, ABadFileIsReportedAndTheOthersGoOn) {
 }
 
 TEST_F(PhotoCommandsTest, SaveWritesTheChangesIntoTheSession) {
-  testing::writeFile(path("a.v1.jpg"), testing::jpegWithPrivateTag("Camera", "a private note"));
+  const Data plain = testing::encoded(redAndBlue(16, 16), "public.jpeg");
+  constexpr std::string_view note = "a private note";
+  detail::ByteWriter file;  // with a comment
+  file.put(std::span(plain).first(2)).putNumber(0xFFFE, 2).putNumber(2 + note.size(), 2);
+  file.put(note).put(std::span(plain).subspan(2));
+  testing::writeFile(path("a.v1.jpg"), Data(file.takeBytes()));
   const std::string saved = output(
       "save a.v1.jpg --orientation 8 --date 2020-02-29T23:59:58Z --software 'Pelvar 7.1' "
       "--location -33.86,151.21 --remove-live-photo --quality 0.5 --session Editor-1");
   EXPECT_THAT(saved, MatchesRegex("/.*/Editor-1/[0-9A-F-]{36}/a\\.jpeg\n"));
   const std::string written = saved.substr(0, saved.size() - 1);
-  EXPECT_TRUE(testing::contains(testing::readFile(written), "a private note"));
+  EXPECT_THAT(std::string(detail::asText(testing::readFile(written))), HasSubstr(note));
   const std::string facts = output("metadata --json '" + written + "'");
   for (const char* fact :
        {R"("orientation": 8)", R"("date": "2020-02-29T23:59:58+00:00")",
