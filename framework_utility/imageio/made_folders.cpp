@@ -1,6 +1,7 @@
 #include <framework_utility/imageio/made_folders.h>
 
 #include <framework_utility/imageio/contained_path.h>
+#include <framework_utility/platform/foundation/app/temporary_directory.h>
 #include <framework_utility/platform/foundation/files/file_error.h>
 #include <framework_utility/platform/foundation/files/files.h>
 #include <framework_utility/platform/foundation/values/path.h>

@@ -2,6 +2,7 @@
 
 #include <framework_utility/imageio/made_folders.h>
 #include <framework_utility/platform/foundation/app/application.h>
+#include <framework_utility/platform/foundation/app/temporary_directory.h>
 #include <framework_utility/platform/foundation/app/user_defaults.h>
 #include <framework_utility/platform/foundation/files/files.h>
 #include <framework_utility/platform/foundation/values/random.h>

@@ -2,9 +2,9 @@
 
 #include <framework_utility/imageio/image_metadata.h>
 #include <framework_utility/platform/foundation/app/application.h>
+#include <framework_utility/platform/foundation/app/temporary_directory.h>
 #include <framework_utility/platform/foundation/app/user_defaults.h>
 #include <framework_utility/platform/foundation/files/file_error.h>
-#include <framework_utility/platform/foundation/files/files.h>
 #include <framework_utility/platform/imageio/metadata/property_keys.h>
 #include <tests/imageio/pictures.h>
 #include <tests/support/is_error.h>

@@ -3,6 +3,7 @@
 #include <framework_utility/imageio/data_writer.h>
 #include <framework_utility/imageio/image_metadata.h>
 #include <framework_utility/imageio/image_writer.h>
+#include <framework_utility/platform/foundation/app/temporary_directory.h>
 #include <framework_utility/platform/foundation/files/file_error.h>
 #include <framework_utility/platform/foundation/files/files.h>
 #include <framework_utility/platform/locale/locale.h>

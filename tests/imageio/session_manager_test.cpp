@@ -1,6 +1,7 @@
 #include <framework_utility/imageio/session_manager.h>
 
 #include <framework_utility/platform/foundation/app/application.h>
+#include <framework_utility/platform/foundation/app/temporary_directory.h>
 #include <framework_utility/platform/foundation/app/user_defaults.h>
 #include <framework_utility/platform/foundation/files/files.h>
 #include <tests/imageio/pictures.h>

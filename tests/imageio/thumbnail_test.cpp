@@ -1,6 +1,6 @@
 #include <framework_utility/imageio/image_writer.h>
 
-#include <framework_utility/platform/foundation/files/files.h>
+#include <framework_utility/platform/foundation/app/temporary_directory.h>
 #include <tests/imageio/pictures.h>
 #include <tests/support/temporary_folder.h>
 

@@ -138,9 +138,4 @@ std::unique_ptr<FileManager> makeFailingFileManager(FileManager& inner, FileFail
 /// In the default manager's place.
 using ScopedFileManager = Scoped<std::reference_wrapper<FileManager>>;
 
-/// The app's own folder for passing things, ending in "/": owned by the user, mode 0700, never a
-/// link. It stands in `$TMPDIR`, else in "/tmp", and is made anew when it is gone. Thread: any.
-/// Selector: NSTemporaryDirectory
-std::string temporaryDirectory();
-
 }  // namespace FrameworkUtility

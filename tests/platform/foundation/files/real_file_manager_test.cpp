@@ -1,6 +1,7 @@
 // What only a real file system can show: links, permissions, special files, full disks, processes
 // that are killed, very deep folders, and the temporary directory.
 
+#include <framework_utility/platform/foundation/app/temporary_directory.h>
 #include <framework_utility/platform/foundation/files/file_error.h>
 #include <framework_utility/platform/foundation/files/files.h>
 #include <framework_utility/platform/foundation/values/data.h>
