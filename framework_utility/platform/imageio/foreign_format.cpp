@@ -26,8 +26,7 @@ constexpr Mark marks[] = {{4, "ftyphei", "HEIC"},
                           {0, {"MM\0*", 4}, "TIFF"},
                           {0, "%PDF", "PDF"},
                           {0, "<svg", "SVG"},
-                          {0, "<?xml", "SVG"},
-                          {0, "BM", "BMP"}};
+                          {0, "<?xml", "SVG"}};
 
 }  // namespace
 

@@ -1,5 +1,6 @@
 #include <framework_utility/platform/imageio/image_formats.h>
 
+#include <framework_utility/platform/imageio/formats/bmp/bmp_format.h>
 #include <framework_utility/platform/imageio/formats/jpeg/jpeg_format.h>
 #include <framework_utility/platform/imageio/formats/png/png_format.h>
 
@@ -10,7 +11,7 @@ namespace FrameworkUtility::detail {
 namespace {
 
 /// Every format of this build, in the order in which they are asked.
-constexpr const ImageFormat* formats[] = {&jpegFormat, &pngFormat};
+constexpr const ImageFormat* formats[] = {&jpegFormat, &pngFormat, &bmpFormat};
 
 }  // namespace
 

@@ -5,6 +5,7 @@
 #include <framework_utility/platform/foundation/values/utf8.h>
 #include <framework_utility/platform/graphics/pixel_buffer.h>
 #include <framework_utility/platform/graphics/rgba_rows.h>
+#include <framework_utility/platform/imageio/formats/dots_per_inch.h>
 #include <framework_utility/platform/imageio/formats/png/png_header.h>
 #include <framework_utility/platform/imageio/formats/png/png_text.h>
 #include <framework_utility/platform/imageio/formats/png/png_writer.h>
@@ -84,7 +85,7 @@ std::optional<std::uint32_t> resolution(const EncodeRequest& request, const Dict
   if (!perInch) return stored;
   const double dots = perInch->doubleValue();
   const bool isTiffs = dots == tiffDotsPerInch(request.properties, tiffKey);
-  if (stored ? isTiffs || dots == pngDotsPerInch(*stored) : isTiffs && isOfPng(request)) {
+  if (stored ? isTiffs || dots == dotsPerInch(*stored) : isTiffs && isOfPng(request)) {
     return stored;
   }
   return asResolution(dots / 0.0254);

@@ -3,13 +3,13 @@
 #include <framework_utility/platform/foundation/app/uniform_type.h>
 #include <framework_utility/platform/foundation/values/byte_reader.h>
 #include <framework_utility/platform/foundation/values/byte_writer.h>
+#include <framework_utility/platform/imageio/formats/dots_per_inch.h>
 #include <framework_utility/platform/imageio/formats/png/png_chunks.h>
 #include <framework_utility/platform/imageio/formats/png/png_text.h>
 #include <framework_utility/platform/imageio/metadata/metadata_budget.h>
 #include <framework_utility/platform/imageio/metadata/property_keys.h>
 
 #include <algorithm>
-#include <cmath>
 #include <cstdint>
 #include <cstdio>
 #include <new>
@@ -210,8 +210,8 @@ class HeaderReader {
     if (unit != 1 || x == 0 || y == 0) return;
     set(kCGImagePropertyPNGXPixelsPerMeter, x);
     set(kCGImagePropertyPNGYPixelsPerMeter, y);
-    header_.formatProperties.set(kCGImagePropertyDPIWidth, pngDotsPerInch(x));
-    header_.formatProperties.set(kCGImagePropertyDPIHeight, pngDotsPerInch(y));
+    header_.formatProperties.set(kCGImagePropertyDPIWidth, dotsPerInch(x));
+    header_.formatProperties.set(kCGImagePropertyDPIHeight, dotsPerInch(y));
   }
 
   void takeTime(ByteReader bytes) {
@@ -312,13 +312,6 @@ class HeaderReader {
 };
 
 }  // namespace
-
-double pngDotsPerInch(std::uint32_t perMetre) {
-  constexpr double inch = 0.0254;
-  const double exact = perMetre * inch;
-  const double whole = std::round(exact);
-  return std::abs(whole / inch - perMetre) < 1 ? whole : exact;
-}
 
 ImageHeader readPngHeader(const ByteSource& source) {
   try {

@@ -5,7 +5,6 @@
 #include <framework_utility/platform/imageio/metadata/property_keys.h>
 
 #include <array>
-#include <cstdint>
 #include <string_view>
 
 namespace FrameworkUtility::detail {
@@ -18,10 +17,6 @@ inline constexpr std::array<std::string_view, 10> pngTextKeywords{
     kCGImagePropertyPNGComment};
 
 inline constexpr std::string_view pngXmpKeyword = "XML:com.adobe.xmp";
-
-/// Dots an inch from dots a metre, which a file holds as a whole number: the whole number of inches
-/// that it came from, where there is one (2834 and 2835 are 72), else the exact quotient.
-double pngDotsPerInch(std::uint32_t perMetre);
 
 /// What the chunks around the pixels say; the pixels' chunks are stepped over.
 ///
