@@ -1,11 +1,12 @@
 #!/usr/bin/env python3
 """agreement.py KVTOOL [FILE...]: shows what the library reads and writes to independent programs.
 
-On JPEG and PNG files that other encoders make here, and on FILE... too:
+On JPEG, PNG and BMP files that other encoders make here, and on FILE... too:
 - each fact of `kvtool metadata` agrees with exiftool;
 - a save that changes only the orientation loses, adds and changes nothing else that exiftool shows,
   but for facts of the file and of how its old pixels were stored;
 - long XMP that goes to a PNG and back to a JPEG says the same;
+- the pixels of a BMP are those that ImageMagick reads;
 - exiftool, exiv2, djpeg, pngcheck and ImageMagick read what was saved and warn of nothing that they
   did not say of the source.
 """
@@ -71,6 +72,12 @@ def pictures(folder):
         run("convert", ppm, f"{kind}:{os.path.join(folder, kind)}.png", quiet=False)
     run("convert", ppm, "-interlace", "PNG", os.path.join(folder, "interlaced.png"), quiet=False)
     run("convert", ppm, "-colorspace", "Gray", os.path.join(folder, "grey.png"), quiet=False)
+    bmps = {"BMP2": [], "BMP3": [], "BMP": [], "BMP3-rle": ["-colors", "99", "-compress", "RLE"],
+            "BMP2-palette": ["-colors", "200"], "BMP3-16colours": ["-colors", "16"],
+            "BMP3-mono": ["-monochrome"], "BMP-alpha": ["-channel", "A", "-fx", "i/w"]}
+    for name, options in bmps.items():
+        run("convert", ppm, *options, f"{name.split('-')[0]}:{os.path.join(folder, name)}.bmp",
+            quiet=False)
     plain = [os.path.join(folder, f) for f in sorted(os.listdir(folder)) if not f.endswith("ppm")]
     made = []
     for path in plain:
@@ -205,6 +212,14 @@ def check_save(tool, path, session):
         fail(f"{path}: of the saved file: {line}")
 
 
+def check_pixels(tool, path, folder):
+    copy = os.path.join(folder, "pixels.png")
+    run(tool, "save", path, "--out", copy)
+    differing = run("compare", "-metric", "AE", path, copy, "null:").stderr
+    if differing != "0":
+        fail(f"{path}: pixels that differ: {differing}")
+
+
 def check_long_xmp(tool, path, folder):
     def xmp(of):
         tags = exiftool(of, "-a", "-u", "-n")
@@ -236,6 +251,8 @@ def main():
             if check_facts(tool, path):
                 checked += 1
                 check_save(tool, path, "Agreement")
+                if path.endswith("bmp"):
+                    check_pixels(tool, path, folder)
             elif path not in files:
                 fail(f"{path} does not open")
     print(f"agreement: {checked} files, {failures} disagreements")
