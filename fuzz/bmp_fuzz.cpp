@@ -24,9 +24,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   if (image.has_value() != detail::decodedReducedImage(*reader, 0, 7, request).has_value()) {
     std::abort();
   }
-  if (image && (isLarge || image->width() != header->size.width ||
-                image->height() != header->size.height ||
-                header->hasAlpha != (image->alphaInfo() == CGImageAlphaInfo::last))) {
+  if (image &&
+      (isLarge || image->width() != header->size.width || image->height() != header->size.height ||
+       header->hasAlpha != (image->alphaInfo() == CGImageAlphaInfo::last))) {
     std::abort();
   }
   return 0;

@@ -74,7 +74,7 @@ def pictures(folder):
     run("convert", ppm, "-colorspace", "Gray", os.path.join(folder, "grey.png"), quiet=False)
     bmps = {"BMP2": [], "BMP3": [], "BMP": [], "BMP3-rle": ["-colors", "99", "-compress", "RLE"],
             "BMP2-palette": ["-colors", "200"], "BMP3-16colours": ["-colors", "16"],
-            "BMP3-mono": ["-monochrome"], "BMP-alpha": ["-channel", "A", "-fx", "i/w"]}
+            "BMP3-mono": ["-monochrome"], "BMP-alpha": ["-alpha", "set", "-channel", "A", "-fx", "i/w"]}
     for name, options in bmps.items():
         run("convert", ppm, *options, f"{name.split('-')[0]}:{os.path.join(folder, name)}.bmp",
             quiet=False)
