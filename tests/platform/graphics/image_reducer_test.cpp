@@ -36,6 +36,8 @@ TEST(ImageReducerTest, KeepsWhatItCanOfTheLayout) {
         {p3, p3, layoutOf(8, 6, 4, premultipliedFirst, 8, CGImageByteOrder::little32), 32,
          premultipliedLast},
         {cmyk, cmyk, layoutOf(8, 6, 4, none), 32, none},
+        {p3, p3, layoutOf(8, 6, 4, last), 32, premultipliedLast},
+        {gray, rgb, layoutOf(8, 6, 2, premultipliedLast), 32, premultipliedLast},
         {gray, rgb, layoutOf(8, 6, 2, last), 32, premultipliedLast}}) {
     const auto image = CGImage::create(c.layout, c.space, pixels);
     const auto reduced = reducedImage(image.value(), 4);

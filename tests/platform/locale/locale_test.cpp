@@ -27,7 +27,9 @@ TEST(LocaleTest, TakesTheSpellingsOfSystems) {
         Case{"de_DE.UTF-8", "de_DE", "de"}, Case{"de_DE@euro", "de_DE", "de"},
         Case{"en_us", "en_US", "en"}, Case{"sr_RS@latin", "sr_Latn_RS", "sr"},
         Case{"sr_RS.UTF-8@cyrillic", "sr_Cyrl_RS", "sr"}, Case{"uz@latin", "uz_Latn", "uz"},
-        Case{"ckb_IQ", "ckb_IQ", "ckb"}, Case{"zh-Hant-TW", "zh_Hant_TW", "zh"},
+        Case{"ckb_IQ", "ckb_IQ", "ckb"}, Case{"DE_at", "de_AT", "de"}, Case{"dE", "de", "de"},
+        Case{"zA_zz", "za_ZZ", "za"}, Case{"az_AZ", "az_AZ", "az"},
+        Case{"ks_IN@devanagari", "ks_Deva_IN", "ks"}, Case{"zh-Hant-TW", "zh_Hant_TW", "zh"},
         Case{"th_TH@calendar=gregorian", "th_TH@calendar=gregorian", "th"}}) {
     EXPECT_EQ(Locale(c.spelling).identifier(), c.identifier) << c.spelling;
     EXPECT_EQ(Locale(c.spelling).languageCode(), c.language) << c.spelling;

@@ -47,7 +47,9 @@ TEST(TimeZoneTest, TheUsersIsThatOfTheSetting) {
                         Case{"JST-9", 9h, 9h}, Case{"GMT+5", -5h, -5h},
                         Case{"<+0330>-3:30", 3h + 30min, 3h + 30min}, Case{"UTC0", 0s, 0s},
                         Case{"", 0s, 0s}, Case{"Nowhere/City", 0s, 0s}, Case{"<", 0s, 0s},
-                        Case{"ABC-", 0s, 0s}, Case{"ABC-1:", 0s, 0s}}) {
+                        Case{"ABC-", 0s, 0s}, Case{"ABC-1:", 0s, 0s}, Case{"AB-1", 0s, 0s},
+                        Case{"<+03-3", 0s, 0s}, Case{"ABC-1:2:3:4", 0s, 0s},
+                        Case{"ABC+1:30:15", -(1h + 30min + 15s), -(1h + 30min + 15s)}}) {
     const ScopedEnvironment setting("TZ", c.setting);
     EXPECT_EQ(TimeZone::current().secondsFromGMTForDate(winter), c.inWinter) << c.setting;
     EXPECT_EQ(TimeZone::current().secondsFromGMTForDate(summer), c.inSummer) << c.setting;

@@ -83,6 +83,8 @@ TEST(ViewTest, ConvertsPointsWithinATreeAndOverTheScreen) {
     EXPECT_EQ(inner->convertPointToCoordinateSpace({1, 1}, *to), point);
     EXPECT_EQ(to->convertPointToCoordinateSpace(point, *inner), (Point{1, 1}));
   }
+  const Point exact{0.1, 0.3};  // no way, no rounding
+  EXPECT_EQ(inner->convertPointToCoordinateSpace(exact, *inner), exact);
 }
 
 TEST(ViewTest, DeepTreesAreBuiltConvertedAndTakenApart) {
