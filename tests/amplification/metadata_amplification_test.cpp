@@ -66,12 +66,16 @@ std::string exifWithTexts(std::string_view value) {
 
 Data jpegWith(const std::string& segments) { return dataOf(jpegHeader(segments + jpegFrame())); }
 
-/// Segments with this signature that hold `bytes` together.
-std::string segments(unsigned marker, const std::string& signature, std::string_view bytes) {
+/// Segments with this signature that hold `bytes` together; those of a profile are numbered.
+std::string segments(unsigned marker, const std::string& signature, std::string_view bytes,
+                     bool areNumbered = false) {
   constexpr std::size_t most = 65'000;
+  const std::size_t count = (bytes.size() + most - 1) / most;
   std::string all;
-  for (std::size_t at = 0; at < bytes.size(); at += most) {
-    all += jpegSegment(marker, signature + std::string(bytes.substr(at, most)));
+  for (std::size_t i = 0; i < count; ++i) {
+    const std::string number = bigEndian(i + 1, 1) + bigEndian(count, 1);
+    all += jpegSegment(marker, signature + (areNumbered ? number : "") +
+                                   std::string(bytes.substr(i * most, most)));
   }
   return all;
 }
@@ -108,17 +112,6 @@ std::string profileNamed(const std::string& name) {
   std::string profile(128, '\0');
   profile.replace(36, 4, "acsp");
   return profile + bigEndian(1, 4) + "desc" + bigEndian(144, 4) + bigEndian(tag.size(), 4) + tag;
-}
-
-std::string profileSegments(std::string_view profile) {
-  constexpr std::size_t most = 65'000;
-  const std::size_t count = (profile.size() + most - 1) / most;
-  std::string all;
-  for (std::size_t i = 0; i < count; ++i) {
-    all += jpegSegment(0xE2, "ICC_PROFILE\0"s + bigEndian(i + 1, 1) + bigEndian(count, 1) +
-                                 std::string(profile.substr(i * most, most)));
-  }
-  return all;
 }
 
 /// A list of 56 KB that stands for 110,000 values.
@@ -168,7 +161,8 @@ void forEachFile(const std::function<void(const char*, const Data&)>& visit) {
         pngWithXmp("", "<dc:subject><rdf:Bag><rdf:li a='" + std::string(7 * mebibyte, 'x') +
                            "'>a</rdf:li></rdf:Bag></dc:subject>"));
   visit("a profile's long name",
-        jpegWith(profileSegments(profileNamed(std::string(15 * mebibyte, 'x')))));
+        jpegWith(
+            segments(0xE2, "ICC_PROFILE\0"s, profileNamed(std::string(15 * mebibyte, 'x')), true)));
   visit("extended XMP", jpegWith(jpegSegment(0xE1, "http://ns.adobe.com/xap/1.0/\0<x/>"s) +
                                  segments(0xE1, "http://ns.adobe.com/xmp/extension/\0"s,
                                           std::string(33 * mebibyte, 'x'))));

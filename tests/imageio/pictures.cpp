@@ -4,8 +4,6 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
-#include <memory>
-#include <span>
 #include <stdexcept>
 
 namespace FrameworkUtility::testing {

@@ -1,13 +1,6 @@
 #pragma once
 
-#include <framework_utility/platform/foundation/values/data.h>
-#include <framework_utility/platform/graphics/cg_image.h>
 #include <framework_utility/platform/imageio/image_destination.h>
-
-#include <cstddef>
-#include <string>
-#include <string_view>
-#include <vector>
 
 namespace FrameworkUtility::testing {
 

@@ -1,5 +1,4 @@
 #include <framework_utility/platform/foundation/files/file_error.h>
-#include <framework_utility/platform/graphics/ui_image.h>
 #include <framework_utility/platform/imageio/image_destination.h>
 #include <framework_utility/platform/imageio/image_source.h>
 #include <framework_utility/platform/imageio/metadata/property_keys.h>

@@ -1,5 +1,3 @@
-#include <framework_utility/platform/foundation/files/files.h>
-#include <framework_utility/platform/graphics/ui_image.h>
 #include <framework_utility/platform/imageio/image_source.h>
 #include <framework_utility/platform/imageio/image_source_error.h>
 #include <framework_utility/platform/imageio/metadata/metadata_blocks.h>
@@ -14,7 +12,6 @@
 #include <sys/stat.h>
 
 #include <fstream>
-#include <iterator>
 #include <thread>
 
 namespace FrameworkUtility::testing {
@@ -31,19 +28,16 @@ URL write(const TemporaryFolder& folder, const char* name, const Data& bytes) {
 TEST(ImageSource, NeedsAFileThatCanBeRead) {
   const TemporaryFolder folder;
   ASSERT_EQ(mkfifo(folder.path("fifo").c_str(), 0600), 0);
-  const struct {
-    URL url;
-    std::int64_t code;
-  } cases[] = {
-      {URL::fileURLWithPath(folder.path("missing")), NSFileReadNoSuchFileError},
-      {URL::fileURLWithPath(folder.path()), NSFileReadUnknownError},
-      {URL::fileURLWithPath(folder.path("fifo")), NSFileReadUnknownError},
-      {*URL::withString("https://example.org/a.jpg"), CGImageSourceError::notAFileURL.code}};
-  for (const auto& [url, code] : cases) {
+  const auto codeOf = [](const URL& url) {
     Error error;
     EXPECT_FALSE(CGImageSource::createWithURL(url, {}, &error));
-    EXPECT_EQ(error.code(), code);
-  }
+    return error.code();
+  };
+  EXPECT_EQ(codeOf(URL::fileURLWithPath(folder.path("missing"))), NSFileReadNoSuchFileError);
+  EXPECT_EQ(codeOf(URL::fileURLWithPath(folder.path())), NSFileReadUnknownError);
+  EXPECT_EQ(codeOf(URL::fileURLWithPath(folder.path("fifo"))), NSFileReadUnknownError);
+  EXPECT_EQ(codeOf(*URL::withString("https://example.org/a")),
+            CGImageSourceError::notAFileURL.code);
 }
 
 TEST(ImageSource, AnyBytesMakeASource) {
@@ -71,11 +65,12 @@ TEST(ImageSource, PropertiesHoldTheFileSizeOnlyForTheContainer) {
   EXPECT_EQ(source->properties(), (Dictionary{{"FileSize", file.size()}}));
   const Dictionary jfif{
       {"JFIFVersion", Value(Array{1, 0, 1})}, {"DensityUnit", 0}, {"XDensity", 1}, {"YDensity", 1}};
-  EXPECT_EQ(source->propertiesAtIndex(0), (Dictionary{{"ColorModel", "RGB"},
-                                                      {"Depth", 8},
-                                                      {"PixelWidth", 48},
-                                                      {"PixelHeight", 32},
-                                                      {"{JFIF}", jfif}}));
+  const Dictionary expected{{"ColorModel", "RGB"},
+                            {"Depth", 8},
+                            {"PixelWidth", 48},
+                            {"PixelHeight", 32},
+                            {"{JFIF}", jfif}};
+  EXPECT_EQ(source->propertiesAtIndex(0), expected);
   EXPECT_FALSE(source->propertiesAtIndex(1));
   EXPECT_FALSE(source->imageAtIndex(1));
   EXPECT_FALSE(source->auxiliaryDataInfoAtIndex(0, kCGImageAuxiliaryDataTypeDepth));

@@ -1,5 +1,4 @@
 #include <framework_utility/platform/foundation/values/byte_reader.h>
-#include <framework_utility/platform/graphics/ui_image.h>
 #include <framework_utility/platform/imageio/image_source.h>
 #include <framework_utility/platform/imageio/metadata/metadata_blocks.h>
 #include <framework_utility/platform/imageio/ui_image_coding.h>

@@ -1,23 +1,14 @@
 #pragma once
 
 #include <framework_utility/platform/foundation/values/byte_writer.h>
-#include <framework_utility/platform/foundation/values/value.h>
 #include <framework_utility/platform/imageio/metadata/exif/exif_directories.h>
 #include <framework_utility/platform/imageio/metadata/exif/tiff_structure.h>
 #include <framework_utility/platform/imageio/metadata/metadata_codec.h>
 #include <tests/support/files.h>
 
 #include <algorithm>
-#include <bit>
 #include <concepts>
-#include <cstddef>
-#include <cstdint>
 #include <map>
-#include <span>
-#include <string>
-#include <string_view>
-#include <utility>
-#include <vector>
 
 namespace FrameworkUtility::testing {
 

@@ -63,28 +63,10 @@ TEST(ExifWriteTest, OnlyWhatTheThumbnailOwnsIsZeroed) {
   constexpr std::size_t tag1 = 2, type1 = 4, count1 = 6, value1 = 10, tag2 = 14, value2 = 22;
   const std::size_t rest = sound.size() - (second + 2 + 2 * 12 + 4);
   struct Damage {
-    std::size_t at;
-    std::size_t number;
-    std::size_t size = 4;
+    std::size_t at, number, size = 4;
   };
-  const struct {
-    const char* what;
-    std::vector<Damage> damages;
-    bool isThumbnailFound = true;
-  } cases[] = {
-      {"bytes behind it", {}},
-      {"its length is that of all the rest", {{value2, rest}}},
-      {"its length leads out", {{value2, 1 << 30}}},
-      {"its directory has too many records", {{0, 60000, 2}}},
-      {"a value of its directory has too many bytes",
-       {{tag1, 0x10F, 2}, {type1, 2, 2}, {count1, sound.size() - 20}, {value1, 10}},
-       false},
-      {"it stands at no picture", {{value1, 12}}, false},
-      {"pixels of which there are too many",
-       {{tag1, 0x111, 2}, {tag2, 0x117, 2}, {value2, 1 << 30}},
-       false},
-  };
-  for (const auto& [what, damages, isThumbnailFound] : cases) {
+  const auto expectSpared = [&](const char* what, const std::vector<Damage>& damages,
+                                bool isThumbnailFound = true) {
     SCOPED_TRACE(what);
     ByteVector block = sound;
     for (const auto& [at, number, size] : damages) store(block, second + at, number, size);
@@ -98,7 +80,16 @@ TEST(ExifWriteTest, OnlyWhatTheThumbnailOwnsIsZeroed) {
     std::size_t changed = 0;
     for (std::size_t i = 0; i < second; ++i) changed += saved[i] != block[i];
     EXPECT_LE(changed, 2 + 4);
-  }
+  };
+  expectSpared("bytes behind it", {});
+  expectSpared("its length is that of all the rest", {{value2, rest}});
+  expectSpared("its length leads out", {{value2, 1 << 30}});
+  expectSpared("its directory has too many records", {{0, 60000, 2}});
+  expectSpared("a value of its directory has too many bytes",
+               {{tag1, 0x10F, 2}, {type1, 2, 2}, {count1, sound.size() - 20}, {value1, 10}}, false);
+  expectSpared("it stands at no picture", {{value1, 12}}, false);
+  expectSpared("pixels of which there are too many",
+               {{tag1, 0x111, 2}, {tag2, 0x117, 2}, {value2, 1 << 30}}, false);
 }
 
 // The place of a record's part in the first directory: 0 for its tag, 4 for its count, 8 for the
@@ -200,39 +191,34 @@ TEST(ExifWriteTest, ATypeStaysWhereItHoldsTheNumber) {
 
 TEST(ExifWriteTest, WhatCannotBeStoredIsSkippedAndTheRestIsNot) {
   const auto list = [](auto... numbers) { return Value(Array{numbers...}); };
-  const struct {
-    const char* dictionary;
-    const char* key;
-    std::vector<Value> stored, skipped;
-  } cases[] = {
-      {"{Exif}", "FNumber", {4294967295.0}, {nan, infinity, -1, "2.8", 4294967296.0}},
-      {"{Exif}", "ColorSpace", {0, 65535}, {65536, 1.5, -1}},
-      {"{Exif}", "ISOSpeedRatings", {list(65535)}, {64, list("64"), list(), list(65536)}},
-      {"{Exif}", "LensSpecification", {list(24, 70, 2, 4)}, {list(24, 70)}},
-      {"{Exif}",
-       "ExifVersion",
-       {list(99, 9, 9)},
-       {list(100, 0), list(1, 10), list(2), list(2, 3, 1, 1), list(2, 0.5)}},
-      {"{Exif}", "UserComment", {""}, {3}},
-      {"{Exif}", "LensModel", {"L"}, {Value()}},
-      {"{GPS}", "Longitude", {0, 360, 1 / 3.0}, {-1, 361, nan, "1"}},
-      {"{GPS}",
-       "TimeStamp",
-       {"00:00:00", "23:59:60.1234567"},
-       {"24:00:00", "00:60:00", "00:00:61", "1:02:03", "01:02:03.", "01:02:03x",
-        "01:02:03.12345678", "01:02", "01-02-03", "0a:02:03", ""}},
-  };
   const ByteVector block = photograph(std::endian::big).bytes();
-  for (const auto& [dictionary, key, stored, skipped] : cases) {
-    const Dictionary before = with(readExif(block), "{Exif}", "LensMake", "Lenses Inc.");
-    const auto expectStored = [&](const Value& given, const std::optional<Value>& expected) {
-      EXPECT_EQ(in(merged(block, with(before, dictionary, key, given)), dictionary),
-                in(with(before, dictionary, key, expected), dictionary))
-          << key << given.description();
+  const Dictionary before = with(readExif(block), "{Exif}", "LensMake", "Lenses Inc.");
+  const auto expectStored = [&](std::string_view dictionary, std::string_view key,
+                                const std::vector<Value>& stored,
+                                const std::vector<Value>& skipped) {
+    const auto savedWith = [&](const Value& value) {
+      return in(merged(block, with(before, dictionary, key, value)), dictionary);
     };
-    for (const Value& value : stored) expectStored(value, value);
-    for (const Value& value : skipped) expectStored(value, std::nullopt);
-  }
+    for (const Value& value : stored) {
+      EXPECT_EQ(savedWith(value), in(with(before, dictionary, key, value), dictionary)) << key;
+    }
+    for (const Value& value : skipped) {
+      EXPECT_EQ(savedWith(value), in(with(before, dictionary, key, std::nullopt), dictionary))
+          << key << value.description();
+    }
+  };
+  expectStored("{Exif}", "FNumber", {4294967295.0}, {nan, infinity, -1, "2.8", 4294967296.0});
+  expectStored("{Exif}", "ColorSpace", {0, 65535}, {65536, 1.5, -1});
+  expectStored("{Exif}", "ISOSpeedRatings", {list(65535)}, {64, list("64"), list(), list(65536)});
+  expectStored("{Exif}", "LensSpecification", {list(24, 70, 2, 4)}, {list(24, 70)});
+  expectStored("{Exif}", "ExifVersion", {list(99, 9, 9)},
+               {list(100, 0), list(1, 10), list(2), list(2, 3, 1, 1), list(2, 0.5)});
+  expectStored("{Exif}", "UserComment", {""}, {3});
+  expectStored("{Exif}", "LensModel", {"L"}, {Value()});
+  expectStored("{GPS}", "Longitude", {0, 360, 1 / 3.0}, {-1, 361, nan, "1"});
+  expectStored("{GPS}", "TimeStamp", {"00:00:00", "23:59:60.1234567"},
+               {"24:00:00", "00:60:00", "00:00:61", "1:02:03", "01:02:03.", "01:02:03x",
+                "01:02:03.12345678", "01:02", "01-02-03", "0a:02:03", ""});
 }
 
 TEST(ExifWriteTest, WhatTheAppsSayIsSplitIntoTheFilesFields) {

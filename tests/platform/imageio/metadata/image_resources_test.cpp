@@ -1,6 +1,5 @@
 #include <framework_utility/platform/foundation/values/byte_reader.h>
 #include <framework_utility/platform/foundation/values/byte_writer.h>
-#include <framework_utility/platform/foundation/values/value.h>
 #include <framework_utility/platform/imageio/metadata/metadata_codec.h>
 #include <tests/support/files.h>
 

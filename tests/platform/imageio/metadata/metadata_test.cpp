@@ -1,5 +1,4 @@
 #include <framework_utility/platform/foundation/values/byte_reader.h>
-#include <framework_utility/platform/foundation/values/value.h>
 #include <framework_utility/platform/imageio/metadata/metadata_codec.h>
 #include <tests/support/files.h>
 
@@ -62,16 +61,6 @@ TEST_F(MetadataTest, AChangeReachesEveryBlockThatSaysIt) {
   // XMP of which nothing is read follows too.
   blocks_.xmp = packetOf("", "<dc:creator>Ada</dc:creator>");
   EXPECT_NE(asText(saved().xmp).find("<dc:creator>Bo</dc:creator>"), std::string_view::npos);
-}
-
-TEST_F(MetadataTest, AnOrientationAtTheTopTurnsXmpToo) {
-  blocks_ = {};
-  blocks_.xmp = packetOf(" xmlns:tiff='http://ns.adobe.com/tiff/1.0/' tiff:Orientation='6'");
-  properties_ = read(blocks_);
-  EXPECT_EQ(properties_, (Dictionary{{"{TIFF}", Dictionary{{"Orientation", 6}}}}));
-  properties_.set("Orientation", 1);
-  EXPECT_EQ(read(saved()),
-            (Dictionary{{"Orientation", 1}, {"{TIFF}", Dictionary{{"Orientation", 1}}}}));
 }
 
 TEST_F(MetadataTest, WhatDoesNotFitIsLeftOutAndTheRestIsRead) {
