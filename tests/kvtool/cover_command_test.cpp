@@ -52,15 +52,5 @@ TEST_F(CoverCommandTest, PrintsCornersSizeAndZoomAndDrawsBoth) {
   EXPECT_THAT(contents("cover.svg"), EndsWith("</svg>\n"));
 }
 
-TEST_F(CoverCommandTest, WhatHasNoAnswerIsReported) {
-  for (const char* arguments :
-       {"--area 3,2 --content 4,3 --center 0,0 --angle 0.5 --svg no/folder.svg",
-        "--area 3,2 --content 4,3 --center 1e308,-1e308 --angle 1"}) {
-    const testing::ProgramResult result = run(std::string("cover ") + arguments);
-    EXPECT_EQ(result.exitCode, 1) << arguments;
-    EXPECT_THAT(result.problems, StartsWith("kvtool: "));
-  }
-}
-
 }  // namespace
 }  // namespace FrameworkUtility

@@ -3,6 +3,7 @@
 #include <filesystem>
 #include <fstream>
 #include <utility>
+#include <vector>
 
 namespace FrameworkUtility {
 namespace {
@@ -112,6 +113,15 @@ TEST_F(OutputTest, CausesAreToldInPlainWords) {
       {"nothing", ""},
       {"cut", std::string("\xFF\xD8\xFF\xE1\xFF\xFF", 6)}};
   for (const auto& [name, bytes] : files) std::ofstream(path(name), std::ios::binary) << bytes;
+  const CGImageLayout onePixel{.width = 1,
+                               .height = 1,
+                               .bitsPerPixel = 8,
+                               .bytesPerRow = 1,
+                               .alphaInfo = CGImageAlphaInfo::none};
+  write("grey.png",
+        *CGImage::create(onePixel, CGColorSpace::createDeviceGray(),
+                         Data(std::vector(1, std::byte{9}))),
+        "png");
   const std::pair<std::string, std::string> cases[] = {
       {"metadata none.jpg", "none.jpg: there is no such file (NSCocoaErrorDomain 260)"},
       {"metadata .", ".: that is a folder, not a file (NSCocoaErrorDomain 256)"},
@@ -129,6 +139,13 @@ TEST_F(OutputTest, CausesAreToldInPlainWords) {
       {"palette a.png --max-memory 20", "a.png: the image takes"},
       {"save a.png -o no/x.png", "no/x.png: there is no such folder (NSCocoaErrorDomain 4)"},
       {"palette a.png --png a.png/x.png", "a.png/x.png: a part of the path is a file"},
+      {"palette grey.png", "grey.png: the image has no pixels in red, green and blue"},
+      {"gradient --kind hue --size 4x4 --out no/x", "no/x: there is no such folder"},
+      {"gradient --kind hue --size 65535x65535 --out x", "x: there is not enough memory"},
+      {"cover --area 3,2 --content 4,3 --center 0,0 --angle 1 --svg no/x.svg",
+       "no/x.svg: there is no such folder"},
+      {"cover --area 3,2 --content 4,3 --center 1e308,-1e308 --angle 1",
+       "cover: these numbers have no cover that is a number"},
       {"metadata a.png >/dev/full", "standard output: there is no space left on the disk"}};
   for (const auto& [arguments, problem] : cases) {
     SCOPED_TRACE(arguments);
@@ -136,6 +153,7 @@ TEST_F(OutputTest, CausesAreToldInPlainWords) {
     EXPECT_EQ(result.exitCode, 1);
     EXPECT_THAT(result.problems, StartsWith("kvtool: " + problem));
   }
+  EXPECT_FALSE(fs::exists(path("x")));
 }
 
 TEST_F(OutputTest, ManyFilesEndInASummary) {

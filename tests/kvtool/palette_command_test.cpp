@@ -13,8 +13,6 @@
 namespace FrameworkUtility {
 namespace {
 
-using ::testing::HasSubstr;
-using testing::ProgramResult;
 using enum CGImageAlphaInfo;
 
 /// Six stripes, each half as wide as the one before it.
@@ -110,22 +108,6 @@ TEST_F(PaletteCommandTest, ThePhotoStandsUprightAndNoLargerThanTheScreen) {
   const auto picture = imageWithContentsOfFile(path("strip.png"));
   ASSERT_TRUE(picture);
   EXPECT_EQ(picture->size(), (Size{51 + 12, 1024}));
-}
-
-TEST_F(PaletteCommandTest, WhatCannotBeReadOrWrittenIsReported) {
-  for (const char* arguments :
-       {"missing.jpg", ". --png x.png", "opaque.png --png no/folder/x.png"}) {
-    const ProgramResult result = run(std::string("palette ") + arguments);
-    EXPECT_EQ(result.exitCode, 1) << arguments;
-    EXPECT_THAT(result.problems, HasSubstr("kvtool: ")) << arguments;
-  }
-  write("grey.png",
-        *CGImage::create(
-            {.width = 1, .height = 1, .bitsPerPixel = 8, .bytesPerRow = 1, .alphaInfo = none},
-            CGColorSpace::createDeviceGray(), Data(std::vector(1, std::byte{9}))),
-        "png");
-  EXPECT_THAT(run("palette grey.png").problems,
-              HasSubstr("the image has no pixels in red, green and blue"));
 }
 
 }  // namespace

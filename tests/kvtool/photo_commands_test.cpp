@@ -17,7 +17,6 @@ using ::testing::EndsWith;
 using ::testing::HasSubstr;
 using ::testing::MatchesRegex;
 using ::testing::Not;
-using testing::ProgramResult;
 using testing::redAndBlue;
 
 class PhotoCommandsTest : public testing::KvtoolTest {};
@@ -55,17 +54,6 @@ TEST_F(PhotoCommandsTest, MetadataShowsTheFactsThatAreKnown) {
   EXPECT_THAT(
       output("metadata --json b.png"),
       EndsWith(R"("facts": {"width": 20, "height": 10, "fileSize": )" + sizeOf("b.png") + "}}\n"));
-}
-
-TEST_F(PhotoCommandsTest, ABadFileIsReportedAndTheOthersGoOn) {
-  write("a.jpg", redAndBlue(20, 10), "jpeg");
-  testing::writeFile(path("empty.jpg"), Data());
-  const ProgramResult result = run("metadata --json none.jpg a.jpg empty.jpg a.jpg .");
-  EXPECT_EQ(result.exitCode, 1);
-  EXPECT_EQ(std::count(result.output.begin(), result.output.end(), '\n'), 2);
-  EXPECT_THAT(result.problems, HasSubstr("none.jpg: "));
-  EXPECT_THAT(result.problems, HasSubstr("empty.jpg: "));
-  EXPECT_EQ(std::count(result.problems.begin(), result.problems.end(), '\n'), 3);
 }
 
 TEST_F(PhotoCommandsTest, SaveWritesTheChangesIntoTheSession) {

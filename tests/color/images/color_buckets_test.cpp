@@ -42,16 +42,6 @@ Counts countedOneByOne(const std::vector<std::uint8_t>& rgba, bool isOpaque) {
   return {counts.begin(), counts.end()};
 }
 
-TEST(ColorBucketsTest, EveryComponentIsRoundedToTens) {
-  for (std::size_t place = 0; place < 3; ++place) {
-    std::vector<std::uint8_t> ramp(256 * 4, 255);
-    for (std::size_t i = 0; i < 256; ++i) ramp[4 * i + place] = static_cast<std::uint8_t>(i);
-    ColorBuckets buckets;
-    buckets.add(ramp.data(), 256, false);
-    EXPECT_EQ(counted(buckets), countedOneByOne(ramp, false)) << place;
-  }
-}
-
 TEST(ColorBucketsTest, AnyNumberOfPixelsOnAnyInstructionSet) {
   for (const InstructionSet instructions : {InstructionSet::baseline, detail::instructionSet()}) {
     for (const bool isOpaque : {false, true}) {

@@ -74,7 +74,7 @@ TEST(ConicalRowsTest, EverySmallSizeIsThePlainLoopsToTheByte) {
   }
 }
 
-TEST(ConicalRowsTest, ColorsOfEveryKindAreThePlainLoopsToTheByte) {
+TEST(ConicalRowsTest, ColorsAndShapesOfEveryKindAreThePlainLoopsToTheByte) {
   std::mt19937 random(2);
   std::vector<std::vector<KvColor>> kinds = {
       {{1, 1, 1}},
@@ -94,10 +94,6 @@ TEST(ConicalRowsTest, ColorsOfEveryKindAreThePlainLoopsToTheByte) {
     expectPlain(colors, 80, 81);
     if (HasFatalFailure()) return;
   }
-}
-
-TEST(ConicalRowsTest, LargeAndLongPicturesAreThePlainLoopsToTheByte) {
-  std::mt19937 random(3);
   expectPlain(randomColors(8, random), 1024, 1024);
   expectPlain(randomColors(3, random), 20'000, 5);
   expectPlain(randomColors(13, random), 6, 20'001);
