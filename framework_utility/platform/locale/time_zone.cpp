@@ -44,7 +44,8 @@ std::string nameOfFixedOffset(std::string_view text) {
 
   std::string digits;
   for (int field = 0; field < 3; ++field) {
-    if (field > 0 && !(at < text.size() && text[at++] == ':')) break;
+    if (field > 0 && !isAt([](int c) { return c == ':'; })) break;
+    if (field > 0) ++at;
     std::string two;
     for (; isAt(isDigit) && two.size() < 2; ++at) two += text[at];
     if (two.empty()) return {};

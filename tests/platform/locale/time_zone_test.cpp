@@ -41,15 +41,16 @@ TEST(TimeZoneTest, TheUsersIsThatOfTheSetting) {
     const char* setting;
     seconds inWinter, inSummer;
   };
-  for (const Case& c : {Case{"Europe/Paris", 1h, 2h}, Case{":America/New_York", -5h, -4h},
-                        Case{"/usr/share/zoneinfo/Asia/Tokyo", 9h, 9h}, Case{"EST5EDT", -5h, -4h},
-                        // In this variable west is positive.
-                        Case{"JST-9", 9h, 9h}, Case{"GMT+5", -5h, -5h},
-                        Case{"<+0330>-3:30", 3h + 30min, 3h + 30min}, Case{"UTC0", 0s, 0s},
-                        Case{"", 0s, 0s}, Case{"Nowhere/City", 0s, 0s}, Case{"<", 0s, 0s},
-                        Case{"ABC-", 0s, 0s}, Case{"ABC-1:", 0s, 0s}, Case{"AB-1", 0s, 0s},
-                        Case{"<+03-3", 0s, 0s}, Case{"ABC-1:2:3:4", 0s, 0s},
-                        Case{"ABC+1:30:15", -(1h + 30min + 15s), -(1h + 30min + 15s)}}) {
+  for (const Case& c :
+       {Case{"Europe/Paris", 1h, 2h}, Case{":America/New_York", -5h, -4h},
+        Case{"/usr/share/zoneinfo/Asia/Tokyo", 9h, 9h}, Case{"EST5EDT", -5h, -4h},
+        // In this variable west is positive.
+        Case{"JST-9", 9h, 9h}, Case{"GMT+5", -5h, -5h},
+        Case{"<+0330>-3:30", 3h + 30min, 3h + 30min}, Case{"UTC0", 0s, 0s}, Case{"", 0s, 0s},
+        Case{"Nowhere/City", 0s, 0s}, Case{"<", 0s, 0s}, Case{"ABC-", 0s, 0s},
+        Case{"ABC-1:", 0s, 0s}, Case{"AB-1", 0s, 0s}, Case{"ABC-1x", 0s, 0s},
+        Case{"ABC-123", 0s, 0s}, Case{"<+03-3", 0s, 0s}, Case{"ABC-1:2:3:4", 0s, 0s},
+        Case{"ABC+1:30:15", -(1h + 30min + 15s), -(1h + 30min + 15s)}}) {
     const ScopedEnvironment setting("TZ", c.setting);
     EXPECT_EQ(TimeZone::current().secondsFromGMTForDate(winter), c.inWinter) << c.setting;
     EXPECT_EQ(TimeZone::current().secondsFromGMTForDate(summer), c.inSummer) << c.setting;
