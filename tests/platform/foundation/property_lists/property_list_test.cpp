@@ -208,6 +208,7 @@ TEST(PropertyListTest, DamageIsRefused) {
       with(25, "\x09"),
       with(24, bigEndian(0, 8)),  // number of objects
       with(24, bigEndian(1ULL << 61, 8)),
+      with(24, bigEndian(4, 8)),  // one more than the table has room for
       with(24, bigEndian(2, 8)),  // a reference past them
       with(16, bigEndian(3, 8)),  // top object
       with(8, bigEndian(7, 8)),   // offset of the table
