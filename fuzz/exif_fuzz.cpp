@@ -1,6 +1,6 @@
 // Reads an EXIF block, merges what it read back unchanged, then with a change, and reads again.
 
-#include <framework_utility/platform/imageio/metadata/metadata_codec.h>
+#include <framework_utility/platform/imageio/metadata/exif/exif.h>
 
 #include <cstddef>
 #include <cstdint>

@@ -1,4 +1,4 @@
-#include <framework_utility/platform/imageio/metadata/metadata_codec.h>
+#include <framework_utility/platform/imageio/metadata/iptc/image_resources.h>
 
 #include <cstddef>
 #include <cstdint>

@@ -1,4 +1,4 @@
-#include <framework_utility/platform/imageio/metadata/metadata_codec.h>
+#include <framework_utility/platform/imageio/metadata/xmp/xmp.h>
 #include <framework_utility/platform/imageio/metadata/xmp/xmp_extension.h>
 #include <framework_utility/platform/imageio/metadata/xmp/xmp_packet.h>
 

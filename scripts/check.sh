@@ -1,6 +1,6 @@
 #!/bin/bash
 # check.sh [PART...]: what a change must pass beside scripts/test.sh. Without a part those that CI
-# runs: lint, compilers, digest, agreement, package and asan. By name also tidy, tsan, and analyze,
+# runs: lint, compilers, tidy, digest, agreement, package and asan. By name also tsan and analyze,
 # which take long.
 set -euo pipefail
 cd "$(dirname "$0")/.."
@@ -137,6 +137,6 @@ analyze() {
 }
 
 scripts/setup.sh check
-[ $# -gt 0 ] || set -- lint compilers digest agreement package asan
+[ $# -gt 0 ] || set -- lint compilers tidy digest agreement package asan
 for part; do "$part"; done
 echo 'check: passed'

@@ -101,6 +101,7 @@ std::optional<Coverage> CGContext::insideOf(const std::vector<Point>& corners) c
   if (std::max(layout_.width, layout_.height) > detail::pixmanLongestSide) return std::nullopt;
   const State& state = states_.back();
   std::vector<Point> pixels;
+  pixels.reserve(corners.size());
   for (const Point& corner : corners) pixels.push_back(mapped(corner, state.ctm));
   std::optional<Coverage> inside = Coverage::ofPolygon(
       pixels, {0, 0, static_cast<int>(layout_.width), static_cast<int>(layout_.height)});

@@ -51,7 +51,7 @@ class Target {
  private:
   std::size_t byteCount() const { return 4 * static_cast<std::size_t>(box_.width()); }
   std::uint8_t* beginning(int y) const {
-    return bitmap_.rows.row(static_cast<std::size_t>(box_.top + y)) +
+    return bitmap_.rows.row(static_cast<std::size_t>(box_.top) + static_cast<std::size_t>(y)) +
            4 * static_cast<std::size_t>(box_.left);
   }
 
@@ -138,7 +138,7 @@ bool drawGradient(const DrawnBitmap& bitmap, const GradientFill& fill, const Cov
   std::vector<std::uint8_t> row(4 * static_cast<std::size_t>(box.right));
   if (!colors) return false;
   for (int y = 0; y < box.height(); ++y) {
-    fill.fillRow(static_cast<std::size_t>(box.top + y), row.data(),
+    fill.fillRow(static_cast<std::size_t>(box.top) + static_cast<std::size_t>(y), row.data(),
                  static_cast<std::size_t>(box.right));
     std::memcpy(colors->row(static_cast<std::size_t>(y)),
                 row.data() + 4 * static_cast<std::size_t>(box.left), colors->bytesPerRow());

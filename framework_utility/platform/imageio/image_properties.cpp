@@ -1,6 +1,6 @@
 #include <framework_utility/platform/imageio/image_properties.h>
 
-#include <framework_utility/platform/imageio/metadata/metadata_codec.h>
+#include <framework_utility/platform/imageio/metadata/metadata.h>
 #include <framework_utility/platform/imageio/metadata/property_keys.h>
 #include <framework_utility/platform/imageio/profile_description.h>
 

@@ -8,7 +8,7 @@
 #include <framework_utility/platform/imageio/image_properties.h>
 #include <framework_utility/platform/imageio/image_source_error.h>
 #include <framework_utility/platform/imageio/metadata/compact_blocks.h>
-#include <framework_utility/platform/imageio/metadata/metadata_codec.h>
+#include <framework_utility/platform/imageio/metadata/exif/exif.h>
 #include <framework_utility/platform/imageio/metadata/property_keys.h>
 #include <framework_utility/platform/imageio/row_decoding.h>
 

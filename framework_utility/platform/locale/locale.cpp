@@ -52,7 +52,7 @@ std::string_view languageOf(std::string_view identifier) {
 }
 
 std::string canonical(std::string_view identifier) {
-  const std::string plain = withoutSystemSpelling(identifier);
+  std::string plain = withoutSystemSpelling(identifier);
   if (plain == "C" || plain == "POSIX") return std::string(posixIdentifier);
   if (isLanguageAndRegion(plain)) return plain;
 

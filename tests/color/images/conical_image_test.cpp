@@ -43,8 +43,9 @@ Bytes rowsOf(std::vector<KvColor> colors, std::size_t width, std::size_t height,
   colors.push_back(colors.front());
   const detail::ConicalRows rows(std::move(colors), width, height);
   Bytes bytes(4 * width * height);
-  for (std::size_t y = 0; y < height; ++y)
+  for (std::size_t y = 0; y < height; ++y) {
     rows.fillRow(y, bytes.data() + 4 * width * y, instructions);
+  }
   return bytes;
 }
 

@@ -235,9 +235,7 @@ TEST(CGContextTest, RefusesBitmapsThatItCannotDrawInto) {
                    changed(layout, &L::width, most / 2),
                    changed(layout, &L::bitsPerComponent, 16),
                    changed(layout, &L::alphaInfo, last)};
-  for (const L& bad : odd) {
-    EXPECT_FALSE(CGContext::createBitmapWithData(memory, bad)) << &bad - odd;
-  }
+  for (const L& bad : odd) EXPECT_FALSE(CGContext::createBitmapWithData(memory, bad)) << &bad - odd;
 }
 
 TEST(CGContextTest, DrawsNothingThatIsNotFinite) {

@@ -29,7 +29,9 @@ struct TextAsType {
 
 /// The same: of two constructors the compiler takes the one that asks for more.
 template <class T>
-concept DeclaredTypeText = TypeText<T> && sizeof(T) > 0;
+concept DeclaredTypeText = TypeText<T> && requires {
+  sizeof(T);
+};
 
 }  // namespace detail
 

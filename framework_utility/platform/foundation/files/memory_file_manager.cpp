@@ -44,9 +44,7 @@ class MemoryFileReader final : public FileReader {
 
   std::optional<std::size_t> readAt(std::int64_t offset, std::span<std::byte> bytes,
                                     Error* error) const override {
-    if (offset < 0) {
-      return fail(error, {EINVAL, FileAccess::reading}, path_);
-    }
+    if (offset < 0) return fail(error, {EINVAL, FileAccess::reading}, path_);
     if (offset >= size()) return 0;
     const auto rest = std::span(bytes_).subspan(static_cast<std::size_t>(offset));
     const std::size_t count = std::min(rest.size(), bytes.size());

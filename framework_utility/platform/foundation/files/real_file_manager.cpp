@@ -62,9 +62,7 @@ class RealFileReader final : public FileReader {
 
   std::optional<std::size_t> readAt(std::int64_t offset, std::span<std::byte> bytes,
                                     Error* error) const override {
-    if (offset < 0) {
-      return fail(error, readingFailed(EINVAL), path_);
-    }
+    if (offset < 0) return fail(error, readingFailed(EINVAL), path_);
     std::size_t done = 0;
     while (done < bytes.size()) {
       const std::int64_t position = offset + static_cast<std::int64_t>(done);
@@ -74,9 +72,7 @@ class RealFileReader final : public FileReader {
           static_cast<std::size_t>(std::min<std::uint64_t>(bytes.size() - done, room));
       const ssize_t count =
           uninterrupted([&] { return pread(file_.get(), bytes.data() + done, wanted, position); });
-      if (count < 0) {
-        return fail(error, readingFailed(errno), path_);
-      }
+      if (count < 0) return fail(error, readingFailed(errno), path_);
       if (count == 0) break;
       done += static_cast<std::size_t>(count);
     }
@@ -96,9 +92,7 @@ class RealFileManager final : public FileManager {
     const std::optional<std::string> item = systemPath(path, FileAccess::reading, error);
     if (!item) return std::nullopt;
     struct stat status {};
-    if (stat(item->c_str(), &status) != 0) {
-      return fail(error, readingFailed(errno), path);
-    }
+    if (stat(item->c_str(), &status) != 0) return fail(error, readingFailed(errno), path);
     const FileKind kind = S_ISREG(status.st_mode)   ? FileKind::file
                           : S_ISDIR(status.st_mode) ? FileKind::directory
                                                     : FileKind::other;
@@ -127,9 +121,7 @@ class RealFileManager final : public FileManager {
         uninterrupted([&] { return open(item->c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC); }));
     std::vector<std::string> names;
     const int number = folder.isOpen() ? listFolder(std::move(folder), names) : errno;
-    if (number != 0) {
-      return fail(error, readingFailed(number), path);
-    }
+    if (number != 0) return fail(error, readingFailed(number), path);
     return names;
   }
 

@@ -125,8 +125,9 @@ class Reader {
     if (object.low > 4) return std::nullopt;
     const std::optional<ByteReader> bytes = bytesAt(object.contents, std::size_t{1} << object.low);
     if (!bytes) return std::nullopt;
-    if (bytes->size() <= 8)
+    if (bytes->size() <= 8) {
       return Value(static_cast<std::int64_t>(bytes->number(0, bytes->size())));
+    }
     const auto high = bytes->at<std::uint64_t>(0);
     const auto low = bytes->at<std::uint64_t>(8);
     const auto asSigned = static_cast<std::int64_t>(low);

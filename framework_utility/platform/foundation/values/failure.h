@@ -16,20 +16,15 @@ struct Failure {
   }
   // As a flag it would be there, and false.
   template <class T>
-    requires(!std::same_as<T, bool>)
-  operator std::optional<T>() const {
-    return std::nullopt;
-  }
+  requires(!std::same_as<T, bool>) operator std::optional<T>() const { return std::nullopt; }
   template <class T>
   operator std::unique_ptr<T>() const {
     return nullptr;
   }
   // Of characters a text could be made.
   template <class T>
-    requires std::is_class_v<T>
-  operator T*() const {
-    return nullptr;
-  }
+  requires std::is_class_v<T>
+  operator T*() const { return nullptr; }
 };
 
 }  // namespace FrameworkUtility::detail

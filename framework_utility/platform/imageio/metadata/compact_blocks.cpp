@@ -11,9 +11,7 @@ namespace FrameworkUtility::detail {
 MetadataBlocks compactBlocks(const MetadataBlocks& stored) {
   std::size_t left = std::size_t{4} << 20;
   const auto compact = [&left](const Data& block, std::span<const std::byte> part) {
-    if (part.size() > left) {
-      return Data::withBytesNoCopy(part, std::make_shared<const Data>(block));
-    }
+    if (part.size() > left) return Data::withBytesNoCopy(part, std::make_shared<const Data>(block));
     left -= part.size();
     return Data(part);
   };

@@ -3,7 +3,7 @@
 #include <framework_utility/platform/imageio/formats/jpeg/jpeg_format.h>
 #include <framework_utility/platform/imageio/formats/jpeg/jpeg_header.h>
 #include <framework_utility/platform/imageio/formats/png/png_format.h>
-#include <framework_utility/platform/imageio/metadata/metadata_codec.h>
+#include <framework_utility/platform/imageio/metadata/metadata.h>
 #include <framework_utility/platform/imageio/metadata/xmp/xmp_extension.h>
 #include <framework_utility/platform/imageio/metadata/xmp/xmp_packet.h>
 #include <tests/platform/imageio/formats/format_coding.h>

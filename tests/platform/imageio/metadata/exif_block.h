@@ -1,9 +1,9 @@
 #pragma once
 
 #include <framework_utility/platform/foundation/values/byte_writer.h>
+#include <framework_utility/platform/imageio/metadata/exif/exif.h>
 #include <framework_utility/platform/imageio/metadata/exif/exif_directories.h>
 #include <framework_utility/platform/imageio/metadata/exif/tiff_structure.h>
-#include <framework_utility/platform/imageio/metadata/metadata_codec.h>
 #include <tests/support/files.h>
 
 #include <algorithm>

@@ -1,6 +1,6 @@
 #include <framework_utility/platform/foundation/values/byte_reader.h>
 #include <framework_utility/platform/foundation/values/byte_writer.h>
-#include <framework_utility/platform/imageio/metadata/metadata_codec.h>
+#include <framework_utility/platform/imageio/metadata/iptc/image_resources.h>
 #include <tests/support/files.h>
 
 #include <gtest/gtest.h>

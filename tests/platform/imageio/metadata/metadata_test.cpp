@@ -1,5 +1,8 @@
 #include <framework_utility/platform/foundation/values/byte_reader.h>
-#include <framework_utility/platform/imageio/metadata/metadata_codec.h>
+#include <framework_utility/platform/imageio/metadata/exif/exif.h>
+#include <framework_utility/platform/imageio/metadata/iptc/image_resources.h>
+#include <framework_utility/platform/imageio/metadata/metadata.h>
+#include <framework_utility/platform/imageio/metadata/xmp/xmp.h>
 #include <tests/support/files.h>
 
 #include <gtest/gtest.h>

@@ -1,6 +1,6 @@
 #include <framework_utility/platform/foundation/values/byte_reader.h>
-#include <framework_utility/platform/imageio/metadata/metadata_codec.h>
 #include <framework_utility/platform/imageio/metadata/text_encoding.h>
+#include <framework_utility/platform/imageio/metadata/xmp/xmp.h>
 #include <tests/support/files.h>
 
 #include <gtest/gtest.h>

@@ -21,13 +21,13 @@ using Bytes = std::span<const std::byte>;
 
 /// What is read at a time behind the beginning, which a source has at hand. Segments that are
 /// stepped over lie between, so that more would be read in vain.
-constexpr std::size_t beginningSize = 16 * 1024;
-constexpr std::size_t windowSize = 4 * 1024;
+constexpr std::size_t beginningSize = std::size_t{16} * 1024;
+constexpr std::size_t windowSize = std::size_t{4} * 1024;
 /// More segments, stray bytes or metadata than these have no photograph, only an attack.
 constexpr int maximumSegments = 10'000;
 constexpr int maximumStrayBytes = 64 * 1024;
-constexpr std::size_t maximumMetadataSize = 32 * 1024 * 1024;
-constexpr std::size_t maximumResourcesSize = 16 * 1024 * 1024;
+constexpr std::size_t maximumMetadataSize = std::size_t{32} * 1024 * 1024;
+constexpr std::size_t maximumResourcesSize = std::size_t{16} * 1024 * 1024;
 
 // Markers of ITU-T T.81, table B.1.
 constexpr unsigned startOfImage = 0xD8;

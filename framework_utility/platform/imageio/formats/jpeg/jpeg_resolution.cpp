@@ -1,6 +1,6 @@
 #include <framework_utility/platform/imageio/formats/jpeg/jpeg_resolution.h>
 
-#include <framework_utility/platform/imageio/metadata/metadata_codec.h>
+#include <framework_utility/platform/imageio/metadata/exif/exif.h>
 #include <framework_utility/platform/imageio/metadata/property_keys.h>
 
 #include <cmath>

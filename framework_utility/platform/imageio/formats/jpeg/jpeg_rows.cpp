@@ -13,7 +13,7 @@ namespace FrameworkUtility::detail {
 
 namespace {
 
-constexpr std::size_t windowSize = 64 * 1024;
+constexpr std::size_t windowSize = std::size_t{64} * 1024;
 
 constexpr JOCTET endMarker[] = {0xFF, JPEG_EOI};
 
@@ -182,8 +182,9 @@ std::size_t JpegRows::readRows(std::uint8_t* rows, std::size_t count) {
       jpeg_read_scanlines(&info_, &row, 1);
       // The programs that write an Adobe segment store CMYK inverted.
       if (model_ == CGColorSpaceModel::cmyk && info_.saw_Adobe_marker) {
-        for (std::size_t x = 0; x < layout_.bytesPerRow; ++x)
+        for (std::size_t x = 0; x < layout_.bytesPerRow; ++x) {
           row[x] = static_cast<JSAMPLE>(~row[x]);
+        }
       }
     }
   });

@@ -51,7 +51,7 @@ class JpegWriter {
  private:
   struct Destination : jpeg_destination_mgr {
     std::vector<std::byte>& out;
-    std::array<JOCTET, 64 * 1024> buffer;
+    std::array<JOCTET, std::size_t{64} * 1024> buffer;
 
     explicit Destination(std::vector<std::byte>& bytes) : jpeg_destination_mgr(), out(bytes) {}
     bool flush();

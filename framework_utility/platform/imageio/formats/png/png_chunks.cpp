@@ -53,8 +53,9 @@ std::optional<Data> PngChunks::data(const PngChunk& chunk) const {
       std::make_shared<const Data>(source_.bytes(chunk.offset - 4, covered + checksumSize));
   if (bytes->size() < covered + checksumSize) return std::nullopt;
   const auto* begin = reinterpret_cast<const Bytef*>(bytes->data());
-  if (crc32_z(0, begin, covered) != ByteReader(*bytes).at<std::uint32_t>(covered))
+  if (crc32_z(0, begin, covered) != ByteReader(*bytes).at<std::uint32_t>(covered)) {
     return std::nullopt;
+  }
   return Data::withBytesNoCopy({bytes->data() + 4, chunk.length}, bytes);
 }
 

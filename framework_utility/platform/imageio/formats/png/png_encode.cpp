@@ -9,7 +9,7 @@
 #include <framework_utility/platform/imageio/formats/png/png_header.h>
 #include <framework_utility/platform/imageio/formats/png/png_text.h>
 #include <framework_utility/platform/imageio/formats/png/png_writer.h>
-#include <framework_utility/platform/imageio/metadata/metadata_codec.h>
+#include <framework_utility/platform/imageio/metadata/exif/exif.h>
 #include <framework_utility/platform/imageio/metadata/property_keys.h>
 #include <framework_utility/platform/imageio/metadata/xmp/xmp_extension.h>
 

@@ -1,9 +1,9 @@
+#include <framework_utility/platform/imageio/metadata/exif/exif.h>
 #include <framework_utility/platform/imageio/metadata/exif/exif_directories.h>
 #include <framework_utility/platform/imageio/metadata/exif/exif_tags.h>
 #include <framework_utility/platform/imageio/metadata/exif/exif_values.h>
 #include <framework_utility/platform/imageio/metadata/exif/maker_note.h>
 #include <framework_utility/platform/imageio/metadata/exif/tiff_structure.h>
-#include <framework_utility/platform/imageio/metadata/metadata_codec.h>
 #include <framework_utility/platform/imageio/metadata/property_keys.h>
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+#include <framework_utility/platform/imageio/metadata/exif/exif.h>
 #include <framework_utility/platform/imageio/metadata/exif/exif_directories.h>
 #include <framework_utility/platform/imageio/metadata/exif/exif_pictures.h>
 #include <framework_utility/platform/imageio/metadata/exif/exif_tags.h>
@@ -6,7 +7,6 @@
 #include <framework_utility/platform/imageio/metadata/exif/maker_note.h>
 #include <framework_utility/platform/imageio/metadata/exif/tiff_layout.h>
 #include <framework_utility/platform/imageio/metadata/exif/tiff_structure.h>
-#include <framework_utility/platform/imageio/metadata/metadata_codec.h>
 #include <framework_utility/platform/imageio/metadata/property_keys.h>
 
 #include <algorithm>

@@ -1,7 +1,8 @@
+#include <framework_utility/platform/imageio/metadata/iptc/image_resources.h>
+
 #include <framework_utility/platform/foundation/values/byte_reader.h>
 #include <framework_utility/platform/foundation/values/byte_writer.h>
 #include <framework_utility/platform/imageio/metadata/iptc/iptc_record.h>
-#include <framework_utility/platform/imageio/metadata/metadata_codec.h>
 #include <framework_utility/platform/imageio/metadata/property_keys.h>
 
 #include <algorithm>

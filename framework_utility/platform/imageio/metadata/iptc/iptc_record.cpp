@@ -228,6 +228,7 @@ std::vector<Planned> plannedDatasets(const Record& record, const Dictionary& bef
     std::vector<std::string> texts = textsOf(is);
     if (!mapping.isRepeated && texts.size() > 1) texts.resize(1);
     std::vector<Planned> written;
+    written.reserve(texts.size());
     for (std::string& text : texts) {
       written.push_back({applicationRecord, mapping.dataset, {}, std::move(text)});
     }

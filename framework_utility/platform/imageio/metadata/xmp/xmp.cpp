@@ -1,4 +1,5 @@
-#include <framework_utility/platform/imageio/metadata/metadata_codec.h>
+#include <framework_utility/platform/imageio/metadata/xmp/xmp.h>
+
 #include <framework_utility/platform/imageio/metadata/property_keys.h>
 #include <framework_utility/platform/imageio/metadata/text_encoding.h>
 #include <framework_utility/platform/imageio/metadata/xmp/xmp_entries.h>
@@ -203,8 +204,9 @@ Dictionary readXmp(std::span<const std::byte> packet, const Dictionary& properti
   if (!found) return added;
   for (const XmpProperty& property : *found) {
     const XmpMapping& mapping = *property.mapping;
-    if (mapping.dictionary == kCGImagePropertyIPTCDictionary || hasEntries(mapping, properties))
+    if (mapping.dictionary == kCGImagePropertyIPTCDictionary || hasEntries(mapping, properties)) {
       continue;
+    }
     if (property.isLeftOut || !budget.spend(2 + property.items.size(), 0)) {
       budget.leaveOut(mapping.dictionary);
       continue;
