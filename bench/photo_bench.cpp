@@ -7,7 +7,7 @@
 #include <framework_utility/platform/foundation/files/files.h>
 #include <framework_utility/platform/imageio/image_destination.h>
 #include <framework_utility/platform/imageio/image_source.h>
-#include <framework_utility/platform/imageio/metadata/property_keys.h>
+#include <framework_utility/platform/imageio/metadata/values/property_keys.h>
 #include <vips/vips.h>
 
 #include <cstdio>

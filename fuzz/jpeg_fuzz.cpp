@@ -1,7 +1,7 @@
 // A JPEG file from its signature to its pixels, as an app reads it.
 
 #include <framework_utility/platform/imageio/image_source.h>
-#include <framework_utility/platform/imageio/metadata/property_keys.h>
+#include <framework_utility/platform/imageio/metadata/values/property_keys.h>
 
 #include <cstddef>
 #include <cstdint>

@@ -10,7 +10,7 @@
 #include <framework_utility/platform/foundation/files/files.h>
 #include <framework_utility/platform/foundation/values/path.h>
 #include <framework_utility/platform/imageio/metadata/metadata_blocks.h>
-#include <framework_utility/platform/imageio/metadata/property_keys.h>
+#include <framework_utility/platform/imageio/metadata/values/property_keys.h>
 #include <framework_utility/platform/imageio/ui_image_coding.h>
 
 #include <algorithm>

@@ -6,7 +6,7 @@
 #include <framework_utility/platform/graphics/cg_image.h>
 #include <framework_utility/platform/imageio/image_destination.h>
 #include <framework_utility/platform/imageio/image_source.h>
-#include <framework_utility/platform/imageio/metadata/property_keys.h>
+#include <framework_utility/platform/imageio/metadata/values/property_keys.h>
 
 #include <algorithm>
 #include <cstdlib>

@@ -3,7 +3,7 @@
 #include <framework_utility/errors/fail.h>
 #include <framework_utility/platform/foundation/files/files.h>
 #include <framework_utility/platform/imageio/image_destination.h>
-#include <framework_utility/platform/imageio/metadata/property_keys.h>
+#include <framework_utility/platform/imageio/metadata/values/property_keys.h>
 
 #include <string>
 #include <utility>

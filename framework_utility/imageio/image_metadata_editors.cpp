@@ -5,7 +5,7 @@
 
 #include <framework_utility/foundation/date_utility.h>
 #include <framework_utility/imageio/image_orientation.h>
-#include <framework_utility/platform/imageio/metadata/property_keys.h>
+#include <framework_utility/platform/imageio/metadata/values/property_keys.h>
 
 #include <cmath>
 

@@ -3,7 +3,7 @@
 #include <framework_utility/imageio/image_metadata.h>
 
 #include <framework_utility/foundation/date_utility.h>
-#include <framework_utility/platform/imageio/metadata/property_keys.h>
+#include <framework_utility/platform/imageio/metadata/values/property_keys.h>
 
 #include <utility>
 

@@ -6,7 +6,7 @@
 #include <framework_utility/platform/imageio/image_destination.h>
 #include <framework_utility/platform/imageio/image_source.h>
 #include <framework_utility/platform/imageio/metadata/metadata_blocks.h>
-#include <framework_utility/platform/imageio/metadata/property_keys.h>
+#include <framework_utility/platform/imageio/metadata/values/property_keys.h>
 #include <tests/platform/foundation/property_lists/binary_list.h>
 #include <tests/platform/imageio/formats/jpeg_file.h>
 #include <tests/platform/imageio/formats/png_file.h>

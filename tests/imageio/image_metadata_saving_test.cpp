@@ -4,7 +4,7 @@
 #include <framework_utility/platform/foundation/files/files.h>
 #include <framework_utility/platform/foundation/values/byte_reader.h>
 #include <framework_utility/platform/imageio/image_destination.h>
-#include <framework_utility/platform/imageio/metadata/property_keys.h>
+#include <framework_utility/platform/imageio/metadata/values/property_keys.h>
 #include <tests/imageio/pictures.h>
 #include <tests/platform/imageio/metadata/exif_block.h>
 #include <tests/support/is_error.h>

@@ -5,7 +5,7 @@
 #include <framework_utility/platform/foundation/app/temporary_directory.h>
 #include <framework_utility/platform/foundation/app/user_defaults.h>
 #include <framework_utility/platform/foundation/files/file_error.h>
-#include <framework_utility/platform/imageio/metadata/property_keys.h>
+#include <framework_utility/platform/imageio/metadata/values/property_keys.h>
 #include <tests/imageio/pictures.h>
 #include <tests/support/is_error.h>
 #include <tests/support/temporary_folder.h>

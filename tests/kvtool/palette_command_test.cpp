@@ -1,5 +1,5 @@
 #include <framework_utility/color/images/color_analysis.h>
-#include <framework_utility/platform/imageio/metadata/property_keys.h>
+#include <framework_utility/platform/imageio/metadata/values/property_keys.h>
 #include <framework_utility/platform/imageio/ui_image_coding.h>
 #include <tests/kvtool/kvtool_test.h>
 

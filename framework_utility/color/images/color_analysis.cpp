@@ -6,7 +6,7 @@
 #include <framework_utility/platform/foundation/values/number.h>
 #include <framework_utility/platform/graphics/drawn_rows.h>
 #include <framework_utility/platform/imageio/image_source.h>
-#include <framework_utility/platform/imageio/metadata/property_keys.h>
+#include <framework_utility/platform/imageio/metadata/values/property_keys.h>
 #include <framework_utility/platform/imageio/ui_image_coding.h>
 
 #include <algorithm>

@@ -5,7 +5,7 @@
 #include <framework_utility/platform/foundation/values/fail.h>
 #include <framework_utility/platform/imageio/image_formats.h>
 #include <framework_utility/platform/imageio/metadata/metadata.h>
-#include <framework_utility/platform/imageio/metadata/property_keys.h>
+#include <framework_utility/platform/imageio/metadata/values/property_keys.h>
 
 #include <algorithm>
 #include <string>

@@ -1,7 +1,7 @@
 #include <framework_utility/platform/imageio/image_properties.h>
 
 #include <framework_utility/platform/imageio/metadata/metadata.h>
-#include <framework_utility/platform/imageio/metadata/property_keys.h>
+#include <framework_utility/platform/imageio/metadata/values/property_keys.h>
 #include <framework_utility/platform/imageio/profile_description.h>
 
 #include <string>

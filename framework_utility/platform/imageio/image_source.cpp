@@ -9,7 +9,7 @@
 #include <framework_utility/platform/imageio/image_source_error.h>
 #include <framework_utility/platform/imageio/metadata/compact_blocks.h>
 #include <framework_utility/platform/imageio/metadata/exif/exif.h>
-#include <framework_utility/platform/imageio/metadata/property_keys.h>
+#include <framework_utility/platform/imageio/metadata/values/property_keys.h>
 #include <framework_utility/platform/imageio/row_decoding.h>
 
 #include <algorithm>

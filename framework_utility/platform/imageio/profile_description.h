@@ -1,6 +1,6 @@
 #pragma once
 
-#include <framework_utility/platform/imageio/metadata/metadata_budget.h>
+#include <framework_utility/platform/imageio/metadata/values/metadata_budget.h>
 
 #include <cstddef>
 #include <span>

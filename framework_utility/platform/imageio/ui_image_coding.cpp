@@ -5,7 +5,7 @@
 #include <framework_utility/platform/foundation/values/fail.h>
 #include <framework_utility/platform/graphics/exif_orientation.h>
 #include <framework_utility/platform/imageio/image_destination.h>
-#include <framework_utility/platform/imageio/metadata/property_keys.h>
+#include <framework_utility/platform/imageio/metadata/values/property_keys.h>
 
 namespace FrameworkUtility {
 

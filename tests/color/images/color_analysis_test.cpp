@@ -2,7 +2,7 @@
 #include <framework_utility/color/images/color_analysis.h>
 #include <framework_utility/platform/foundation/files/files.h>
 #include <framework_utility/platform/imageio/image_destination.h>
-#include <framework_utility/platform/imageio/metadata/property_keys.h>
+#include <framework_utility/platform/imageio/metadata/values/property_keys.h>
 
 #include <tests/platform/graphics/pictures.h>
 #include <tests/support/temporary_folder.h>

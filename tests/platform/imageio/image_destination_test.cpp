@@ -1,7 +1,7 @@
 #include <framework_utility/platform/foundation/files/file_error.h>
 #include <framework_utility/platform/imageio/image_destination.h>
 #include <framework_utility/platform/imageio/image_source.h>
-#include <framework_utility/platform/imageio/metadata/property_keys.h>
+#include <framework_utility/platform/imageio/metadata/values/property_keys.h>
 #include <framework_utility/platform/imageio/ui_image_coding.h>
 #include <tests/platform/imageio/formats/jpeg_file.h>
 #include <tests/support/files.h>

@@ -1,6 +1,6 @@
 #include <tools/kvtool/photos/edits.h>
 
-#include <framework_utility/platform/imageio/metadata/property_keys.h>
+#include <framework_utility/platform/imageio/metadata/values/property_keys.h>
 
 #include <cmath>
 #include <cstddef>

@@ -3,7 +3,7 @@
 #include <tools/kvtool/console/photo_date.h>
 
 #include <framework_utility/platform/foundation/files/files.h>
-#include <framework_utility/platform/imageio/metadata/property_keys.h>
+#include <framework_utility/platform/imageio/metadata/values/property_keys.h>
 
 #include <optional>
 #include <tuple>

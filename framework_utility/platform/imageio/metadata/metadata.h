@@ -2,7 +2,7 @@
 
 #include <framework_utility/platform/foundation/values/value.h>
 #include <framework_utility/platform/imageio/metadata/metadata_blocks.h>
-#include <framework_utility/platform/imageio/metadata/pixel_facts.h>
+#include <framework_utility/platform/imageio/metadata/values/pixel_facts.h>
 
 namespace FrameworkUtility::detail {
 

@@ -1,7 +1,7 @@
 #include <framework_utility/platform/foundation/app/uniform_type.h>
 #include <framework_utility/platform/imageio/formats/jpeg/jpeg_format.h>
 #include <framework_utility/platform/imageio/formats/jpeg/jpeg_header.h>
-#include <framework_utility/platform/imageio/metadata/property_keys.h>
+#include <framework_utility/platform/imageio/metadata/values/property_keys.h>
 #include <tests/platform/imageio/formats/format_coding.h>
 #include <tests/platform/imageio/formats/jpeg_file.h>
 

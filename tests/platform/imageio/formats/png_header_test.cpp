@@ -1,5 +1,5 @@
 #include <framework_utility/platform/imageio/formats/png/png_format.h>
-#include <framework_utility/platform/imageio/metadata/property_keys.h>
+#include <framework_utility/platform/imageio/metadata/values/property_keys.h>
 
 #include <tests/platform/imageio/formats/format_coding.h>
 #include <tests/platform/imageio/formats/png_file.h>

@@ -2,7 +2,7 @@
 #include <framework_utility/platform/graphics/rgba_rows.h>
 #include <framework_utility/platform/imageio/formats/png/png_chunks.h>
 #include <framework_utility/platform/imageio/formats/png/png_format.h>
-#include <framework_utility/platform/imageio/metadata/property_keys.h>
+#include <framework_utility/platform/imageio/metadata/values/property_keys.h>
 
 #include <tests/platform/graphics/pictures.h>
 #include <tests/platform/imageio/formats/format_coding.h>

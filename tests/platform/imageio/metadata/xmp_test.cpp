@@ -1,5 +1,5 @@
 #include <framework_utility/platform/foundation/values/byte_reader.h>
-#include <framework_utility/platform/imageio/metadata/text_encoding.h>
+#include <framework_utility/platform/imageio/metadata/values/text_encoding.h>
 #include <framework_utility/platform/imageio/metadata/xmp/xmp.h>
 #include <tests/support/files.h>
 

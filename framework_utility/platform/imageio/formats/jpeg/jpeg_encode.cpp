@@ -6,7 +6,7 @@
 #include <framework_utility/platform/imageio/formats/jpeg/jpeg_header.h>
 #include <framework_utility/platform/imageio/formats/jpeg/jpeg_resolution.h>
 #include <framework_utility/platform/imageio/formats/jpeg/jpeg_writer.h>
-#include <framework_utility/platform/imageio/metadata/property_keys.h>
+#include <framework_utility/platform/imageio/metadata/values/property_keys.h>
 
 #include <algorithm>
 #include <array>

@@ -3,8 +3,8 @@
 #include <framework_utility/platform/foundation/app/uniform_type.h>
 #include <framework_utility/platform/foundation/values/byte_reader.h>
 #include <framework_utility/platform/imageio/formats/jpeg/jpeg_extended_xmp.h>
-#include <framework_utility/platform/imageio/metadata/metadata_budget.h>
-#include <framework_utility/platform/imageio/metadata/property_keys.h>
+#include <framework_utility/platform/imageio/metadata/values/metadata_budget.h>
+#include <framework_utility/platform/imageio/metadata/values/property_keys.h>
 
 #include <algorithm>
 #include <iterator>

@@ -1,7 +1,7 @@
 #include <framework_utility/platform/imageio/formats/jpeg/jpeg_resolution.h>
 
 #include <framework_utility/platform/imageio/metadata/exif/exif.h>
-#include <framework_utility/platform/imageio/metadata/property_keys.h>
+#include <framework_utility/platform/imageio/metadata/values/property_keys.h>
 
 #include <cmath>
 #include <limits>

@@ -10,7 +10,7 @@
 #include <framework_utility/platform/imageio/formats/png/png_text.h>
 #include <framework_utility/platform/imageio/formats/png/png_writer.h>
 #include <framework_utility/platform/imageio/metadata/exif/exif.h>
-#include <framework_utility/platform/imageio/metadata/property_keys.h>
+#include <framework_utility/platform/imageio/metadata/values/property_keys.h>
 #include <framework_utility/platform/imageio/metadata/xmp/xmp_extension.h>
 
 #include <algorithm>
@@ -85,9 +85,7 @@ std::optional<std::uint32_t> resolution(const EncodeRequest& request, const Dict
   if (!perInch) return stored;
   const double dots = perInch->doubleValue();
   const bool isTiffs = dots == tiffDotsPerInch(request.properties, tiffKey);
-  if (stored ? isTiffs || dots == dotsPerInch(*stored) : isTiffs && isOfPng(request)) {
-    return stored;
-  }
+  if (stored ? isTiffs || dots == dotsPerInch(*stored) : isTiffs && isOfPng(request)) return stored;
   return asResolution(dots / 0.0254);
 }
 

@@ -6,8 +6,8 @@
 #include <framework_utility/platform/imageio/formats/dots_per_inch.h>
 #include <framework_utility/platform/imageio/formats/png/png_chunks.h>
 #include <framework_utility/platform/imageio/formats/png/png_text.h>
-#include <framework_utility/platform/imageio/metadata/metadata_budget.h>
-#include <framework_utility/platform/imageio/metadata/property_keys.h>
+#include <framework_utility/platform/imageio/metadata/values/metadata_budget.h>
+#include <framework_utility/platform/imageio/metadata/values/property_keys.h>
 
 #include <algorithm>
 #include <cstdint>

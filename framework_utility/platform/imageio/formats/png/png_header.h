@@ -2,7 +2,7 @@
 
 #include <framework_utility/platform/foundation/files/byte_source.h>
 #include <framework_utility/platform/imageio/formats/image_header.h>
-#include <framework_utility/platform/imageio/metadata/property_keys.h>
+#include <framework_utility/platform/imageio/metadata/values/property_keys.h>
 
 #include <array>
 #include <string_view>

@@ -2,7 +2,7 @@
 
 #include <framework_utility/platform/foundation/values/data.h>
 #include <framework_utility/platform/imageio/formats/png/png_chunks.h>
-#include <framework_utility/platform/imageio/metadata/metadata_budget.h>
+#include <framework_utility/platform/imageio/metadata/values/metadata_budget.h>
 
 #include <cstddef>
 #include <optional>

@@ -1,6 +1,6 @@
 #include <framework_utility/platform/imageio/metadata/exif/exif_tags.h>
 
-#include <framework_utility/platform/imageio/metadata/property_keys.h>
+#include <framework_utility/platform/imageio/metadata/values/property_keys.h>
 
 #include <array>
 #include <optional>

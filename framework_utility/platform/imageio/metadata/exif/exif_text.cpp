@@ -3,7 +3,7 @@
 #include <framework_utility/platform/foundation/values/byte_reader.h>
 #include <framework_utility/platform/foundation/values/byte_writer.h>
 #include <framework_utility/platform/foundation/values/utf8.h>
-#include <framework_utility/platform/imageio/metadata/text_encoding.h>
+#include <framework_utility/platform/imageio/metadata/values/text_encoding.h>
 
 #include <algorithm>
 #include <cstdint>

@@ -2,7 +2,7 @@
 
 #include <framework_utility/platform/foundation/values/byte_writer.h>
 #include <framework_utility/platform/imageio/metadata/exif/exif_text.h>
-#include <framework_utility/platform/imageio/metadata/rational.h>
+#include <framework_utility/platform/imageio/metadata/values/rational.h>
 
 #include <algorithm>
 #include <array>

@@ -1,6 +1,6 @@
 #include <framework_utility/platform/imageio/metadata/exif/exif_wanted.h>
 
-#include <framework_utility/platform/imageio/metadata/property_keys.h>
+#include <framework_utility/platform/imageio/metadata/values/property_keys.h>
 
 #include <string>
 #include <string_view>

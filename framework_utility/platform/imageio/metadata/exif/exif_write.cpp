@@ -7,7 +7,7 @@
 #include <framework_utility/platform/imageio/metadata/exif/maker_note.h>
 #include <framework_utility/platform/imageio/metadata/exif/tiff_layout.h>
 #include <framework_utility/platform/imageio/metadata/exif/tiff_structure.h>
-#include <framework_utility/platform/imageio/metadata/property_keys.h>
+#include <framework_utility/platform/imageio/metadata/values/property_keys.h>
 
 #include <algorithm>
 #include <bitset>

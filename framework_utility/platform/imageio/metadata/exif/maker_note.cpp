@@ -6,7 +6,7 @@
 #include <framework_utility/platform/imageio/metadata/exif/exif_values.h>
 #include <framework_utility/platform/imageio/metadata/exif/tiff_layout.h>
 #include <framework_utility/platform/imageio/metadata/exif/tiff_structure.h>
-#include <framework_utility/platform/imageio/metadata/property_keys.h>
+#include <framework_utility/platform/imageio/metadata/values/property_keys.h>
 
 #include <algorithm>
 #include <charconv>

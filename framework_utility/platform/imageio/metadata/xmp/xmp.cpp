@@ -1,7 +1,7 @@
 #include <framework_utility/platform/imageio/metadata/xmp/xmp.h>
 
-#include <framework_utility/platform/imageio/metadata/property_keys.h>
-#include <framework_utility/platform/imageio/metadata/text_encoding.h>
+#include <framework_utility/platform/imageio/metadata/values/property_keys.h>
+#include <framework_utility/platform/imageio/metadata/values/text_encoding.h>
 #include <framework_utility/platform/imageio/metadata/xmp/xmp_entries.h>
 #include <framework_utility/platform/imageio/metadata/xmp/xmp_packet.h>
 

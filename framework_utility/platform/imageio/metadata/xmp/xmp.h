@@ -1,8 +1,8 @@
 #pragma once
 
 #include <framework_utility/platform/foundation/values/value.h>
-#include <framework_utility/platform/imageio/metadata/metadata_budget.h>
-#include <framework_utility/platform/imageio/metadata/pixel_facts.h>
+#include <framework_utility/platform/imageio/metadata/values/metadata_budget.h>
+#include <framework_utility/platform/imageio/metadata/values/pixel_facts.h>
 
 #include <cstddef>
 #include <span>

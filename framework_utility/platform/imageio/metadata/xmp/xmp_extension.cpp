@@ -1,7 +1,7 @@
 #include <framework_utility/platform/imageio/metadata/xmp/xmp_extension.h>
 
 #include <framework_utility/platform/foundation/values/byte_reader.h>
-#include <framework_utility/platform/imageio/metadata/text_encoding.h>
+#include <framework_utility/platform/imageio/metadata/values/text_encoding.h>
 #include <framework_utility/platform/imageio/metadata/xmp/xml_walk.h>
 #include <framework_utility/platform/imageio/metadata/xmp/xmp_packet.h>
 

@@ -1,6 +1,6 @@
 #include <framework_utility/platform/imageio/metadata/xmp/xmp_mapping.h>
 
-#include <framework_utility/platform/imageio/metadata/property_keys.h>
+#include <framework_utility/platform/imageio/metadata/values/property_keys.h>
 
 #include <span>
 

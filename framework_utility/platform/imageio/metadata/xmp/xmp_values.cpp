@@ -1,6 +1,6 @@
 #include <framework_utility/platform/imageio/metadata/xmp/xmp_values.h>
 
-#include <framework_utility/platform/imageio/metadata/rational.h>
+#include <framework_utility/platform/imageio/metadata/values/rational.h>
 
 #include <algorithm>
 #include <array>

@@ -1,4 +1,4 @@
-#include <framework_utility/platform/imageio/metadata/text_encoding.h>
+#include <framework_utility/platform/imageio/metadata/values/text_encoding.h>
 
 #include <framework_utility/platform/foundation/values/byte_writer.h>
 #include <framework_utility/platform/foundation/values/utf8.h>

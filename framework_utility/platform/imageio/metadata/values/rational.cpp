@@ -1,4 +1,4 @@
-#include <framework_utility/platform/imageio/metadata/rational.h>
+#include <framework_utility/platform/imageio/metadata/values/rational.h>
 
 #include <algorithm>
 #include <cmath>
