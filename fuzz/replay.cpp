@@ -19,18 +19,19 @@ using Bytes = std::vector<std::uint8_t>;
 constexpr std::size_t cuts = 64;
 constexpr std::size_t changes = 256;
 
-void run(const Bytes& bytes) { LLVMFuzzerTestOneInput(bytes.data(), bytes.size()); }
+void fuzzOne(const Bytes& bytes) { LLVMFuzzerTestOneInput(bytes.data(), bytes.size()); }
 
 void runDamaged(const Bytes& whole, std::mt19937& random) {
   for (std::size_t i = 0; i < cuts; ++i) {
-    run(Bytes(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(whole.size() * i / cuts)));
+    fuzzOne(
+        Bytes(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(whole.size() * i / cuts)));
   }
   for (std::size_t i = 0; i < changes && !whole.empty(); ++i) {
     Bytes damaged = whole;
     for (std::size_t count = 1 + random() % 4; count > 0; --count) {
       damaged[random() % damaged.size()] = static_cast<std::uint8_t>(random());
     }
-    run(damaged);
+    fuzzOne(damaged);
   }
 }
 
@@ -43,7 +44,7 @@ int main(int argc, char** argv) {
     std::ifstream in(entry.path(), std::ios::binary);
     const Bytes bytes{std::istreambuf_iterator<char>(in), {}};
     std::mt19937 random(1);
-    run(bytes);
+    fuzzOne(bytes);
     runDamaged(bytes, random);
     ++files;
   }

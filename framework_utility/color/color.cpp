@@ -1,6 +1,5 @@
 #include <framework_utility/color/color.h>
 
-#include <framework_utility/color/color_utility.h>
 #include <framework_utility/platform/foundation/values/random.h>
 #include <framework_utility/platform/graphics/unit_range.h>
 
@@ -39,12 +38,6 @@ KvColor KvColor::withHueSaturationLightness(double hue, double saturation, doubl
   color.setHueSaturationLightness({hue, saturation, lightness});
   color.alpha = alpha;
   return color;
-}
-
-std::optional<KvColor> KvColor::withHexString(std::string_view text) {
-  const std::optional<UIColor> color = colorFromHexString(text);
-  if (!color) return std::nullopt;
-  return KvColor(*color);
 }
 
 KvColor KvColor::blackColor() { return {0, 0, 0}; }

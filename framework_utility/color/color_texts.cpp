@@ -2,6 +2,7 @@
 
 #include <framework_utility/color/color.h>
 
+#include <framework_utility/color/color_utility.h>
 #include <framework_utility/platform/foundation/values/number.h>
 #include <framework_utility/platform/foundation/values/number_text.h>
 
@@ -26,6 +27,12 @@ std::array<std::int64_t, 4> identity(const KvColor& color) {
 }
 
 }  // namespace
+
+std::optional<KvColor> KvColor::withHexString(std::string_view text) {
+  const std::optional<UIColor> color = colorFromHexString(text);
+  if (!color) return std::nullopt;
+  return KvColor(*color);
+}
 
 std::string KvColor::hexStringWithoutHash() const { return hexString().substr(1); }
 
