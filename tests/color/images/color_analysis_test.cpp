@@ -286,6 +286,19 @@ TEST_F(ColorAnalysisOfFilesTest, LargeFilesAreReducedFirst) {
   }
 }
 
+TEST_F(ColorAnalysisOfFilesTest, FilesAreReducedByTheirLongerSideAndTurned) {
+  const auto lined = [](std::size_t, std::size_t y) { return y % 10 == 9 ? white : red; };
+  for (const auto& [width, height] : {std::pair{400, 40}, {40, 400}}) {
+    const URL url = write("narrow.png", encoded(bitmapOf(width, height, lined), "public.png"));
+    EXPECT_EQ(colorsOf(url, low), "FF1E1E") << width << 'x' << height;
+  }
+  // The last rows come to the left: all that is seen of what is stretched to a square.
+  const auto above = [](std::size_t, std::size_t y) { return y < 20 ? red : blue; };
+  const URL turned = write("turned.jpg", encoded(bitmapOf(400, 40, above), "public.jpeg",
+                                                 {{kCGImagePropertyOrientation, 6}}));
+  EXPECT_EQ(colorsOf(turned, low), "0000FA");
+}
+
 TEST_F(ColorAnalysisOfFilesTest, SmallFilesAreReadWhole) {
   const auto left = [](std::size_t x, std::size_t) { return x < 10 ? red : blue; };
   const URL url = write("small.png", encoded(bitmapOf(20, 20, left), "public.png"));
