@@ -1,5 +1,6 @@
 #include <framework_utility/platform/imageio/formats/bmp/bmp_rows.h>
 
+#include <framework_utility/platform/foundation/files/byte_stream.h>
 #include <framework_utility/platform/imageio/formats/bmp/bmp_header.h>
 
 #include <algorithm>
@@ -165,35 +166,12 @@ class PlainRows final : public BmpRows {
   std::uint64_t rowsRead_ = 0;
 };
 
-/// Bytes one after the other.
-class Input {
- public:
-  Input(const ByteSource& source, std::uint64_t offset) : source_(source), offset_(offset) {}
-
-  /// Negative at the end.
-  int next() {
-    if (used_ == window_.size()) {
-      window_ = source_.bytes(offset_, windowSize);
-      offset_ += window_.size();
-      used_ = 0;
-      if (window_.empty()) return -1;
-    }
-    return std::to_integer<int>(window_.data()[used_++]);
-  }
-
- private:
-  const ByteSource& source_;
-  std::uint64_t offset_;  // of what follows the window
-  Data window_;
-  std::size_t used_ = 0;
-};
-
 /// From the bottom up as a rule, and with jumps, so that there is no first row before there is the
 /// last. A pixel is written once beside the first colour, whatever the file says.
 class RunRows final : public BmpRows {
  public:
   RunRows(const ByteSource& source, const BmpPixels& pixels)
-      : BmpRows(source, pixels), input_(source_, pixels.offset) {
+      : BmpRows(source, pixels), input_(source_, pixels.offset, windowSize) {
     isWhole_ = true;
     memory_ = windowSize;
   }
@@ -204,8 +182,8 @@ class RunRows final : public BmpRows {
       std::memcpy(rows + 4 * i, palette_[0].data(), 4);
     }
     while (y_ < layout_.height && state_ == RowState::whole) {
-      const int length = input_.next();
-      const int value = input_.next();
+      const int length = next();
+      const int value = next();
       if (value < 0) {
         // Nothing is missing but the mark of the end.
         if (y_ + 1 < layout_.height || x_ < layout_.width) state_ = RowState::cut;
@@ -229,8 +207,8 @@ class RunRows final : public BmpRows {
 
  private:
   void jump() {
-    const int right = input_.next();
-    const int on = input_.next();
+    const int right = next();
+    const int on = next();
     if (on < 0) {
       state_ = RowState::cut;
       return;
@@ -256,7 +234,7 @@ class RunRows final : public BmpRows {
     const int perByte = is4Bits() ? 2 : 1;
     int value = 0;
     for (int i = 0; i < length; ++i) {
-      if (i % perByte == 0) value = input_.next();
+      if (i % perByte == 0) value = next();
       if (value < 0) {
         state_ = RowState::cut;
         return;
@@ -264,7 +242,7 @@ class RunRows final : public BmpRows {
       put(value, i);
     }
     // To a whole number of two bytes.
-    if ((length + perByte - 1) / perByte % 2 == 1) input_.next();
+    if ((length + perByte - 1) / perByte % 2 == 1) next();
   }
 
   /// Whether so many more pixels are within the row and its padding.
@@ -283,9 +261,17 @@ class RunRows final : public BmpRows {
     ++x_;
   }
 
+  /// A byte of the file; negative at its end.
+  int next() {
+    const std::span<const std::byte> ahead = input_.ahead();
+    if (ahead.empty()) return -1;
+    input_.take(1);
+    return std::to_integer<int>(ahead[0]);
+  }
+
   bool is4Bits() const { return pixels_.bitsPerPixel == 4; }
 
-  Input input_;
+  ByteStream input_;
   std::uint8_t* rows_ = nullptr;
   std::size_t x_ = 0;
   std::size_t y_ = 0;  // in the file's order

@@ -1,19 +1,16 @@
 #include <framework_utility/platform/imageio/formats/jpeg/jpeg_rows.h>
 
-#include <framework_utility/platform/foundation/values/data.h>
+#include <framework_utility/platform/foundation/files/byte_stream.h>
 #include <framework_utility/platform/imageio/formats/jpeg/jpeg_errors.h>
 
 #include <algorithm>
 #include <limits>
-#include <utility>
 
 #include <jerror.h>
 
 namespace FrameworkUtility::detail {
 
 namespace {
-
-constexpr std::size_t windowSize = std::size_t{64} * 1024;
 
 constexpr JOCTET endMarker[] = {0xFF, JPEG_EOI};
 
@@ -42,12 +39,11 @@ class JpegRows final : public RowReader {
 
  private:
   struct Source : jpeg_source_mgr {
-    ByteSource bytes;
-    std::uint64_t offset = 0;
-    Data window;
+    ByteStream bytes;
     bool ended = false;
 
-    explicit Source(ByteSource all) : jpeg_source_mgr(), bytes(std::move(all)) {}
+    explicit Source(const ByteSource& all)
+        : jpeg_source_mgr(), bytes(all, 0, std::size_t{64} * 1024) {}
   };
 
   struct Progress : jpeg_progress_mgr {
@@ -87,12 +83,12 @@ JpegRows::JpegRows(const ByteSource& bytes, const RowRequest& request)
   source_.resync_to_restart = jpeg_resync_to_restart;
   source_.fill_input_buffer = [](j_decompress_ptr info) -> boolean {
     auto& source = *static_cast<Source*>(info->src);
-    source.window = source.bytes.bytes(source.offset, windowSize);
-    source.offset += source.window.size();
-    source.ended = source.window.empty();
+    const std::span<const std::byte> ahead = source.bytes.ahead();
+    source.bytes.take(ahead.size());
+    source.ended = ahead.empty();
     source.next_input_byte =
-        source.ended ? endMarker : reinterpret_cast<const JOCTET*>(source.window.data());
-    source.bytes_in_buffer = source.ended ? sizeof(endMarker) : source.window.size();
+        source.ended ? endMarker : reinterpret_cast<const JOCTET*>(ahead.data());
+    source.bytes_in_buffer = source.ended ? sizeof(endMarker) : ahead.size();
     return TRUE;
   };
   source_.skip_input_data = [](j_decompress_ptr info, long count) {
@@ -102,7 +98,7 @@ JpegRows::JpegRows(const ByteSource& bytes, const RowRequest& request)
       source.next_input_byte += skipped;
       source.bytes_in_buffer -= skipped;
     } else {  // unread
-      source.offset += skipped - source.bytes_in_buffer;
+      source.bytes.skip(skipped - source.bytes_in_buffer);
       source.bytes_in_buffer = 0;
     }
   };

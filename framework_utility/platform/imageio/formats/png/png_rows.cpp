@@ -1,6 +1,6 @@
 #include <framework_utility/platform/imageio/formats/png/png_rows.h>
 
-#include <framework_utility/platform/foundation/values/data.h>
+#include <framework_utility/platform/foundation/files/byte_stream.h>
 
 #include <algorithm>
 #include <csetjmp>
@@ -22,34 +22,20 @@ void ignoreWarning(png_structp, png_const_charp) {}
 
 /// The file as libpng reads it.
 struct Input {
-  explicit Input(const ByteSource& bytes) : source(bytes) {}
-
-  ByteSource source;
-  std::uint64_t offset = 0;  // of what follows the window
-  Data window;
-  std::size_t used = 0;  // of the window
+  ByteStream stream;
   bool hasEnded = false;
-
-  /// Whether there are bytes in the window, after loading the next when it is used up.
-  bool hasBytes() {
-    constexpr std::size_t size = std::size_t{256} << 10;
-    if (used < window.size()) return true;
-    window = source.bytes(offset, size);
-    offset += window.size();
-    used = 0;
-    return !window.empty();
-  }
 
   static void read(png_structp png, png_bytep bytes, std::size_t count) {
     auto* input = static_cast<Input*>(png_get_io_ptr(png));
     while (count > 0) {
-      if (!input->hasBytes()) {
+      const std::span<const std::byte> ahead = input->stream.ahead();
+      if (ahead.empty()) {
         input->hasEnded = true;
         png_error(png, "the file ends");
       }
-      const std::size_t part = std::min(count, input->window.size() - input->used);
-      std::memcpy(bytes, input->window.data() + input->used, part);
-      input->used += part;
+      const std::size_t part = std::min(count, ahead.size());
+      std::memcpy(bytes, ahead.data(), part);
+      input->stream.take(part);
       bytes += part;
       count -= part;
     }
@@ -61,7 +47,8 @@ struct Input {
 
 class PngRows final : public RowReader {
  public:
-  explicit PngRows(const ByteSource& source) : input_(source) {
+  explicit PngRows(const ByteSource& source)
+      : input_{ByteStream(source)}, fileSize_(source.size()) {
     png_ = png_create_read_struct(PNG_LIBPNG_VER_STRING, nullptr, jumpOut, ignoreWarning);
     if (png_) info_ = png_create_info_struct(png_);
     if (!info_) {
@@ -95,7 +82,7 @@ class PngRows final : public RowReader {
     const int depth = png_get_bit_depth(png_, info_);
     const double bytesPerPixel = depth * png_get_channels(png_, info_) / 8.0;
     if (static_cast<double>(layout_.width) * static_cast<double>(layout_.height) * bytesPerPixel >
-        static_cast<double>(input_.source.size()) * largestExpansion) {
+        static_cast<double>(fileSize_) * largestExpansion) {
       input_.hasEnded = true;
       return false;
     }
@@ -141,6 +128,7 @@ class PngRows final : public RowReader {
   }
 
   Input input_;
+  std::uint64_t fileSize_;
   png_structp png_ = nullptr;
   png_infop info_ = nullptr;
   int passes_ = 1;
