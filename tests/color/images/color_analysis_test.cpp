@@ -288,7 +288,7 @@ TEST_F(ColorAnalysisOfFilesTest, LargeFilesAreReducedFirst) {
 
 TEST_F(ColorAnalysisOfFilesTest, FilesAreReducedByTheirLongerSideAndTurned) {
   const auto lined = [](std::size_t, std::size_t y) { return y % 10 == 9 ? white : red; };
-  for (const auto& [width, height] : {std::pair{400, 40}, {40, 400}}) {
+  for (const auto& [width, height] : {std::pair{400U, 40U}, {40U, 400U}}) {
     const URL url = write("narrow.png", encoded(bitmapOf(width, height, lined), "public.png"));
     EXPECT_EQ(colorsOf(url, low), "FF1E1E") << width << 'x' << height;
   }

@@ -99,9 +99,7 @@ TEST(KeyedArchiveTest, AnObjectThatIsMetAgainIsWrittenOnce) {
   const auto top = std::make_shared<Node>();
   const auto shared = std::make_shared<Leaf>();
   top->next = {shared, shared, std::make_shared<Leaf>()};
-  const auto data = archived(Value(top));
-  ASSERT_TRUE(data);
-  const auto again = nodeIn(unarchived({"Sketch.Node"}, *data));
+  const auto again = nodeIn(unarchived({"Sketch.Node"}, archived(Value(top)).value()));
   ASSERT_TRUE(again);
   ASSERT_EQ(again->next.size(), 3U);
   EXPECT_EQ(again->next[0], again->next[1]);
@@ -246,13 +244,8 @@ TEST(KeyedArchiveTest, KeysOfTheTopAreTheAppsOwnAndTheEndTakesNoMore) {
   const std::optional<Data> data = archiver.encodedData();
   ASSERT_TRUE(data);
   archiver.encodeBool(true, "late");
-  archiver.encodeInt32(1, "late");
-  archiver.encodeInt64(1, "late");
-  archiver.encodeFloat(1, "late");
-  archiver.encodeDouble(1, "late");
   archiver.encodeBytes({}, "late");
   archiver.encodeObject(Value(Error("no", 1)), "late");  // which would be an error
-  archiver.encodeObjects({}, "late");
   Error error;
   EXPECT_EQ(archiver.encodedData(&error), data);
   EXPECT_EQ(error, Error());

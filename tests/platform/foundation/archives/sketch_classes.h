@@ -66,6 +66,11 @@ class Leaf final : public Node {
   std::string_view className() const override { return "Sketch.Leaf"; }
 };
 
+inline const bool nodesAreKnown =
+    registerCodingClass({"Sketch.Node", {}, Node::withCoder<Node>, [] { return true; }}) &&
+    registerCodingClass(
+        {"Sketch.Leaf", {"Sketch.Node"}, Node::withCoder<Leaf>, [] { return true; }});
+
 inline std::shared_ptr<Node> nodeIn(const std::optional<Value>& value) {
   const auto* object = value ? value->as<std::shared_ptr<NSObject>>() : nullptr;
   return object ? std::dynamic_pointer_cast<Node>(*object) : nullptr;

@@ -324,17 +324,13 @@ TEST(FailingFileManagerTest, EachCallCanFailAndTheInnerManagerNeverHearsOfIt) {
 }
 
 TEST(ScopedFileManagerTest, PutsAManagerInTheDefaultOnesPlaceAndNests) {
-  FileManager& system = FileManager::defaultManager();
   const auto outer = makeInMemoryFileManager(), inner = makeInMemoryFileManager();
+  const ScopedFileManager first(*outer);
   {
-    const ScopedFileManager first(*outer);
-    {
-      const ScopedFileManager second(*inner);
-      EXPECT_EQ(&FileManager::defaultManager(), inner.get());
-    }
-    EXPECT_EQ(&FileManager::defaultManager(), outer.get());
+    const ScopedFileManager second(*inner);
+    EXPECT_EQ(&FileManager::defaultManager(), inner.get());
   }
-  EXPECT_EQ(&FileManager::defaultManager(), &system);
+  EXPECT_EQ(&FileManager::defaultManager(), outer.get());
 }
 
 }  // namespace

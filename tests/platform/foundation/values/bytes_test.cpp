@@ -54,17 +54,14 @@ TEST(BytesTest, NothingIsReadPastTheEndWhateverTheOffset) {
   const std::vector<std::byte> bytes(12, std::byte{0xFF});
   for (const std::endian order : orders) {
     const ByteReader reader(bytes, order);
-    for (const std::uint64_t offset : {std::uint64_t{0}, std::uint64_t{4}, std::uint64_t{9},
-                                       std::uint64_t{12}, std::uint64_t{13}, most - 3, most}) {
-      for (const std::uint64_t count :
-           {std::uint64_t{1}, std::uint64_t{4}, std::uint64_t{8}, most - 8, most}) {
+    for (const std::uint64_t offset : {most, most - 3, 0ul, 4ul, 9ul, 12ul, 13ul}) {
+      for (const std::uint64_t count : {most, most - 8, 1ul, 4ul, 8ul}) {
         SCOPED_TRACE(std::to_string(offset) + ", " + std::to_string(count));
         const bool isInside = offset <= 12 && count <= 12 - offset;
         EXPECT_EQ(reader.holds(offset, count), isInside);
         EXPECT_EQ(reader.part(offset, count).size(), isInside ? count : 0);
         EXPECT_EQ(reader.partInside(offset, count).size(),
                   offset > 12 ? 0 : std::min(count, 12 - offset));
-        EXPECT_EQ(reader.at<std::uint8_t>(offset), offset < 12 ? 0xFF : 0);
         EXPECT_EQ(reader.at<std::uint32_t>(offset), offset <= 8 ? 0xFFFFFFFF : 0);
         EXPECT_EQ(reader.at<std::uint64_t>(offset), offset <= 4 ? most : 0);
         if (count > 8) continue;

@@ -42,10 +42,8 @@ TEST(NumberTest, NothingIsRoundedBeforeTheComparison) {
   // clang-format on
   for (const Number& b : ascending) {
     for (const Number& a : ascending) {
-      EXPECT_EQ(a < b, &a < &b) << a << ' ' << b;
-      EXPECT_EQ(a > b, &a > &b) << a << ' ' << b;
+      EXPECT_EQ(a <=> b, &a <=> &b) << a << ' ' << b;
       EXPECT_EQ(a == b, &a == &b) << a << ' ' << b;
-      EXPECT_EQ(a <= b, &a <= &b) << a << ' ' << b;
     }
     for (const auto& [a, c] : {std::pair{b, Number(nan)}, {nan, b}, {nan, nan}}) {
       EXPECT_EQ(a <=> c, std::partial_ordering::unordered) << a << ' ' << c;
@@ -102,7 +100,6 @@ TEST(NumberTextTest, PlainInTheMiddleAndScientificOutside) {
 }
 
 TEST(NumberTextTest, FixedDecimalsRoundCorrectly) {
-  EXPECT_EQ(textOfDouble(2, 1), "2.0");
   EXPECT_EQ(textOfDouble(0.25, 1), "0.2");
   EXPECT_EQ(textOfDouble(0.35, 1), "0.3");  // the double is below
   EXPECT_EQ(textOfDouble(-0.04, 1), "-0.0");
@@ -111,23 +108,11 @@ TEST(NumberTextTest, FixedDecimalsRoundCorrectly) {
   EXPECT_EQ(textOfDouble(-nan, 1), "nan");
 }
 
-TEST(NumberTextTest, ReadsBackAsTheSameDouble) {
-  for (int i = 0; i < 20'000; ++i) {
-    const std::uint64_t high = randomUnsignedInteger();
-    const double value = std::bit_cast<double>(high << 32 | randomUnsignedInteger());
-    if (!std::isfinite(value)) continue;
-    ASSERT_EQ(std::strtod(textOfDouble(value).c_str(), nullptr), value);
-  }
-}
-
 TEST(RandomTest, IdentifiersAreUpperCaseVersion4AndDiffer) {
-  const auto digits = [](int count) { return "[0-9A-F]{" + std::to_string(count) + "}"; };
-  const std::regex form(digits(8) + "-" + digits(4) + "-4" + digits(3) + "-[89AB]" + digits(3) +
-                        "-" + digits(12));
+  const std::regex form("[0-9A-F]{8}-[0-9A-F]{4}-4[0-9A-F]{3}-[89AB][0-9A-F]{3}-[0-9A-F]{12}");
   std::set<std::string> seen;
   for (int i = 0; i < 200; ++i) {
-    const std::string identifier = *seen.insert(newUUIDString()).first;
-    EXPECT_TRUE(std::regex_match(identifier, form)) << identifier;
+    EXPECT_TRUE(std::regex_match(*seen.insert(newUUIDString()).first, form));
   }
   EXPECT_EQ(seen.size(), 200u);
 }

@@ -1,10 +1,17 @@
+#include <framework_utility/platform/foundation/values/error.h>
+#include <framework_utility/platform/foundation/values/fail.h>
 #include <framework_utility/platform/foundation/values/object.h>
+#include <framework_utility/platform/foundation/values/stop.h>
 #include <framework_utility/platform/foundation/values/value.h>
+#include <tests/support/is_error.h>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <array>
+#include <sstream>
+#include <type_traits>
+#include <utility>
 
 namespace FrameworkUtility {
 namespace {
@@ -59,16 +66,6 @@ TEST(DictionaryTest, KeysOfConstantsAreOrdinaryKeys) {
   EXPECT_EQ(copy, (Dictionary{{name, 2}}));
   EXPECT_EQ(copy.begin()->key.text()->data(), name.data());  // not copied
   EXPECT_EQ(Key(name), Key::withConstant(name));
-}
-
-TEST(DictionaryTest, SubdictionaryReplacesWhatIsNone) {
-  Dictionary dictionary{{"{TIFF}", 1}, {"{GPS}", Dictionary{{"a", 1}}}};
-  dictionary.subdictionary("{TIFF}").set("Make", "x");
-  dictionary.subdictionary("{GPS}").set("b", 2);
-  dictionary.subdictionary("{Exif}").set("c", 3);
-  EXPECT_EQ(dictionary, (Dictionary{{"{Exif}", Dictionary{{"c", 3}}},
-                                    {"{GPS}", Dictionary{{"b", 2}, {"a", 1}}},
-                                    {"{TIFF}", Dictionary{{"Make", "x"}}}}));
 }
 
 TEST(DictionaryTest, EqualityIgnoresOrderButNotKeysOrValues) {
@@ -132,18 +129,87 @@ TEST(DataTest, ComparesBytesAndSharesThem) {
 
 TEST(ClockTest, ScopesNest) {
   struct FixedClock : Clock {
-    Date now() const override { return date; }
-    Date date;
+    explicit FixedClock(Date date) : date_(date) {}
+    Date now() const override { return date_; }
+    Date date_;
   };
-  FixedClock first, second;
-  first.date = Date(1s);
-  second.date = Date(2s);
+  const FixedClock first(Date(1s)), second(Date(2s));
   const ScopedClock outer(first);
   {
     const ScopedClock inner(second);
     EXPECT_EQ(Clock::current().now(), Date(2s));
   }
   EXPECT_EQ(Clock::current().now(), Date(1s));
+}
+
+// Of a temporary, nothing refers to it.
+static_assert(!std::is_reference_v<decltype(std::declval<Error>().domain())>);
+static_assert(!std::is_reference_v<decltype(std::declval<Error>().userInfo())>);
+
+constexpr ErrorCode noFile{"DiskDomain", 5, "No file."};
+
+TEST(ErrorTest, DomainAndCodeDecideWhatItIs) {
+  const Error error("DiskDomain", 5, {{NSLocalizedDescriptionKey, "No file."}});
+  EXPECT_THAT(error, testing::IsError(noFile));
+  EXPECT_TRUE(error.is(noFile));
+  EXPECT_FALSE(Error("DiskDomain", 6).is(noFile) || Error("diskDomain", 5).is(noFile));
+  std::ostringstream out;
+  out << error << Error("D", -7).localizedDescription();
+  EXPECT_EQ(out.str(),
+            "Error Domain=DiskDomain Code=5 \"No file.\""
+            "The operation couldn’t be completed. (D error -7.)");
+}
+
+TEST(ErrorTest, EqualityLooksAtAllUserInformation) {
+  const Error cause("E", 1);
+  const Error error("D", 1, {{"Path", "/a"}, {NSUnderlyingErrorKey, cause}});
+  EXPECT_EQ(error, Error("D", 1, {{NSUnderlyingErrorKey, cause}, {"Path", "/a"}}));
+  for (const Error& other :
+       {Error("D", 1, {{NSUnderlyingErrorKey, Error("E", 2)}, {"Path", "/a"}}),
+        Error("D", 1, {{NSUnderlyingErrorKey, cause}, {"Path", "/b"}}),
+        Error("D", 1, {{NSUnderlyingErrorKey, "text"}, {"Path", "/a"}}),
+        Error("D", 2, {{NSUnderlyingErrorKey, cause}, {"Path", "/a"}}),
+        Error("E", 1, {{NSUnderlyingErrorKey, cause}, {"Path", "/a"}}), Error("D", 1)}) {
+    EXPECT_FALSE(error == other) << other;
+  }
+  EXPECT_EQ(Error(), Error("", 0));
+}
+
+TEST(ErrorTest, AMillionCausesAreComparedAndFreedWithoutRecursion) {
+  constexpr int length = 1'000'000;
+  const auto chainOfCauses = [](std::int64_t lastCode) {
+    Error error("Last", lastCode);
+    for (int i = 0; i < length; ++i) error = Error("Chain", i, {{NSUnderlyingErrorKey, error}});
+    return error;
+  };
+  Error error = chainOfCauses(1);
+  EXPECT_EQ(error, chainOfCauses(1));
+  EXPECT_FALSE(error == chainOfCauses(2));
+  Error cause = *error.underlyingError();
+  error = Error();
+  EXPECT_EQ(cause.code(), length - 2);  // what others hold lives on
+  int depth = 0;
+  for (std::optional<Error> next = cause; next; next = next->underlyingError()) ++depth;
+  EXPECT_EQ(depth, length);
+}
+
+TEST(ErrorTest, AFailureIsTheEmptyResultOfWhateverFailed) {
+  Error error;
+  EXPECT_FALSE(detail::fail(&error, noFile, "", {{"Path", "/a"}}));
+  EXPECT_EQ(error,
+            Error("DiskDomain", 5, {{NSLocalizedDescriptionKey, "No file."}, {"Path", "/a"}}));
+  // None of what can be made of a flag, a number or null.
+  EXPECT_FALSE(std::optional<int>(detail::fail(nullptr, noFile)));
+  EXPECT_FALSE(std::optional<std::string>(detail::fail(nullptr, noFile)));
+  EXPECT_FALSE(std::optional<std::vector<std::byte>>(detail::fail(nullptr, noFile)));
+  EXPECT_FALSE(std::optional<Value>(detail::fail(nullptr, noFile)));
+  EXPECT_FALSE(std::unique_ptr<Value>(detail::fail(nullptr, noFile)));
+  EXPECT_TRUE(detail::platformError({"Domain", 7, ""}).userInfo().empty());
+}
+
+TEST(StopTest, PrintsOneLineAndAborts) {
+  EXPECT_EXIT(stop("Nothing can be\nmeant by this."), ::testing::KilledBySignal(SIGABRT),
+              "^Nothing can be\nmeant by this.\n$");
 }
 
 }  // namespace
