@@ -80,7 +80,7 @@ TEST(ImageSource, NamesTheProfile) {
   const auto nameOf = [](const CGColorSpace& space) {
     const auto source = CGImageSource::createWithData(
         jpegOf(makeImage(8, 8, space, CGImageAlphaInfo::noneSkipLast, [](std::size_t, std::size_t) {
-          return Pixel{1, 2, 3, 255};
+          return Bytes{1, 2, 3, 255};
         })));
     const Dictionary properties = *source->propertiesAtIndex(0);
     const auto* name = properties.get<std::string>(kCGImagePropertyProfileName);
@@ -98,7 +98,7 @@ TEST(ImageSource, LargeFileIsTheSameFromDiskAndMemory) {
   std::string bytes = textOf(jpegOf(makeImage(
       1200, 900, CGColorSpace::createDeviceRGB(), CGImageAlphaInfo::noneSkipLast,
       [](std::size_t x, std::size_t y) {
-        return Pixel{static_cast<std::uint8_t>(x * y), static_cast<std::uint8_t>(x ^ y), 7, 255};
+        return Bytes{static_cast<std::uint8_t>(x * y), static_cast<std::uint8_t>(x ^ y), 7, 255};
       })));
   bytes.insert(2, jpegSegment(0xE5, std::string(50'000, 'x')) +
                       jpegSegment(0xE1, "http://ns.adobe.com/xap/1.0/\0"s + "<x:xmpmeta/>"));

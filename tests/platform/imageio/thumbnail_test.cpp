@@ -19,7 +19,7 @@ std::optional<CGImage> thumbnail(const Data& file, const CGImageSourceThumbnailO
 CGImage orange(std::size_t width, std::size_t height) {
   return makeImage(width, height, CGColorSpace::createDeviceRGB(), CGImageAlphaInfo::noneSkipLast,
                    [](std::size_t, std::size_t) {
-                     return Pixel{255, 128, 0, 255};
+                     return Bytes{255, 128, 0, 255};
                    });
 }
 
@@ -128,7 +128,7 @@ TEST(Thumbnail, IsTheAverageOfItsArea) {
   // Stripes of one pixel, which skipping pixels would turn black or white.
   const CGImage stripes = makeImage(640, 480, CGColorSpace::createDeviceGray(),
                                     CGImageAlphaInfo::none, [](std::size_t x, std::size_t) {
-                                      return Pixel{x % 2 ? std::uint8_t{255} : std::uint8_t{0}};
+                                      return Bytes{x % 2 ? std::uint8_t{255} : std::uint8_t{0}};
                                     });
   for (const int size : {500, 320, 170, 80, 40}) {
     const auto image = thumbnail(jpegOf(stripes), {.thumbnailMaxPixelSize = size});

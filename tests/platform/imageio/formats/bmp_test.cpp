@@ -8,15 +8,20 @@
 #include <cmath>
 #include <string>
 
-namespace FrameworkUtility {
+namespace FrameworkUtility::testing {
 namespace {
 
 using detail::bmpFormat;
 using detail::RowState;
-using testing::Pixel;
 using enum CGImageSourceStatus;
 using Bytes = std::vector<std::uint8_t>;
 using Masks = std::array<std::uint32_t, 4>;
+
+detail::ImageHeader headerOf(const Data& file) { return testing::headerOf(bmpFormat, file); }
+
+std::optional<CGImage> decoded(const Data& file, std::size_t maxPixelSize = 0) {
+  return decodedBy(bmpFormat, file, maxPixelSize);
+}
 
 struct BmpFile {
   std::uint32_t header = 40;
@@ -32,10 +37,10 @@ struct BmpFile {
   std::size_t rowSize() const { return static_cast<std::size_t>(width * bits + 7) / 8; }
   std::size_t stride() const { return (rowSize() + 3) / 4 * 4; }
   std::size_t rows() const { return static_cast<std::size_t>(std::abs(height)); }
-  Bytes stored() const { return pixels.empty() ? testing::noise(stride() * rows()) : pixels; }
+  Bytes stored() const { return pixels.empty() ? noise(stride() * rows()) : pixels; }
   std::size_t colorSize() const { return header == 12 ? 3 : 4; }
   Bytes palette() const {
-    return bits > 8 ? Bytes() : testing::noise((colors ? colors : 1U << bits) * colorSize(), 5);
+    return bits > 8 ? Bytes() : noise((colors ? colors : 1U << bits) * colorSize(), 5);
   }
 
   Bytes bytes() const {
@@ -68,7 +73,7 @@ struct BmpFile {
     }
     return file;
   }
-  Data data() const { return testing::dataOf(bytes()); }
+  Data data() const { return dataOf(bytes()); }
 };
 
 Pixel colorOf(const BmpFile& file, std::size_t index) {
@@ -82,7 +87,7 @@ Pixel colorOf(const BmpFile& file, std::size_t index) {
 Pixel expectedAt(const BmpFile& file, const std::uint8_t* row, std::size_t x, const Masks& masks) {
   const auto bits = static_cast<std::size_t>(file.bits);
   if (bits <= 8) {
-    return colorOf(file, row[x * bits / 8] >> (8 - bits - x * bits % 8) & ((1U << bits) - 1));
+    return colorOf(file, sampleOf(row, x, bits));
   }
   std::uint32_t number = 0;
   for (std::size_t i = bits / 8; i-- > 0;) number = number << 8 | row[x * bits / 8 + i];
@@ -135,19 +140,19 @@ TEST(BmpTest, ReadsEveryKind) {
       SCOPED_TRACE(::testing::Message() << file.header << ' ' << file.bits << ' '
                                         << file.compression << std::hex << ' ' << file.masks[0]);
       if (isTopDown) std::tie(file.height, file.gap) = std::pair(-file.height, Bytes{1, 2, 3});
-      const detail::ImageHeader header = testing::headerOf(bmpFormat, file.data());
+      const detail::ImageHeader header = headerOf(file.data());
       EXPECT_EQ(header.hasAlpha, masks[3] != 0);
       EXPECT_EQ(header.isIndexed, file.bits <= 8);
       EXPECT_EQ(header.formatProperties, file.header < 40 ? Dictionary() : resolution);
-      EXPECT_EQ(header.iccProfile, testing::dataOf(file.header == 124 ? file.gap : Bytes()));
-      const auto image = testing::decodedBy(bmpFormat, file.data());
+      EXPECT_EQ(header.iccProfile, dataOf(file.header == 124 ? file.gap : Bytes()));
+      const auto image = decoded(file.data());
       ASSERT_TRUE(image);
       EXPECT_EQ(image->alphaInfo() == CGImageAlphaInfo::last, masks[3] != 0);
       const Bytes stored = file.stored();
       for (std::size_t y = 0; y < image->height(); ++y) {
         const std::size_t row = isTopDown ? y : image->height() - 1 - y;
         for (std::size_t x = 0; x < image->width(); ++x) {
-          Pixel read = testing::pixelAt(*image, x, y);
+          Pixel read = pixelAt(*image, x, y);
           Pixel expected = expectedAt(file, &stored[row * file.stride()], x, masks);
           if (masks[3] == 0) read[3] = expected[3] = 255;
           ASSERT_EQ(read, expected) << x << ' ' << y;
@@ -202,29 +207,33 @@ TEST(BmpTest, AFileThatIsCutHasNoPixels) {
     const Data all = file.data();
     for (std::size_t size = 0; size <= all.size(); ++size) {
       SCOPED_TRACE(size);
-      const Data cut(std::span(all.data(), size));
-      EXPECT_EQ(testing::headerOf(bmpFormat, cut).status,
-                size < 2                                    ? unknownType
-                : size + file.stored().size() <= all.size() ? incomplete
-                                                            : complete);
-      EXPECT_EQ(testing::decodedBy(bmpFormat, cut).has_value(), size + padding >= all.size());
+      const Data cut = cutAt(size, all);
+      EXPECT_EQ(headerOf(cut).status, size < 2                                    ? unknownType
+                                      : size + file.stored().size() <= all.size() ? incomplete
+                                                                                  : complete);
+      EXPECT_EQ(decoded(cut).has_value(), size + padding >= all.size());
     }
   }
 }
 
 TEST(BmpTest, RefusesWhatContradictsItself) {
-  const auto status = [](const BmpFile& file, std::size_t place = 0, std::uint8_t byte = 'B') {
+  const Bytes some(64);
+  const struct {
+    BmpFile file;
+    std::size_t place;  // of a byte that is another
+    std::uint8_t byte;
+    CGImageSourceStatus status;
+  } cases[] = {{{.width = -1, .pixels = some}, 0, 'B', invalidData},
+               {{.height = 0, .pixels = some}, 0, 'B', invalidData},
+               {{}, 10, 53, invalidData},  // pixels inside the header
+               {{}, 13, 1, incomplete},    // and beyond the file
+               {{}, 14, 41, unknownType},  // a header of 41 bytes
+               {{}, 0, 'b', unknownType}};
+  for (const auto& [file, place, byte, status] : cases) {
     Bytes bytes = file.bytes();
     bytes[place] = byte;
-    return testing::headerOf(bmpFormat, testing::dataOf(bytes)).status;
-  };
-  const Bytes some(64);
-  EXPECT_EQ(status({.width = -1, .pixels = some}), invalidData);
-  EXPECT_EQ(status({.height = 0, .pixels = some}), invalidData);
-  EXPECT_EQ(status({}, 10, 53), invalidData);  // pixels inside the header
-  EXPECT_EQ(status({}, 13, 1), incomplete);    // and beyond the file
-  EXPECT_EQ(status({}, 14, 41), unknownType);  // a header of 41 bytes
-  EXPECT_EQ(status({}, 0, 'b'), unknownType);
+    EXPECT_EQ(headerOf(dataOf(bytes)).status, status);
+  }
   EXPECT_EQ(bmpFormat.create("com.microsoft.bmp", 1), nullptr);
 
   using enum RowState;
@@ -240,10 +249,10 @@ TEST(BmpTest, RefusesWhatContradictsItself) {
         // More than the limits, which are asked above.
         {{.bits = 8, .compression = 1, .width = large, .height = large, .pixels = some}, whole}}) {
     EXPECT_EQ(bmpFormat.open(detail::ByteSource(file.data()))->rowsAt(0, {})->state(), state);
-    EXPECT_FALSE(testing::decodedBy(bmpFormat, file.data()));
-    EXPECT_FALSE(testing::decodedReducedBy(bmpFormat, file.data(), 9));
+    EXPECT_FALSE(decoded(file.data()));
+    EXPECT_FALSE(decoded(file.data(), 9));
   }
 }
 
 }  // namespace
-}  // namespace FrameworkUtility
+}  // namespace FrameworkUtility::testing

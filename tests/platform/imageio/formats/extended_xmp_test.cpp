@@ -18,7 +18,6 @@ namespace {
 
 using detail::ByteSource;
 using detail::EncodeRequest;
-using detail::ImageHeader;
 using detail::XmpParts;
 
 using namespace std::string_literals;
@@ -31,9 +30,20 @@ std::string packetOf(std::string_view descriptions, std::string_view declaration
 
 const std::string tiff = " xmlns:tiff='http://ns.adobe.com/tiff/1.0/'";
 
-// What a packet says, in no order: each property of the tables and its text.
-std::multimap<std::string, std::string> said(const Data& packet) {
-  std::multimap<std::string, std::string> result;
+/// Of one description with these attributes, the TIFF names declared.
+Data described(const std::string& attributes) {
+  return dataOf(packetOf("<rdf:Description" + tiff + attributes + "/>"));
+}
+
+/// A description that asks for the extension of this name.
+std::string asking(const std::string& name) {
+  return " xmlns:n='http://ns.adobe.com/xmp/note/' n:HasExtendedXMP='" + name + "'";
+}
+
+/// What a packet says, in no order: each property of the tables and its text.
+using Said = std::multimap<std::string, std::string>;
+Said said(const Data& packet) {
+  Said result;
   detail::MetadataBudget budget;
   const auto properties = detail::parseXmpPacket(textOf(packet), budget);
   EXPECT_TRUE(properties);
@@ -43,17 +53,16 @@ std::multimap<std::string, std::string> said(const Data& packet) {
   return result;
 }
 
-ImageHeader jpegOf(const Data& xmp, const Data& extendedXmp = {}) {
+MetadataBlocks savedBy(const detail::ImageFormat& format, const Data& xmp,
+                       const Data& extendedXmp = {}) {
   EncodeRequest request;
   request.blocks.xmp = xmp;
   request.blocks.extendedXmp = extendedXmp;
-  return headerOf(detail::jpegFormat, encodedBy(detail::jpegFormat, quarters(16, 16), request));
+  return headerOf(format, encodedBy(format, quarters(16, 16), request)).blocks;
 }
 
 TEST(ExtendedXmp, OnePacketSaysWhatTwoDid) {
-  const Data main = dataOf(packetOf("<rdf:Description" + tiff +
-                                    " xmlns:n='http://ns.adobe.com/xmp/note/' tiff:Make='M'"
-                                    " n:HasExtendedXMP='0123'/>\n"));
+  const Data main = described(" tiff:Make='M'" + asking("0123"));
   const struct {
     const char* what;
     std::string extension;
@@ -71,9 +80,8 @@ TEST(ExtendedXmp, OnePacketSaysWhatTwoDid) {
                 " xmlns:x='http://ns.adobe.com/tiff/1.0/'")}};
   for (const auto& [what, extension] : cases) {
     SCOPED_TRACE(what);
-    const Data joined = detail::joinedXmp(main, dataOf(extension));
-    EXPECT_EQ(said(joined), (std::multimap<std::string, std::string>{
-                                {"Make", "M"}, {"Model", "<N"}, {"Software", "S"}}));
+    EXPECT_EQ(said(detail::joinedXmp(main, dataOf(extension))),
+              (Said{{"Make", "M"}, {"Model", "<N"}, {"Software", "S"}}));
   }
   for (const std::string& other : {"no packet"s, "<a/>"s, packetOf("").substr(1)}) {
     EXPECT_EQ(detail::joinedXmp(main, dataOf(other)), main);
@@ -97,8 +105,7 @@ TEST(ExtendedXmp, TheLongestPropertiesMove) {
                       tiff));
   const std::optional<XmpParts> parts = detail::splitXmp(packet, packet.size() - 600);
   ASSERT_TRUE(parts);
-  EXPECT_EQ(said(parts->packet),
-            (std::multimap<std::string, std::string>{{"Make", "M"}, {"Artist", "A"}}));
+  EXPECT_EQ(said(parts->packet), (Said{{"Make", "M"}, {"Artist", "A"}}));
   EXPECT_EQ(said(detail::joinedXmp(parts->packet, parts->extension)), said(packet));
   EXPECT_FALSE(detail::splitXmp(packet, 100));
   EXPECT_FALSE(detail::splitXmp(dataOf("no packet"), 4));
@@ -107,40 +114,33 @@ TEST(ExtendedXmp, TheLongestPropertiesMove) {
 TEST(ExtendedXmp, EveryLengthComesBackFromAJpeg) {
   for (const std::size_t size : {65'000U, 65'290U, 65'305U, 65'600U, 200'000U}) {
     SCOPED_TRACE(size);
-    const Data packet = dataOf(packetOf("<rdf:Description" + tiff + " tiff:Make='M' tiff:Model='" +
-                                        std::string(size, 'm') + "'/>"));
-    const MetadataBlocks read = jpegOf(packet).blocks;
+    const Data packet = described(" tiff:Make='M' tiff:Model='" + std::string(size, 'm') + "'");
+    const MetadataBlocks read = savedBy(detail::jpegFormat, packet);
     EXPECT_EQ(read.extendedXmp.empty(), packet.size() <= 65'504);
     EXPECT_EQ(said(detail::joinedXmp(read.xmp, read.extendedXmp)), said(packet));
     // A file that is saved from it has the same two packets, the name of the second included.
-    const MetadataBlocks again = jpegOf(read.xmp, read.extendedXmp).blocks;
+    const MetadataBlocks again = savedBy(detail::jpegFormat, read.xmp, read.extendedXmp);
     EXPECT_EQ(again.xmp, read.xmp);
     EXPECT_EQ(again.extendedXmp, read.extendedXmp);
   }
 }
 
 TEST(ExtendedXmp, TheNameIsTheDigest) {
-  const Data main = dataOf(packetOf("<rdf:Description/>"));
-  const ImageHeader header = jpegOf(main, dataOf("abc"));
-  EXPECT_EQ(detail::xmpExtensionName(header.blocks.xmp), "900150983CD24FB0D6963F7D28E17F72");
-  EXPECT_EQ(textOf(header.blocks.extendedXmp), "abc");
+  const MetadataBlocks blocks = savedBy(detail::jpegFormat, described(""), dataOf("abc"));
+  EXPECT_EQ(detail::xmpExtensionName(blocks.xmp), "900150983CD24FB0D6963F7D28E17F72");
+  EXPECT_EQ(textOf(blocks.extendedXmp), "abc");
 }
 
 TEST(ExtendedXmp, APngHoldsOnePacket) {
-  EncodeRequest request;
-  request.blocks.xmp = dataOf(packetOf("<rdf:Description" + tiff + " tiff:Make='M'/>"));
-  request.blocks.extendedXmp = dataOf(
-      packetOf("<rdf:Description" + tiff + " tiff:Model='" + std::string(70'000, 'm') + "'/>"));
-  const ImageHeader header =
-      headerOf(detail::pngFormat, encodedBy(detail::pngFormat, quarters(16, 16), request));
-  EXPECT_EQ(said(header.blocks.xmp).size(), 2U);
+  const Data extension = described(" tiff:Model='" + std::string(70'000, 'm') + "'");
+  const Data xmp = savedBy(detail::pngFormat, described(" tiff:Make='M'"), extension).xmp;
+  EXPECT_EQ(said(xmp).size(), 2U);
 }
 
 TEST(ExtendedXmp, AChangeReachesTheExtension) {
   MetadataBlocks blocks;
-  blocks.xmp = dataOf(packetOf(
-      "<rdf:Description xmlns:n='http://ns.adobe.com/xmp/note/' n:HasExtendedXMP='0123'/>"));
-  blocks.extendedXmp = dataOf(packetOf("<rdf:Description" + tiff + " tiff:Make='M'/>"));
+  blocks.xmp = described(asking("0123"));
+  blocks.extendedXmp = described(" tiff:Make='M'");
   Dictionary properties;
   detail::readMetadata(blocks, properties);
   EXPECT_EQ(properties, (Dictionary{{"{TIFF}", Dictionary{{"Make", "M"}}}}));
@@ -153,14 +153,11 @@ TEST(ExtendedXmp, AChangeReachesTheExtension) {
 
 TEST(ExtendedXmp, PortionsThatDoNotFitTogetherAreNone) {
   const std::string name(32, 'A');
-  const Data main = dataOf(
-      packetOf("<rdf:Description xmlns:n='http://ns.adobe.com/xmp/note/' n:HasExtendedXMP='" +
-               name + "'/>"));
-  const auto portion = [&](std::size_t length, std::size_t offset, std::string_view bytes,
-                           std::string_view other = {}) {
-    return jpegSegment(0xE1, "http://ns.adobe.com/xmp/extension/\0"s +
-                                 (other.empty() ? name : std::string(other)) + "\0\0"s +
-                                 u16(length) + "\0\0"s + u16(offset) + std::string(bytes));
+  const Data main = described(asking(name));
+  const auto portion = [&](std::size_t length, std::size_t offset, const std::string& bytes,
+                           char letter = 'A') {
+    return jpegSegment(0xE1, "http://ns.adobe.com/xmp/extension/\0"s + std::string(32, letter) +
+                                 "\0\0"s + u16(length) + "\0\0"s + u16(offset) + bytes);
   };
   const struct {
     const char* what;
@@ -169,7 +166,7 @@ TEST(ExtendedXmp, PortionsThatDoNotFitTogetherAreNone) {
       {"one", portion(3, 0, "abc"), "abc"},
       {"in any order", portion(5, 3, "de") + portion(5, 0, "abc"), "abcde"},
       {"twice", portion(3, 0, "xxx") + portion(3, 0, "abc"), "abc"},
-      {"of another name", portion(3, 0, "abc") + portion(9, 3, "d", std::string(32, 'B')), "abc"},
+      {"of another name", portion(3, 0, "abc") + portion(9, 3, "d", 'B'), "abc"},
       {"cut head",
        portion(3, 0, "abc") + jpegSegment(0xE1, "http://ns.adobe.com/xmp/extension/\0AA"s), "abc"},
       {"the end is missing", portion(5, 0, "abc"), ""},

@@ -14,7 +14,7 @@
 #include <array>
 #include <string>
 
-namespace FrameworkUtility {
+namespace FrameworkUtility::testing {
 namespace {
 
 using detail::AlphaForm;
@@ -23,11 +23,6 @@ using detail::EncodeRequest;
 using detail::ImageHeader;
 using detail::pngFormat;
 using detail::RGBARows;
-using testing::dataOf;
-using testing::layoutOf;
-using testing::noise;
-using testing::PngFile;
-using testing::PngPicture;
 using enum CGImageAlphaInfo;
 
 using Pixels = std::vector<std::uint16_t>;
@@ -42,7 +37,7 @@ Pixels pixelsOf(const CGImage& image, AlphaForm form = AlphaForm::straight) {
       rows->read(y, &pixels[y * rowLength]);
       continue;
     }
-    testing::Bytes row(rowLength);
+    Bytes row(rowLength);
     rows->read(y, row.data());
     std::transform(row.begin(), row.end(), &pixels[y * rowLength],
                    [](std::uint8_t v) { return static_cast<std::uint16_t>(v * 257); });
@@ -52,10 +47,18 @@ Pixels pixelsOf(const CGImage& image, AlphaForm form = AlphaForm::straight) {
 
 ImageHeader headerOf(const Data& file) { return testing::headerOf(pngFormat, file); }
 
-std::optional<CGImage> decoded(const Data& file) { return testing::decodedBy(pngFormat, file); }
+std::optional<CGImage> decoded(const Data& file, std::size_t maxPixelSize = 0) {
+  return decodedBy(pngFormat, file, maxPixelSize);
+}
 
-std::optional<CGImage> decodedReduced(const Data& file, std::size_t maxPixelSize) {
-  return testing::decodedReducedBy(pngFormat, file, maxPixelSize);
+CGImage imageOf(const CGImageLayout& layout, const CGColorSpace& space) {
+  return CGImage::create(layout, space, dataOf(noise(layout.bytesPerRow * layout.height))).value();
+}
+
+/// A file of one grey pixel.
+Data encoded(const EncodeRequest& request) {
+  const CGImage image = imageOf(layoutOf(1, 1, 1, none), CGColorSpace::createDeviceGray());
+  return encodedBy(pngFormat, image, request);
 }
 
 std::size_t samplesPerPixel(int colorType) {
@@ -64,11 +67,7 @@ std::size_t samplesPerPixel(int colorType) {
 
 std::size_t sampleAt(const PngPicture& picture, std::size_t y, std::size_t index) {
   const std::size_t rowBytes = picture.rows.size() / picture.height;
-  const auto depth = static_cast<std::size_t>(picture.depth);
-  const std::uint8_t* row = &picture.rows[y * rowBytes];
-  if (depth == 16) return std::size_t{row[2 * index]} << 8 | row[2 * index + 1];
-  const std::size_t bit = index * depth;
-  return row[bit / 8] >> (8 - depth - bit % 8) & ((1U << depth) - 1);
+  return sampleOf(&picture.rows[y * rowBytes], index, static_cast<std::size_t>(picture.depth));
 }
 
 /// The pixels by the format's definition, with 16 bits.
@@ -99,12 +98,7 @@ Pixels expectedPixels(const PngPicture& picture) {
 }
 
 PngPicture pictureOf(int depth, int colorType, bool isInterlaced, bool hasTransparency) {
-  PngPicture picture;
-  picture.width = 19;
-  picture.height = 13;
-  picture.depth = depth;
-  picture.colorType = colorType;
-  picture.isInterlaced = isInterlaced;
+  PngPicture picture{19, 13, depth, colorType, isInterlaced, {}, {}, {}, {}};
   const std::size_t bits =
       picture.width * samplesPerPixel(colorType) * static_cast<std::size_t>(depth);
   picture.rows = noise((bits + 7) / 8 * picture.height);
@@ -141,8 +135,8 @@ TEST(PngPixelsTest, ReadsEveryKind) {
           ASSERT_EQ(pixelsOf(*image), expectedPixels(picture));
 
           // 16 bits are rounded before they are averaged here, and after it there.
-          const auto reduced = decodedReduced(file, 8);
-          const auto expected = testing::reducedImage(*image, 8);
+          const auto reduced = decoded(file, 8);
+          const auto expected = reducedImage(*image, 8);
           ASSERT_TRUE(reduced && expected);
           ASSERT_EQ(reduced->width(), 8U);
           ASSERT_EQ(reduced->height(), 5U);
@@ -157,25 +151,25 @@ TEST(PngPixelsTest, ReadsEveryKind) {
 
 TEST(PngPixelsTest, DamagedPixelsAreNone) {
   const Data file = writtenByLibpng(pictureOf(8, 6, false, false));
-  const testing::Bytes good = testing::bytesOf(file);
+  const Bytes good = bytesOf(file);
   const std::string_view type = "IDAT";
   const auto pixels = static_cast<std::size_t>(
       std::search(good.begin(), good.end(), type.begin(), type.end()) - good.begin());
   const std::size_t end = good.size() - 12;  // of the pixels' chunk
   ASSERT_TRUE(decoded(file));
   for (std::size_t i = pixels + 4; i < end; ++i) {
-    testing::Bytes bytes = good;
+    Bytes bytes = good;
     bytes[i] ^= 0x10;
     EXPECT_FALSE(decoded(dataOf(bytes))) << i;
-    EXPECT_FALSE(decodedReduced(dataOf(bytes), 3)) << i;
+    EXPECT_FALSE(decoded(dataOf(bytes), 3)) << i;
   }
   for (std::size_t size = pixels + 4; size < end; ++size) {
-    const Data cut = dataOf({good.begin(), good.begin() + static_cast<std::ptrdiff_t>(size)});
+    const Data cut = cutAt(size, file);
     EXPECT_EQ(headerOf(cut).status, CGImageSourceStatus::complete);
     EXPECT_FALSE(decoded(cut)) << size;
   }
   // What is behind the pixels harms none of them.
-  EXPECT_TRUE(decoded(dataOf({good.begin(), good.begin() + static_cast<std::ptrdiff_t>(end)})));
+  EXPECT_TRUE(decoded(cutAt(end, file)));
 }
 
 TEST(PngPixelsTest, BelievesNoSizeThatTheFileCannotHold) {
@@ -183,7 +177,7 @@ TEST(PngPixelsTest, BelievesNoSizeThatTheFileCannotHold) {
     const Data file = PngFile().header(side, side, 16, 6).pixelAndEnd().data();
     EXPECT_EQ(headerOf(file).status, CGImageSourceStatus::complete);
     EXPECT_FALSE(decoded(file));
-    EXPECT_FALSE(decodedReduced(file, 100));
+    EXPECT_FALSE(decoded(file, 100));
   }
 }
 
@@ -195,8 +189,7 @@ TEST(PngPixelsTest, WritesWhatItReadsBack) {
     CGColorSpace space;
     CGImageLayout layout;
   };
-  constexpr std::size_t w = 31;
-  constexpr std::size_t h = 9;
+  constexpr std::size_t w = 31, h = 9;
   for (const Case& c : {Case{gray, layoutOf(w, h, 1, none)},
                         {gray, layoutOf(w, h, 2, last)},
                         {gray, layoutOf(w, h, 1, none, 16, Order::little16)},
@@ -214,24 +207,21 @@ TEST(PngPixelsTest, WritesWhatItReadsBack) {
     SCOPED_TRACE(::testing::Message()
                  << c.space.numberOfComponents() << " components, " << c.layout.bitsPerPixel
                  << " bits a pixel, alpha " << static_cast<std::uint32_t>(c.layout.alphaInfo));
-    const auto image = CGImage::create(c.layout, c.space, dataOf(noise(c.layout.bytesPerRow * h)));
-    const Data file = testing::encodedBy(pngFormat, image.value());
-    const auto back = decoded(file);
+    const CGImage image = imageOf(c.layout, c.space);
+    const auto back = decoded(encodedBy(pngFormat, image));
     ASSERT_TRUE(back);
     EXPECT_EQ(back->layout().bitsPerComponent, c.layout.bitsPerComponent);
-    const bool isGray = c.space == gray;
-    EXPECT_EQ(back->colorSpace(), isGray ? gray : rgb);
-    EXPECT_EQ(pixelsOf(*back), pixelsOf(*image));
+    EXPECT_EQ(back->colorSpace(), c.space == gray ? gray : rgb);
+    EXPECT_EQ(pixelsOf(*back), pixelsOf(image));
   }
 }
 
 TEST(PngPixelsTest, WritesMetadataThatItReadsBack) {
   const CGColorSpace p3 = CGColorSpace::createWithName(kCGColorSpaceDisplayP3).value();
-  const auto image = CGImage::create(layoutOf(4, 4, 3, none), p3, dataOf(noise(48)));
   EncodeRequest request;
   request.iccProfile = p3.iccData().value();
-  request.blocks.exif = dataOf({'I', 'I', '*', 0, 8, 0, 0, 0, 0, 0});
-  request.blocks.xmp = dataOf({'<', 'x', '/', '>'});
+  request.blocks.exif = dataOf("II*_exif");
+  request.blocks.xmp = dataOf("<x/>");
   request.blocks.imageResources = dataOf(noise(100));
   const Dictionary png{{"Title", "caf\u00E9"},
                        {"Author", "\u65E5\u672C"},
@@ -240,8 +230,7 @@ TEST(PngPixelsTest, WritesMetadataThatItReadsBack) {
                        {"Gamma", 7},
                        {"Unheard of", "text"}};
   request.properties = Dictionary{{"DPIWidth", 300}, {"DPIHeight", 150.5}, {"{PNG}", png}};
-  const Data file = testing::encodedBy(pngFormat, image.value(), request);
-
+  const Data file = encodedBy(pngFormat, imageOf(layoutOf(4, 4, 3, none), p3), request);
   const ImageHeader header = headerOf(file);
   EXPECT_EQ(header.status, CGImageSourceStatus::complete);
   EXPECT_EQ(header.iccProfile, request.iccProfile);
@@ -280,7 +269,7 @@ std::vector<std::string> chunksOf(const Data& file) {
 
 TEST(PngPixelsTest, TextsAndWhatMayBeCopiedComeBack) {
   using namespace std::string_literals;
-  testing::PngFile file;
+  PngFile file;
   const std::string white = "\0\0\x7A\x26\0\0\x80\x84"s;
   const std::string primaries =
       "\0\0\xFA\0\0\0\x80\xE8\0\0\x75\x30\0\0\xEA\x60\0\0\x3A\x98\0\0\x17\x70"s;
@@ -305,11 +294,7 @@ TEST(PngPixelsTest, TextsAndWhatMayBeCopiedComeBack) {
   request.properties.set("DPIHeight", 72);
   request.properties.set("{TIFF}", Dictionary{{"XResolution", 72}, {"YResolution", 72}});
   request.blocks = header.blocks;
-  const auto image =
-      CGImage::create(layoutOf(1, 1, 1, none), CGColorSpace::createDeviceGray(), dataOf({0}));
-  const auto written = [&] {
-    return chunksOf(testing::encodedBy(pngFormat, image.value(), request));
-  };
+  const auto written = [&] { return chunksOf(encoded(request)); };
   std::vector<std::string> expected = {"cHRM:" + white + primaries,
                                        "pHYs:\0\0\0\2\0\0\0\1\0"s,
                                        "tEXt:Unheard of\0text"s,
@@ -330,13 +315,10 @@ TEST(PngPixelsTest, TextsAndWhatMayBeCopiedComeBack) {
 }
 
 TEST(PngPixelsTest, KeepsAResolutionThatNobodyChanged) {
-  const auto image =
-      CGImage::create(layoutOf(1, 1, 1, none), CGColorSpace::createDeviceGray(), dataOf({0}));
   const auto perMetre = [&](Dictionary properties) {
     EncodeRequest request;
     request.properties = std::move(properties);
-    const Data file = testing::encodedBy(pngFormat, image.value(), request);
-    const ImageHeader header = headerOf(file);
+    const ImageHeader header = headerOf(encoded(request));
     const auto* png = header.formatProperties.get<Dictionary>("{PNG}");
     const auto* number = png->get<Number>("XPixelsPerMeter");
     return number ? number->integerValue() : 0;
@@ -356,4 +338,4 @@ TEST(PngPixelsTest, KeepsAResolutionThatNobodyChanged) {
 }
 
 }  // namespace
-}  // namespace FrameworkUtility
+}  // namespace FrameworkUtility::testing
