@@ -30,24 +30,43 @@ TEST(ImageDestination, NeedsAnEncoder) {
 
 TEST(ImageDestination, HasAsManyImagesAsAnnounced) {
   const TemporaryFolder folder;
-  const CGImage image = quarters(16, 16);
-  for (const std::size_t announced : {0U, 1U, 2U}) {
-    for (const std::size_t added : {0U, 1U, 2U}) {
-      SCOPED_TRACE(std::to_string(announced) + " announced, " + std::to_string(added) + " added");
+  const std::string path = folder.path("a");
+  for (const std::string type : {"public.jpeg", "public.png"}) {
+    for (const auto& [announced, added] :
+         {std::pair{0, 0}, {0, 1}, {1, 0}, {1, 1}, {1, 2}, {2, 0}, {2, 1}, {2, 2}}) {
+      SCOPED_TRACE(type + ", " + std::to_string(announced) + ", " + std::to_string(added));
       const bool isWhole = announced == 1 && added == 1;
-      const std::string path = folder.path(std::to_string(announced) + std::to_string(added));
-      const auto destination =
-          CGImageDestination::createWithURL(URL::fileURLWithPath(path), "public.jpeg", announced);
-      for (std::size_t i = 0; i < added; ++i) destination->addImage(image);
+      const auto destination = CGImageDestination::createWithURL(
+          URL::fileURLWithPath(path), type, static_cast<std::size_t>(announced));
+      for (int i = 0; i < added; ++i) destination->addImage(quarters(16, 16));
       EXPECT_FALSE(std::filesystem::exists(path)) << "before it is finalized";
       Error error;
       EXPECT_EQ(destination->finalize(&error), isWhole);
-      EXPECT_EQ(std::filesystem::exists(path), isWhole);
+      EXPECT_EQ(std::filesystem::remove(path), isWhole);
       EXPECT_EQ(error.code(), isWhole ? 0 : NSFileWriteUnknownError);
+      destination->addImage(quarters(16, 16));
       EXPECT_FALSE(destination->finalize(&error)) << "a second time";
       EXPECT_EQ(error.localizedDescription(), "the image file was finished before");
       EXPECT_FALSE(destination->data());
     }
+  }
+}
+
+TEST(ImageDestination, PropertiesOfTheWholeFileAreNoneOfTheImage) {
+  for (const char* type : {"public.jpeg", "public.png"}) {
+    std::optional<Data> files[2];
+    for (const bool hasProperties : {false, true}) {
+      const auto destination = CGImageDestination::createInMemory(type, 1);
+      if (hasProperties) destination->setProperties({{"Orientation", 6}});
+      destination->addImage(quarters(16, 16));
+      destination->addAuxiliaryDataInfo(kCGImageAuxiliaryDataTypeDepth, {});
+      if (hasProperties) destination->setProperties({{"DPIWidth", 300}, {"DPIHeight", 300}});
+      EXPECT_FALSE(destination->data()) << "before it is finalized";
+      EXPECT_TRUE(destination->finalize());
+      files[hasProperties] = destination->data();
+    }
+    EXPECT_TRUE(files[0]);
+    EXPECT_EQ(files[0], files[1]);
   }
 }
 
