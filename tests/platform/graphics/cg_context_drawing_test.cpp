@@ -1,5 +1,6 @@
 #include <framework_utility/platform/graphics/cg_context.h>
 
+#include <framework_utility/platform/foundation/app/application.h>
 #include <framework_utility/platform/graphics/image_transform.h>
 #include <framework_utility/platform/graphics/rgba_rows.h>
 #include <framework_utility/platform/graphics/ui_graphics_image_renderer.h>
@@ -11,7 +12,6 @@
 #include <cmath>
 #include <limits>
 #include <numbers>
-#include <random>
 #include <tuple>
 
 namespace FrameworkUtility {
@@ -20,6 +20,7 @@ namespace {
 using namespace testing;
 using enum CGImageAlphaInfo;
 
+constexpr double infinite = std::numeric_limits<double>::infinity();
 const CGColor white{{1, 1, 1, 1}};
 
 std::vector<std::uint8_t> pixelsOf(CGContext& context) {
@@ -51,11 +52,9 @@ TEST(CGContextDrawingTest, RectsFillWhatTheyCover) {
 }
 
 TEST(CGContextDrawingTest, CellsThatMeetLeaveNoPixelUncoveredAndNoneTwice) {
-  std::mt19937 random(3);
-  std::uniform_real_distribution<> place(-20, 80);
   const std::vector<Point> corners{{-30, -30}, {90, -30}, {90, 90}, {-30, 90}};
-  for (int round = 0; round < 50; ++round) {
-    const Point middle{place(random), place(random)};
+  for (const Point middle : {Point{32, 32}, Point{13.37, 47.71}, Point{-19.5, 60.1},
+                             Point{63.99, 0.01}, Point{71.3, 33.25}}) {
     std::vector<int> sum(64 * 64);
     for (std::size_t i = 0; i < corners.size(); ++i) {
       const auto context = contextOf(64, 64);
@@ -178,8 +177,7 @@ TEST(CGContextDrawingTest, GradientsStayWithinTheClip) {
   EXPECT_EQ(pixelAt(*part, 20, 20), pixelAt(*whole, 20, 20));
   EXPECT_EQ(pixelAt(*part, 9, 20), (Pixel{0, 0, 0, 0}));
   EXPECT_EQ(pixelAt(*part, 20, 25), (Pixel{0, 0, 0, 0}));
-  part->restoreGState();
-  part->restoreGState();  // one too many changes nothing
+  for (int i = 0; i < 2; ++i) part->restoreGState();  // one too many changes nothing
   part->drawLinearGradient(gradient, {0, 0}, {50, 40});
   EXPECT_EQ(pixelAt(*part, 49, 39), pixelAt(*whole, 49, 39));
 }
@@ -199,7 +197,6 @@ TEST(CGContextDrawingTest, RowsThatAreNotWordsAreDrawnIntoToo) {
 }
 
 TEST(CGContextDrawingTest, NumbersBeyondMeasureDrawWhatTheyCover) {
-  constexpr double infinite = std::numeric_limits<double>::infinity();
   const CGImage image = noiseImage(3, 3);
   for (const double v : {1e9, 1e29, 1e300, infinite, std::nan("")}) {
     const auto context = contextOf(8, 8);
@@ -221,6 +218,56 @@ TEST(CGContextDrawingTest, NumbersBeyondMeasureDrawWhatTheyCover) {
   context->concatCTM({0, 0, 0, 0, 0, 0});
   context->drawImage(image, {0, 0, 3, 3});
   EXPECT_EQ(pixelsOf(*context), std::vector<std::uint8_t>(8 * 8 * 4));
+}
+
+void drawNothing(CGContext&) {}
+
+TEST(UIGraphicsImageRendererTest, PixelsFollowScaleAndOpacity) {
+  const UIGraphicsImageRenderer renderer({3, 2.5}, {.scale = 1.5, .opaque = true});
+  const auto image = renderer.imageWithActions([](CGContext& context) {
+    // Points begin at the top left: three black lines, then red from the middle on.
+    const RGBA red{1, 0, 0, 1};
+    const auto gradient =
+        CGGradient::createWithColors({{{0, 0, 0, 1}}, {red}, {red}}, {0.5, 0.5, 1});
+    context.drawLinearGradient(*gradient, {0, 0}, {0, 4});
+  });
+  ASSERT_TRUE(image);
+  EXPECT_EQ(image->scale(), 1.5);
+  EXPECT_EQ(image->imageOrientation(), UIImageOrientation::up);
+  const CGImage& bitmap = *image->cgImage();
+  EXPECT_EQ(bitmap.width(), 5U);  // 4.5
+  EXPECT_EQ(bitmap.height(), 4U);
+  EXPECT_EQ(bitmap.alphaInfo(), CGImageAlphaInfo::noneSkipLast);
+  for (std::size_t y = 0; y < 4; ++y) {
+    EXPECT_EQ(testing::pixelAt(bitmap, 0, y)[0], y < 3 ? 0 : 255) << y;
+  }
+
+  const auto clear = UIGraphicsImageRenderer({2, 2}, {.scale = 1}).imageWithActions(drawNothing);
+  EXPECT_EQ(clear->cgImage()->alphaInfo(), CGImageAlphaInfo::premultipliedLast);
+}
+
+TEST(UIGraphicsImageRendererTest, WithoutAScaleItIsTheMainScreens) {
+  Application facts = systemApplication();
+  facts.mainScreenScale = 3;
+  setApplication(facts);
+  for (const double scale : {0.0, -1.0}) {
+    const auto image =
+        UIGraphicsImageRenderer({2, 1}, {.scale = scale}).imageWithActions(drawNothing);
+    EXPECT_EQ(image->scale(), 3);
+    EXPECT_EQ(image->cgImage()->width(), 6U);
+  }
+}
+
+TEST(UIGraphicsImageRendererTest, ImpossibleSizesGiveNoImage) {
+  const auto expectRefused = [](Size size, double scale) {
+    const auto draw = [](CGContext&) { ADD_FAILURE() << "drew"; };
+    EXPECT_FALSE(UIGraphicsImageRenderer(size, {.scale = scale}).imageWithActions(draw)) << scale;
+  };
+  for (const double side : {0.0, -1.0, std::nan(""), infinite, -infinite, 1e9, 1e300}) {
+    expectRefused({side, 4}, 1);
+    expectRefused({4, side}, 1);
+  }
+  for (const double scale : {std::nan(""), infinite, 1e9}) expectRefused({4, 4}, scale);
 }
 
 }  // namespace

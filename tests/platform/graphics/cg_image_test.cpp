@@ -1,4 +1,5 @@
 #include <framework_utility/platform/graphics/cg_image.h>
+#include <framework_utility/platform/graphics/image_transform.h>
 #include <framework_utility/platform/graphics/pixel_buffer.h>
 #include <framework_utility/platform/graphics/ui_image.h>
 
@@ -6,6 +7,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 #include <type_traits>
@@ -61,6 +63,39 @@ TEST(CGImageTest, TakesLayoutsThatAgreeWithThemselvesAndTheSpace) {
   }
 }
 
+TEST(UprightImageTest, MovesEveryPixelWhereItsOrientationSays) {
+  constexpr std::size_t w = 37, h = 71;
+  for (const CGImage& image : imagesInEveryLayout(w, h)) {
+    const auto stored = bytesOf(image.pixels());
+    const std::size_t size = image.layout().bitsPerPixel / 8;
+    for (const std::size_t orientation : {0U, 1U, 2U, 3U, 4U, 5U, 6U, 7U, 8U, 9U}) {
+      SCOPED_TRACE(::testing::Message() << size << " bytes, orientation " << orientation);
+      // EXIF says where row 0 and column 0 are: 6 has its row 0 at the right and its column 0 at
+      // the top.
+      const bool isLying = orientation >= 5 && orientation <= 8;
+      const bool isMirrored = orientation % 4 == 2 || orientation % 4 == 3;
+      const bool isUpsideDown = orientation > 1 && (orientation % 4 == 3 || orientation % 4 == 0);
+      const auto upright = detail::uprightImage(image, orientation);
+      ASSERT_TRUE(upright);
+      ASSERT_EQ(upright->width(), isLying ? h : w);
+      ASSERT_EQ(upright->height(), isLying ? w : h);
+      EXPECT_EQ(upright->alphaInfo(), image.alphaInfo());
+      EXPECT_EQ(upright->colorSpace(), image.colorSpace());
+      const auto moved = bytesOf(upright->pixels());
+      for (std::size_t y = 0; y < h; ++y) {
+        for (std::size_t x = 0; x < w; ++x) {
+          const std::size_t right = isLying ? y : x, down = isLying ? x : y;
+          const std::size_t toX = isMirrored ? upright->width() - 1 - right : right;
+          const std::size_t toY = isUpsideDown ? upright->height() - 1 - down : down;
+          ASSERT_TRUE(std::equal(&moved[toY * upright->layout().bytesPerRow + toX * size],
+                                 &moved[toY * upright->layout().bytesPerRow + toX * size] + size,
+                                 &stored[y * image.layout().bytesPerRow + x * size]));
+        }
+      }
+    }
+  }
+}
+
 TEST(UIImageTest, SizeIsInPointsAndTurned) {
   const CGImage bitmap = *CGImage::create(layoutOf(6, 3, 1, none), CGColorSpace::createDeviceGray(),
                                           dataOf(noise(18)));
@@ -82,23 +117,20 @@ TEST(UIImageTest, SizeIsInPointsAndTurned) {
 
 TEST(PixelBufferTest, ChecksSizesAndHandsBytesOver) {
   using detail::PixelBuffer;
-  constexpr std::size_t tooMuch = std::size_t{1} << 40;
   for (const auto& [rows, bytes] : {std::pair<std::size_t, std::size_t>{0, 4},
                                     {4, 0},
-                                    {tooMuch, tooMuch},
+                                    {huge, huge},
                                     {detail::maximumPixelBytes / 4 + 1, 4}}) {
     EXPECT_FALSE(PixelBuffer::allocate(rows, bytes)) << rows << ' ' << bytes;
   }
   for (const std::size_t rows : {1U, 3U, 100'000U}) {
-    auto buffer = PixelBuffer::allocate(rows, 100);
-    ASSERT_TRUE(buffer);
-    const std::uint8_t* bytes = buffer->data();
+    PixelBuffer buffer = PixelBuffer::allocate(rows, 100).value();
+    const std::uint8_t* bytes = buffer.data();
     EXPECT_EQ(reinterpret_cast<std::uintptr_t>(bytes) % 64, 0U);
-    buffer->row(rows - 1)[99] = 77;
-    const Data data = std::move(*buffer).share();
-    EXPECT_EQ(data.size(), rows * 100);
+    buffer.row(rows - 1)[99] = 77;
+    const Data data = std::move(buffer).share();
     EXPECT_EQ(data.data(), reinterpret_cast<const std::byte*>(bytes));
-    EXPECT_EQ(data.end()[-1], std::byte{77});
+    EXPECT_EQ(bytesOf(data).at(rows * 100 - 1), 77);
   }
 }
 

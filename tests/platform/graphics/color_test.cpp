@@ -1,10 +1,12 @@
 #include <framework_utility/platform/graphics/color_space.h>
+#include <framework_utility/platform/graphics/ui_color.h>
 
 #include <tests/platform/graphics/pictures.h>
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <memory>
 #include <string_view>
 
 namespace FrameworkUtility {
@@ -55,10 +57,9 @@ TEST(ColorSpaceTest, DeviceSpacesAreTheNamedOnes) {
   EXPECT_EQ(CGColorSpace::createDeviceRGB(), CGColorSpace::createWithName(kCGColorSpaceSRGB));
   EXPECT_EQ(CGColorSpace::createDeviceGray(),
             CGColorSpace::createWithName(kCGColorSpaceGenericGray));
-  const CGColorSpace cmyk = CGColorSpace::createDeviceCMYK();
-  EXPECT_EQ(cmyk, CGColorSpace::createWithName(kCGColorSpaceGenericCMYK));
-  EXPECT_EQ(cmyk.iccData(), std::nullopt);
-  EXPECT_EQ(cmyk.profileName(), std::nullopt);
+  EXPECT_EQ(CGColorSpace::createDeviceCMYK(),
+            CGColorSpace::createWithName(kCGColorSpaceGenericCMYK));
+  EXPECT_EQ(CGColorSpace::createDeviceCMYK().iccData(), std::nullopt);
   EXPECT_NE(CGColorSpace::createDeviceRGB(), CGColorSpace::createWithName(kCGColorSpaceDisplayP3));
 }
 
@@ -92,6 +93,54 @@ TEST(ColorSpaceTest, RefusesWhatIsNoProfileOfPixels) {
         changed(good, 36, "none")}) {
     EXPECT_FALSE(CGColorSpace::createWithICCData(bad));
   }
+}
+
+TEST(UIColorTest, HueSaturationBrightness) {
+  struct Case {
+    double hue, saturation, brightness;
+    RGBA expected;
+  };
+  for (const Case& c :
+       {Case{0, 1, 1, {1, 0, 0, 0.5}}, Case{1.0 / 6, 1, 1, {1, 1, 0, 0.5}},
+        Case{0.25, 1, 1, {0.5, 1, 0, 0.5}}, Case{0.5, 1, 1, {0, 1, 1, 0.5}},
+        Case{0.75, 1, 0.5, {0.25, 0, 0.5, 0.5}}, Case{11.0 / 12, 1, 1, {1, 0, 0.5, 0.5}},
+        Case{1, 1, 1, {1, 0, 0, 0.5}}, Case{7, 1, 1, {1, 0, 0, 0.5}},
+        Case{-1, 2, 3, {1, 0, 0, 0.5}}, Case{0.3, 0, 0.25, {0.25, 0.25, 0.25, 0.5}}}) {
+    SCOPED_TRACE(::testing::Message() << c.hue << ' ' << c.saturation << ' ' << c.brightness);
+    const RGBA found = UIColor::withHueSaturationBrightness(c.hue, c.saturation, c.brightness, 0.5)
+                           .getRedGreenBlueAlpha();
+    EXPECT_NEAR(found.red, c.expected.red, 1e-15);
+    EXPECT_NEAR(found.green, c.expected.green, 1e-15);
+    EXPECT_NEAR(found.blue, c.expected.blue, 1e-15);
+    EXPECT_EQ(found.alpha, 0.5);
+  }
+}
+
+TEST(UIColorTest, AProviderChoosesForAnAppearance) {
+  const UIColor plain(0.1, 0.2, 0.3, 1);
+  const UIColor night(0.9, 0.8, 0.7, 1);
+  const UIColor dynamic = UIColor::withDynamicProvider([=](const UITraitCollection& traits) {
+    return traits.userInterfaceStyle == UIUserInterfaceStyle::dark ? night : plain;
+  });
+  const UIColor nested =
+      UIColor::withDynamicProvider([=](const UITraitCollection&) { return dynamic; });
+  for (const UIColor& color : {dynamic, nested}) {
+    EXPECT_EQ(color.resolvedColorWithTraitCollection({UIUserInterfaceStyle::dark}), night);
+    EXPECT_EQ(color.resolvedColorWithTraitCollection({UIUserInterfaceStyle::light}), plain);
+    EXPECT_EQ(color.getRedGreenBlueAlpha(), plain.getRedGreenBlueAlpha());
+    EXPECT_NE(color, plain);
+  }
+  EXPECT_EQ(UIColor(1.5, -0.2, 0, 3).getRedGreenBlueAlpha(), (RGBA{1.5, -0.2, 0, 3}));
+  EXPECT_EQ(dynamic, UIColor(dynamic));
+  EXPECT_NE(dynamic, nested);
+}
+
+TEST(UIColorDeathTest, StopsWhereNoColourCanBe) {
+  EXPECT_DEATH((void)UIColor::withDynamicProvider(nullptr), "needs a provider");
+  const auto self = std::make_shared<UIColor>(0, 0, 0, 1);
+  *self = UIColor::withDynamicProvider(
+      [weak = std::weak_ptr(self)](const UITraitCollection&) { return *weak.lock(); });
+  EXPECT_DEATH((void)self->getRedGreenBlueAlpha(), "without an end");
 }
 
 }  // namespace
