@@ -36,8 +36,7 @@ TEST(UTTypeTest, AnExtensionInAnyCaseGivesTheFirstDeclaredTypeUnderTheSupertype)
                                                        {"mp4", audio, "public.mpeg-4-audio"},
                                                        {"rtfd", UTTypePackage, "com.apple.rtfd"},
                                                        {"txt", UTTypeData, "public.plain-text"}}) {
-    SCOPED_TRACE(extension);
-    EXPECT_EQ(typeFor(extension, supertype), expected);
+    EXPECT_EQ(typeFor(extension, supertype), expected) << extension;
   }
 }
 
@@ -49,8 +48,7 @@ TEST(UTTypeTest, UndeclaredExtensionsGiveDynamicTypesThatGoToTheirNameAndBack) {
     const auto type = UTType::typeWithFilenameExtension(extension, UTTypeData);
     ASSERT_TRUE(type);
     EXPECT_EQ(type->identifier(), identifier);
-    EXPECT_TRUE(type->isDynamic());
-    EXPECT_FALSE(type->isDeclared());
+    EXPECT_TRUE(type->isDynamic() && !type->isDeclared());
     EXPECT_TRUE(type->conformsToType(UTTypeData));
     EXPECT_FALSE(type->conformsToType(UTTypePackage));
     const auto again = UTType::typeWithIdentifier(identifier);

@@ -34,9 +34,8 @@ class UserDefaultsTest : public ::testing::Test {
 
   /// The settings as another process would read them; absent when the file is not whole.
   std::optional<Dictionary> stored() const {
-    std::ifstream in(file(), std::ios::binary);
-    const std::string bytes{std::istreambuf_iterator<char>(in), {}};
-    const std::optional<Value> value = propertyListWithData(std::as_bytes(std::span(bytes)));
+    const auto data = FileManager::defaultManager().contentsAtPath(file());
+    const std::optional<Value> value = propertyListWithData(data.value_or(Data()));
     const Dictionary* dictionary = value ? value->as<Dictionary>() : nullptr;
     return dictionary ? std::optional(*dictionary) : std::nullopt;
   }
@@ -104,20 +103,17 @@ TEST_F(UserDefaultsTest, StandardOnesAreTheAppsSuiteOrWhatStandsInTheirPlace) {
   const auto standard = [] { return UserDefaults::standardUserDefaults(); };
   EXPECT_EQ(standard(), UserDefaults::withSuiteName(application().bundleIdentifier));
   const auto memory = makeInMemoryUserDefaults();
+  const ScopedUserDefaults outer(memory);
   {
-    const ScopedUserDefaults outer(memory);
-    {
-      const ScopedUserDefaults inner(makeFailingUserDefaults());
-      standard()->setObject(1, "key");
-      EXPECT_FALSE(standard()->objectForKey("key"));
-    }
-    EXPECT_EQ(standard(), memory);
-    standard()->setObject(URL::fileURLWithPath("/a"), "key");
-    EXPECT_TRUE(memory->objectForKey("key"));
-    memory->removeObjectForKey("key");
-    EXPECT_FALSE(memory->objectForKey("key"));
+    const ScopedUserDefaults inner(makeFailingUserDefaults());
+    standard()->setObject(1, "key");
+    EXPECT_FALSE(standard()->objectForKey("key"));
   }
-  EXPECT_NE(standard(), memory);
+  EXPECT_EQ(standard(), memory);
+  standard()->setObject(URL::fileURLWithPath("/a"), "key");
+  EXPECT_TRUE(memory->objectForKey("key"));
+  memory->removeObjectForKey("key");
+  EXPECT_FALSE(memory->objectForKey("key"));
 }
 
 TEST_F(UserDefaultsTest, TextsAndTruthValues) {

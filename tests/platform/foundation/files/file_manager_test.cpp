@@ -102,16 +102,15 @@ TEST_P(FileManagerTest, ReadsAnyPartOfAFileAsItWasWhenItWasOpened) {
   EXPECT_EQ(reader->size(), 10);
   std::string text(4, '-');
   const auto bytes = std::as_writable_bytes(std::span(text));
-  for (const auto& [offset, count, expected] : {std::tuple{0, 4, "0123"},
+  constexpr std::int64_t farthest = std::numeric_limits<std::int64_t>::max() - 1;
+  for (const auto& [offset, count, expected] : {std::tuple{0L, 4, "0123"},
                                                 {8, 2, "8923"},
                                                 {10, 0, "8923"},
-                                                {1'000'000, 0, "8923"},
+                                                {farthest, 0, "8923"},
                                                 {6, 4, "6789"}}) {
     EXPECT_THAT(reader->readAt(offset, bytes, nullptr), Optional(count)) << offset;
     EXPECT_EQ(text, expected) << offset;
   }
-  EXPECT_THAT(reader->readAt(std::numeric_limits<std::int64_t>::max() - 1, bytes, nullptr),
-              Optional(0));
   Error error;
   EXPECT_FALSE(reader->readAt(-1, bytes, &error));
   EXPECT_EQ(error.code(), NSFileReadUnknownError);
@@ -311,14 +310,12 @@ TEST(FailingFileManagerTest, EachCallCanFailAndTheInnerManagerNeverHearsOfIt) {
   fails = true;
   for (const Operation& operation : operations) {
     SCOPED_TRACE(operation.name);
-    for (const std::string path : {"/f", "/d"}) {
-      Error error;
-      asked.clear();
-      EXPECT_FALSE(operation.run(*files, path, &error));
-      EXPECT_EQ(error, Error("Test", 7));
-      EXPECT_EQ(asked, operation.name + (operation.missing == 0 ? "/f" : path));
-      EXPECT_FALSE(operation.run(*files, path, nullptr));
-    }
+    Error error;
+    asked.clear();
+    EXPECT_FALSE(operation.run(*files, "/f", &error));
+    EXPECT_EQ(error, Error("Test", 7));
+    EXPECT_EQ(asked, operation.name + std::string("/f"));
+    EXPECT_FALSE(operation.run(*files, "/f", nullptr));
   }
   EXPECT_THAT(inner->contentsOfDirectoryAtPath("/", nullptr), Optional(UnorderedElementsAre("f")));
 }
