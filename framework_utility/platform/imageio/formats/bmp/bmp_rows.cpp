@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <array>
 #include <bit>
+#include <cmath>
 #include <cstring>
 
 namespace FrameworkUtility::detail {
@@ -42,7 +43,7 @@ struct Field {
 
   /// To the nearest, and there are no ties: the largest number is odd.
   std::uint8_t of(std::uint32_t pixel) const {
-    return static_cast<std::uint8_t>(((pixel & mask) >> shift) * scale + 0.5);
+    return static_cast<std::uint8_t>(std::lround(((pixel & mask) >> shift) * scale));
   }
   bool isByte() const { return mask >> shift == 0xFF && shift % 8 == 0; }
 
