@@ -76,14 +76,12 @@ Data writtenByLibpng(const PngPicture& picture) {
                  static_cast<int>(picture.palette.size() / 3));
   }
   png_color_16 sample{};
-  if (picture.transparentSample.size() == 1) {
-    sample.gray = static_cast<png_uint_16>(picture.transparentSample[0]);
-  } else if (picture.transparentSample.size() == 3) {
-    sample.red = static_cast<png_uint_16>(picture.transparentSample[0]);
-    sample.green = static_cast<png_uint_16>(picture.transparentSample[1]);
-    sample.blue = static_cast<png_uint_16>(picture.transparentSample[2]);
-  }
-  if (!picture.transparency.empty() || !picture.transparentSample.empty()) {
+  const std::vector<std::uint32_t>& samples = picture.transparentSample;
+  png_uint_16* colors[] = {&sample.red, &sample.green, &sample.blue};
+  if (samples.size() == 1) colors[0] = &sample.gray;
+  for (std::size_t i = 0; i < samples.size(); ++i)
+    *colors[i] = static_cast<png_uint_16>(samples[i]);
+  if (!picture.transparency.empty() || !samples.empty()) {
     png_set_tRNS(png, info, picture.transparency.empty() ? nullptr : picture.transparency.data(),
                  static_cast<int>(picture.transparency.size()), &sample);
   }

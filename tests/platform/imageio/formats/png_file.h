@@ -42,9 +42,9 @@ struct PngPicture {
   int colorType = 2;
   bool isInterlaced = false;
   Bytes rows;
-  Bytes palette;                       ///< Red, green, blue of each entry.
-  Bytes transparency;                  ///< Of the first entries.
-  std::vector<int> transparentSample;  ///< Grey, or red, green and blue.
+  Bytes palette;                                 ///< Red, green, blue of each entry.
+  Bytes transparency;                            ///< Of the first entries.
+  std::vector<std::uint32_t> transparentSample;  ///< Grey, or red, green and blue.
 };
 Data writtenByLibpng(const PngPicture& picture);
 

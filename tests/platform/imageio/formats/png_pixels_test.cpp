@@ -10,7 +10,6 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <array>
 #include <string>
 
@@ -24,6 +23,7 @@ using detail::ImageHeader;
 using detail::pngFormat;
 using detail::RGBARows;
 using enum CGImageAlphaInfo;
+using namespace std::string_literals;
 
 using Pixels = std::vector<std::uint16_t>;
 
@@ -39,8 +39,7 @@ Pixels pixelsOf(const CGImage& image, AlphaForm form = AlphaForm::straight) {
     }
     Bytes row(rowLength);
     rows->read(y, row.data());
-    std::transform(row.begin(), row.end(), &pixels[y * rowLength],
-                   [](std::uint8_t v) { return static_cast<std::uint16_t>(v * 257); });
+    for (std::size_t i = 0; i < rowLength; ++i) pixels[y * rowLength + i] = row[i] * 257 & 0xFFFF;
   }
   return pixels;
 }
@@ -65,7 +64,7 @@ std::size_t samplesPerPixel(int colorType) {
   return colorType == 2 ? 3 : colorType == 4 ? 2 : colorType == 6 ? 4 : 1;
 }
 
-std::size_t sampleAt(const PngPicture& picture, std::size_t y, std::size_t index) {
+std::uint32_t sampleAt(const PngPicture& picture, std::size_t y, std::size_t index) {
   const std::size_t rowBytes = picture.rows.size() / picture.height;
   return sampleOf(&picture.rows[y * rowBytes], index, static_cast<std::size_t>(picture.depth));
 }
@@ -77,19 +76,18 @@ Pixels expectedPixels(const PngPicture& picture) {
   const std::size_t scale = 65535 / ((std::size_t{1} << picture.depth) - 1);
   for (std::size_t y = 0; y < picture.height; ++y) {
     for (std::size_t x = 0; x < picture.width; ++x) {
-      std::array<std::size_t, 4> s{};
-      for (std::size_t i = 0; i < samples; ++i) s[i] = sampleAt(picture, y, x * samples + i);
+      const auto sample = [&](std::size_t i) { return sampleAt(picture, y, x * samples + i); };
       std::array<std::size_t, 4> pixel{};
       if (picture.colorType == 3) {
-        for (std::size_t c = 0; c < 3; ++c) pixel[c] = picture.palette[s[0] * 3 + c] * 257UL;
-        pixel[3] = s[0] < picture.transparency.size() ? picture.transparency[s[0]] * 257UL : 65535;
+        const std::size_t s = sample(0);
+        for (std::size_t c = 0; c < 3; ++c) pixel[c] = picture.palette[s * 3 + c] * 257UL;
+        pixel[3] = s < picture.transparency.size() ? picture.transparency[s] * 257UL : 65535;
       } else {
-        for (std::size_t c = 0; c < 3; ++c) pixel[c] = s[samples < 3 ? 0 : c] * scale;
-        bool isTransparent = !picture.transparentSample.empty();
-        for (std::size_t i = 0; i < picture.transparentSample.size(); ++i) {
-          isTransparent &= s[i] == static_cast<std::size_t>(picture.transparentSample[i]);
-        }
-        pixel[3] = samples % 2 == 0 ? s[samples - 1] * scale : isTransparent ? 0 : 65535;
+        const auto& hidden = picture.transparentSample;
+        bool isTransparent = !hidden.empty();
+        for (std::size_t i = 0; i < hidden.size(); ++i) isTransparent &= sample(i) == hidden[i];
+        for (std::size_t c = 0; c < 3; ++c) pixel[c] = sample(samples < 3 ? 0 : c) * scale;
+        pixel[3] = samples % 2 == 0 ? sample(samples - 1) * scale : isTransparent ? 0 : 65535;
       }
       pixels.insert(pixels.end(), pixel.begin(), pixel.end());
     }
@@ -106,7 +104,7 @@ PngPicture pictureOf(int depth, int colorType, bool isInterlaced, bool hasTransp
   if (hasTransparency && colorType == 3) picture.transparency = noise(2, 9);
   if (hasTransparency && colorType != 3) {
     for (std::size_t i = 0; i < samplesPerPixel(colorType); ++i) {
-      picture.transparentSample.push_back(static_cast<int>(sampleAt(picture, 3, i)));
+      picture.transparentSample.push_back(sampleAt(picture, 3, i));
     }
   }
   return picture;
@@ -152,9 +150,7 @@ TEST(PngPixelsTest, ReadsEveryKind) {
 TEST(PngPixelsTest, DamagedPixelsAreNone) {
   const Data file = writtenByLibpng(pictureOf(8, 6, false, false));
   const Bytes good = bytesOf(file);
-  const std::string_view type = "IDAT";
-  const auto pixels = static_cast<std::size_t>(
-      std::search(good.begin(), good.end(), type.begin(), type.end()) - good.begin());
+  const std::size_t pixels = textOf(file).find("IDAT");
   const std::size_t end = good.size() - 12;  // of the pixels' chunk
   ASSERT_TRUE(decoded(file));
   for (std::size_t i = pixels + 4; i < end; ++i) {
@@ -268,7 +264,6 @@ std::vector<std::string> chunksOf(const Data& file) {
 }
 
 TEST(PngPixelsTest, TextsAndWhatMayBeCopiedComeBack) {
-  using namespace std::string_literals;
   PngFile file;
   const std::string white = "\0\0\x7A\x26\0\0\x80\x84"s;
   const std::string primaries =
@@ -315,26 +310,36 @@ TEST(PngPixelsTest, TextsAndWhatMayBeCopiedComeBack) {
 }
 
 TEST(PngPixelsTest, KeepsAResolutionThatNobodyChanged) {
-  const auto perMetre = [&](Dictionary properties) {
-    EncodeRequest request;
-    request.properties = std::move(properties);
-    const ImageHeader header = headerOf(encoded(request));
-    const auto* png = header.formatProperties.get<Dictionary>("{PNG}");
-    const auto* number = png->get<Number>("XPixelsPerMeter");
-    return number ? number->integerValue() : 0;
-  };
-  const auto stored = [](Dictionary properties) {
-    properties.set("{PNG}", Dictionary{{"XPixelsPerMeter", 3779}, {"YPixelsPerMeter", 3779}});
-    return properties;
-  };
-  EXPECT_EQ(perMetre(stored({})), 3779);
-  EXPECT_EQ(perMetre(stored({{"DPIWidth", 96}, {"DPIHeight", 96}})), 3779);
-  EXPECT_EQ(perMetre(stored({{"DPIWidth", 97}, {"DPIHeight", 97}})), 3819);
+  const Dictionary stored{{"XPixelsPerMeter", 3779}, {"YPixelsPerMeter", 3779}};
   const Dictionary tiff{{"XResolution", 180}, {"YResolution", 180}};
-  EXPECT_EQ(perMetre(stored({{"DPIWidth", 180}, {"DPIHeight", 180}, {"{TIFF}", tiff}})), 3779);
-  EXPECT_EQ(perMetre({{"DPIWidth", 96}, {"DPIHeight", 96}}), 3780);
-  EXPECT_EQ(perMetre({{"DPIWidth", 96}}), 0);
-  EXPECT_EQ(perMetre({{"DPIWidth", -1}, {"DPIHeight", 1e300}}), 0);
+  const std::pair<Dictionary, Number> cases[] = {
+      {{{"{PNG}", stored}}, 3779},
+      {{{"{PNG}", stored}, {"DPIWidth", 96}, {"DPIHeight", 96}}, 3779},
+      {{{"{PNG}", stored}, {"DPIWidth", 97}, {"DPIHeight", 97}}, 3819},
+      {{{"{PNG}", stored}, {"DPIWidth", 180}, {"DPIHeight", 180}, {"{TIFF}", tiff}}, 3779},
+      {{{"DPIWidth", 96}, {"DPIHeight", 96}}, 3780},
+      {{{"DPIWidth", 96}}, 0},
+      {{{"DPIWidth", -1}, {"DPIHeight", 1e300}}, 0}};
+  for (const auto& [properties, perMetre] : cases) {
+    EncodeRequest request;
+    request.properties = properties;
+    const Dictionary read = headerOf(encoded(request)).formatProperties;
+    const auto* number = read.get<Dictionary>("{PNG}")->get<Number>("XPixelsPerMeter");
+    EXPECT_EQ(number ? *number : Number(0), perMetre);
+  }
+}
+
+TEST(PngPixelsTest, TextsAreLatinWhereTheyCanBe) {
+  const std::pair<std::string, std::string> cases[] = {
+      {"\u00FF", "tEXt:Title\0\xFF"s},
+      {"a\0b"s, "tEXt:Title\0ab"s},
+      {"\u0100", "iTXt:Title\0\0\0\0\0\u0100"s},
+      {"\u00E9\U0001F600", "iTXt:Title\0\0\0\0\0\u00E9\U0001F600"s}};
+  for (const auto& [title, chunk] : cases) {
+    EncodeRequest request;
+    request.properties = {{"{PNG}", Dictionary{{"Title", title}}}};
+    EXPECT_EQ(chunksOf(encoded(request)).back(), chunk);
+  }
 }
 
 }  // namespace
