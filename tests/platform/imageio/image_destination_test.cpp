@@ -19,7 +19,8 @@ namespace {
 TEST(ImageDestination, NeedsAnEncoder) {
   const TemporaryFolder folder;
   const URL url = URL::fileURLWithPath(folder.path("a"));
-  for (const char* type : {"public.heic", "org.webmproject.webp", "public.data", ""}) {
+  for (const char* type :
+       {"public.heic", "org.webmproject.webp", "com.microsoft.bmp", "public.data", ""}) {
     EXPECT_EQ(CGImageDestination::createWithURL(url, type, 1), nullptr) << type;
     EXPECT_EQ(CGImageDestination::createInMemory(type, 1), nullptr) << type;
   }

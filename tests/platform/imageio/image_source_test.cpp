@@ -185,41 +185,38 @@ TEST(ImageSource, LimitsBindBeforeAnythingIsDecoded) {
   expectLimited("scans within", progressive, {.mostScans = 10}, "", "");
 }
 
-/// Each way to the pixels fails alike, and says which file it was.
-void expectFailure(const Data& data, const ErrorCode& code, const char* description) {
-  SCOPED_TRACE(description);
-  const TemporaryFolder folder;
-  const URL url = write(folder, "image", data);
-  Error errors[4];
-  const auto source = CGImageSource::createWithURL(url);
-  ASSERT_TRUE(source);
-  EXPECT_FALSE(source->imageAtIndex(0, &errors[0]));
-  EXPECT_THAT(errors[0], IsError(std::string(code.domain), code.code, description));
-  EXPECT_EQ(*errors[0].userInfo().get<std::string>(NSFilePathErrorKey), *url.path());
-  EXPECT_FALSE(source->thumbnailAtIndex(0, {}, &errors[1]));
-  EXPECT_EQ(errors[1], errors[0]);
-  EXPECT_FALSE(imageWithContentsOfFile(*url.path(), &errors[2]));
-  EXPECT_EQ(errors[2], errors[0]);
-  EXPECT_FALSE(imageWithData(data, &errors[3]));
-  EXPECT_EQ(errors[3].localizedDescription(), description);
-}
-
 TEST(ImageSource, EveryFailureFillsTheErrorThatIsShared) {
   constexpr ErrorCode corrupt = CGImageSourceError::corruptFile;
   constexpr ErrorCode unsupported = CGImageSourceError::unsupported;
   const Data jpeg = jpegOf(quarters(64, 64));
-  expectFailure(Data(), corrupt, "The file is empty.");
-  expectFailure(dataOf("hello"), corrupt, "The file is not an image.");
-  expectFailure(dataOf("\0\0\0\x18"
-                       "ftypheic\0\0\0\0"s),
-                unsupported, "HEIC is not read here.");
-  expectFailure(dataOf("GIF89a"), unsupported, "GIF is not read here.");
-  for (const std::size_t size : {std::size_t{30}, jpeg.size() - 20}) {
-    expectFailure(cutAt(size, jpeg), corrupt, "The file is cut off.");
+  const std::tuple<Data, ErrorCode, const char*> cases[] = {
+      {Data(), corrupt, "The file is empty."},
+      {dataOf("hello"), corrupt, "The file is not an image."},
+      {dataOf("\0\0\0\x18"s + "ftypheic\0\0\0\0"s), unsupported, "HEIC is not read here."},
+      {dataOf("GIF89a"), unsupported, "GIF is not read here."},
+      {cutAt(30, jpeg), corrupt, "The file is cut off."},
+      {cutAt(jpeg.size() - 20, jpeg), corrupt, "The file is cut off."},
+      {dataOf(jpegHeader(jpegFrame() + jpegFrame())), corrupt, "The file is damaged."},
+      {dataOf(jpegHeader(jpegFrame({.precision = 12}))), unsupported,
+       "Images of this kind are not read here."}};
+  const TemporaryFolder folder;
+  for (const auto& [data, code, description] : cases) {
+    SCOPED_TRACE(description);
+    const URL url = write(folder, "image", data);
+    // Each way to the pixels fails alike, and says which file it was.
+    Error errors[4];
+    const auto source = CGImageSource::createWithURL(url);
+    ASSERT_TRUE(source);
+    EXPECT_FALSE(source->imageAtIndex(0, &errors[0]));
+    EXPECT_THAT(errors[0], IsError(std::string(code.domain), code.code, description));
+    EXPECT_EQ(*errors[0].userInfo().get<std::string>(NSFilePathErrorKey), *url.path());
+    EXPECT_FALSE(source->thumbnailAtIndex(0, {}, &errors[1]));
+    EXPECT_FALSE(imageWithContentsOfFile(*url.path(), &errors[2]));
+    EXPECT_FALSE(imageWithData(data, &errors[3]));
+    EXPECT_EQ(errors[1], errors[0]);
+    EXPECT_EQ(errors[2], errors[0]);
+    EXPECT_EQ(errors[3].localizedDescription(), description);
   }
-  expectFailure(dataOf(jpegHeader(jpegFrame() + jpegFrame())), corrupt, "The file is damaged.");
-  expectFailure(dataOf(jpegHeader(jpegFrame({.precision = 12}))), unsupported,
-                "Images of this kind are not read here.");
   const auto whole = CGImageSource::createWithData(jpeg);
   Error error;
   EXPECT_FALSE(whole->imageAtIndex(1, &error));

@@ -79,8 +79,9 @@ Data writtenByLibpng(const PngPicture& picture) {
   const std::vector<std::uint32_t>& samples = picture.transparentSample;
   png_uint_16* colors[] = {&sample.red, &sample.green, &sample.blue};
   if (samples.size() == 1) colors[0] = &sample.gray;
-  for (std::size_t i = 0; i < samples.size(); ++i)
+  for (std::size_t i = 0; i < samples.size(); ++i) {
     *colors[i] = static_cast<png_uint_16>(samples[i]);
+  }
   if (!picture.transparency.empty() || !samples.empty()) {
     png_set_tRNS(png, info, picture.transparency.empty() ? nullptr : picture.transparency.data(),
                  static_cast<int>(picture.transparency.size()), &sample);
