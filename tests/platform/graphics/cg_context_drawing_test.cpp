@@ -182,20 +182,6 @@ TEST(CGContextDrawingTest, GradientsStayWithinTheClip) {
   EXPECT_EQ(pixelAt(*part, 49, 39), pixelAt(*whole, 49, 39));
 }
 
-TEST(CGContextDrawingTest, RowsThatAreNotWordsAreDrawnIntoToo) {
-  std::vector<std::byte> memory(1 + 3 * 23);
-  CGImageLayout layout = layoutOf(5, 3, 4, noneSkipLast);
-  layout.bytesPerRow = 23;
-  const auto context = CGContext::createBitmapWithData(std::span(memory).subspan(1), layout);
-  context->setFillColor({{1, 0, 0, 1}});
-  context->fillRect({4, 0, 9, 1});
-  const std::size_t lastRow = 1 + 2 * 23;
-  for (const auto& [at, value] :
-       {std::pair{lastRow + 16, 255}, {lastRow + 12, 0}, {lastRow + 20, 0}, {lastRow - 7, 0}}) {
-    EXPECT_EQ(memory[at], std::byte(value)) << at;
-  }
-}
-
 TEST(CGContextDrawingTest, NumbersBeyondMeasureDrawWhatTheyCover) {
   const CGImage image = noiseImage(3, 3);
   for (const double v : {1e9, 1e29, 1e300, infinite, std::nan("")}) {

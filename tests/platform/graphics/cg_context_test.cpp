@@ -184,6 +184,9 @@ TEST(CGContextTest, MemoryThatIsGivenIsDrawnIntoInItsLayout) {
   const auto image = CGImage::create(layout, CGColorSpace::createDeviceRGB(), Data(bytes));
   expectExact(*image, gradient);
   EXPECT_EQ(image->pixels(), context->createImage()->pixels());
+  context->setFillColor({blue});
+  context->fillRect({4, 0, 9, 1});
+  EXPECT_EQ(bytes[16 + 2], std::byte{255});
   for (std::size_t i = 0; i < memory.size(); ++i) {
     const bool isPixel = i > 0 && (i - 1) % 27 < 20;
     EXPECT_TRUE(isPixel || memory[i] == std::byte{0xAB}) << i;

@@ -36,18 +36,6 @@ std::vector<std::uint8_t> drawn(const CGImage& image, PixelSize bitmap, Size are
   return bytes;
 }
 
-TEST(DrawnRowsTest, OnlyRGBIsDrawnAndAPictureOfTheBitmapsSizeStaysAsItIs) {
-  for (const CGImage& image : testing::imagesInEveryLayout(37, 5)) {
-    if (!image.colorSpace() || image.colorSpace()->model() != CGColorSpaceModel::rgb) {
-      EXPECT_FALSE(DrawnRows::create(image, {37, 5}, {37, 5}));
-      continue;
-    }
-    const auto expected = rgbaPixels(image, AlphaForm::premultiplied);
-    EXPECT_EQ(drawn(image, {37, 5}, {37, 5}),
-              std::vector(expected->data(), expected->data() + expected->size()));
-  }
-}
-
 TEST(DrawnRowsTest, EachPixelIsTheAverageOfWhatItShows) {
   std::mt19937 random(20240517);
   const auto between = [&random](std::size_t low, std::size_t high) {

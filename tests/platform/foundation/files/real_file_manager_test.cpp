@@ -6,6 +6,7 @@
 #include <framework_utility/platform/foundation/files/files.h>
 #include <framework_utility/platform/foundation/values/data.h>
 #include <tests/support/files.h>
+#include <tests/support/scoped_environment.h>
 #include <tests/support/small_disk.h>
 #include <tests/support/temporary_folder.h>
 
@@ -31,7 +32,6 @@
 #include <cstdlib>
 #include <filesystem>
 #include <functional>
-#include <thread>
 
 namespace FrameworkUtility {
 namespace {
@@ -154,21 +154,16 @@ TEST_F(RealFileManagerTest, RefusalsForWantOfPermissionAreReportedAndLeaveNothin
   const std::pair<const char*, mode_t> modes[] = {
       {".", 0755}, {"closed", 0555}, {"open", 0777}, {"secret", 0000}};
   for (const auto& [name, mode] : modes) ASSERT_EQ(chmod(at(name).c_str(), mode), 0);
-  const auto refusal = [this](std::int64_t code, const std::function<bool(Error*)>& run) {
-    return runUnprivileged([&] {
-      Error error;
-      return !run(&error) && error.code() == code;
-    });
-  };
-  EXPECT_TRUE(refusal(NSFileWriteNoPermissionError, [&](Error* e) {
-    return files.writeAtomically(bytesOf("x"), "closed/f", e);
+  EXPECT_TRUE(runUnprivileged([&] {
+    Error write, remove, open, copy;
+    return !files.writeAtomically(bytesOf("x"), "closed/f", &write) &&
+           write.code() == NSFileWriteNoPermissionError &&
+           !files.removeItemAtPath("closed", &remove) &&
+           remove.code() == NSFileWriteNoPermissionError &&
+           !files.openFileAtPath("secret", &open) && open.code() == NSFileReadNoPermissionError &&
+           !files.copyItemAtPath("secret", "open/copy", &copy) &&
+           copy.code() == NSFileReadNoPermissionError;
   }));
-  EXPECT_TRUE(refusal(NSFileWriteNoPermissionError,
-                      [&](Error* e) { return files.removeItemAtPath("closed", e); }));
-  EXPECT_TRUE(refusal(NSFileReadNoPermissionError,
-                      [&](Error* e) { return bool(files.openFileAtPath("secret", e)); }));
-  EXPECT_TRUE(refusal(NSFileReadNoPermissionError,
-                      [&](Error* e) { return files.copyItemAtPath("secret", "open/copy", e); }));
   // Of a tree that cannot be copied wholly nothing stays, though parts of it are read-only, and one
   // that cannot be removed wholly is removed as far as it goes.
   EXPECT_TRUE(runUnprivileged([&] {
@@ -298,16 +293,14 @@ TEST_F(RealFileManagerTest, AFolderThatCannotBeFlushedIsAFailure) {
     Error error;
     return !files.flushDirectoryAtPath(".", &error) && failsWithEio(error);
   }));
-  EXPECT_THAT(names(), UnorderedElementsAre("old", "source"));
-}
-
-TEST_F(RealFileManagerTest, AFolderIsCopiedWithoutFlushingWhatIsNotItsOwn) {
+  // Of a copy nothing is flushed that is not its own.
   for (int i = 0; i < 70; ++i) ASSERT_TRUE(makeFolder("tree/" + std::to_string(i) + "/inner"));
   EXPECT_TRUE(runInChild([&] {
     refuse(SYS_syncfs, 0, 0, 0, EIO);
-    return files.copyItemAtPath("tree", "copy", nullptr);
+    return files.copyItemAtPath("tree", "tree 2", nullptr);
   }));
-  EXPECT_THAT(files.contentsOfDirectoryAtPath(at("copy"), nullptr), Optional(SizeIs(70)));
+  EXPECT_THAT(names(), UnorderedElementsAre("old", "source", "tree", "tree 2"));
+  EXPECT_THAT(files.contentsOfDirectoryAtPath(at("tree 2"), nullptr), Optional(SizeIs(70)));
 }
 
 TEST_F(RealFileManagerTest, FileSystemsWithoutNamelessFilesAreWrittenTo) {
@@ -323,32 +316,25 @@ TEST_F(RealFileManagerTest, FileSystemsWithoutNamelessFilesAreWrittenTo) {
   EXPECT_THAT(names(), UnorderedElementsAre("f", "g"));
 }
 
-// Runs `save` over and over in a process that gets `signal` after a while.
-void interrupt(int signal, int round, const std::function<bool()>& save) {
-  const pid_t child = fork();
-  if (child == 0) {
-    while (save()) {
-    }
-    _exit(1);
-  }
-  std::this_thread::sleep_for(std::chrono::microseconds(round * 131));
-  kill(child, signal);
-  int status = 0;
-  waitpid(child, &status, 0);
-  ASSERT_TRUE(WIFSIGNALED(status));
-}
-
 TEST_F(RealFileManagerTest, AnInterruptedProcessLeavesWholeFilesOldOrNew) {
   const std::string old(200'000, 'o'), fresh(300'000, 'n');
   for (int round = 0; round < 80; ++round) {
     SCOPED_TRACE(round);
     ASSERT_TRUE(write("f", old));
+    const pid_t child = fork();
     int made = 0;
-    interrupt(round % 2 == 0 ? SIGKILL : SIGTERM, round, [&] {
+    while (child == 0) {
       const std::string name = std::to_string(made++);
-      return write("f", fresh) && write(name, fresh) &&
-             files.copyItemAtPath(at(name), at(name + " copy"), nullptr);
-    });
+      if (!write("f", fresh) || !write(name, fresh) ||
+          !files.copyItemAtPath(at(name), at(name + " copy"), nullptr)) {
+        _exit(1);
+      }
+    }
+    usleep(static_cast<unsigned>(round) * 131);
+    kill(child, round % 2 == 0 ? SIGKILL : SIGTERM);
+    int status = 0;
+    waitpid(child, &status, 0);
+    ASSERT_TRUE(WIFSIGNALED(status));
     for (const std::string& name : names()) {
       // Killed in the few microseconds of the replacement itself it leaves the new file twice.
       const auto text = contentsOf(files, at(name));
@@ -363,10 +349,10 @@ TEST_F(RealFileManagerTest, VeryDeepFoldersAreCopiedAndRemoved) {
   // Far beyond the longest path, the number of descriptors and a recursion's stack. In memory where
   // that can be had, for a disk takes its time over so many folders.
   constexpr int depth = 10'000;
-  const std::string temporary = getenv("TMPDIR");
-  if (access("/dev/shm", W_OK) == 0) setenv("TMPDIR", "/dev/shm", 1);
+  const std::string memory = "/dev/shm", disk = folder.path();
+  const bool hasMemory = access(memory.c_str(), W_OK) == 0;
+  const testing::ScopedEnvironment variable("TMPDIR", (hasMemory ? memory : disk).c_str());
   const testing::TemporaryFolder place;
-  setenv("TMPDIR", temporary.c_str(), 1);
 
   ASSERT_EQ(mkdir(place.path("deep").c_str(), 0777), 0);
   int level = open(place.path("deep").c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
@@ -385,12 +371,7 @@ TEST_F(RealFileManagerTest, VeryDeepFoldersAreCopiedAndRemoved) {
 }
 
 class TemporaryDirectoryTest : public RealFileManagerTest {
- protected:
-  TemporaryDirectoryTest() { setenv("TMPDIR", folder.path().c_str(), 1); }
-  ~TemporaryDirectoryTest() override { setenv("TMPDIR", before_.c_str(), 1); }
-
- private:
-  std::string before_ = getenv("TMPDIR");
+  testing::ScopedEnvironment place_{"TMPDIR", folder.path().c_str()};
 };
 
 TEST_F(TemporaryDirectoryTest, IsAPrivateFolderThatComesBackWhenItIsGone) {
@@ -407,16 +388,12 @@ TEST_F(TemporaryDirectoryTest, IsAPrivateFolderThatComesBackWhenItIsGone) {
 
 TEST_F(TemporaryDirectoryTest, ANameThatSomebodyElseHoldsIsLeftAlone) {
   ASSERT_EQ(mkdir(at("trap").c_str(), 0700), 0);
-  const auto otherUser = [](const char* path) {
-    return mkdir(path, 0700) == 0 && chown(path, 65534, 65534) == 0;
-  };
-  const auto link = [this](const char* path) { return symlink(at("trap").c_str(), path) == 0; };
-  const auto openToAll = [](const char* path) {
-    return mkdir(path, 0700) == 0 && chmod(path, 0777) == 0;
-  };
-  const auto file = [](const char* path) { return close(creat(path, 0600)) == 0; };
-  for (const std::function<bool(const char*)>& plant :
-       std::vector<std::function<bool(const char*)>>{link, openToAll, file, otherUser}) {
+  const std::function<bool(const char*)> plants[] = {
+      [this](const char* path) { return symlink(at("trap").c_str(), path) == 0; },
+      [](const char* path) { return mkdir(path, 0700) == 0 && chmod(path, 0777) == 0; },
+      [](const char* path) { return close(creat(path, 0600)) == 0; },
+      [](const char* path) { return mkdir(path, 0700) == 0 && chown(path, 65534, 65534) == 0; }};
+  for (const auto& plant : plants) {
     std::string path = temporaryDirectory();
     ASSERT_TRUE(files.removeItemAtPath(path, nullptr));
     path.pop_back();
