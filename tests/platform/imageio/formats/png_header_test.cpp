@@ -102,27 +102,22 @@ TEST(PngHeaderTest, TellsColourTypes) {
 }
 
 TEST(PngHeaderTest, RefusesHeadersThatContradictThemselves) {
-  std::vector<PngFile> files = {PngFile(), PngFile().chunk("IHDR", "short"),
-                                dot().header(1, 1, 8, 0), dot().chunk("IEND", ""),
-                                dot().chunk("1DAT", "")};
-  // Sides, depth, colour type and interlacing.
-  struct Header {
-    std::uint32_t width, height;
-    int depth, colorType, interlacing = 0;
-  };
-  for (const auto& [width, height, depth, colorType, interlacing] : {Header{0, 1, 8, 0},
-                                                                     {1, 0, 8, 0},
-                                                                     {0x80000000, 1, 8, 0},
-                                                                     {1, 1, 3, 0},
-                                                                     {1, 1, 0, 0},
-                                                                     {1, 1, 4, 2},
-                                                                     {1, 1, 16, 3},
-                                                                     {1, 1, 8, 9},
-                                                                     {1, 1, 8, 0, 2},
-                                                                     {1, 1, 8, 3}}) {  // no palette
-    files.push_back(PngFile().header(width, height, depth, colorType, interlacing));
-  }
-  for (std::size_t i = 0; i < files.size(); ++i) {
+  PngFile files[] = {PngFile(),
+                     PngFile().chunk("IHDR", "short"),
+                     PngFile().header(0, 1, 8, 0),
+                     PngFile().header(1, 0, 8, 0),
+                     PngFile().header(0x80000000, 1, 8, 0),
+                     PngFile().header(1, 1, 3, 0),
+                     PngFile().header(1, 1, 0, 0),
+                     PngFile().header(1, 1, 4, 2),
+                     PngFile().header(1, 1, 16, 3),
+                     PngFile().header(1, 1, 8, 9),
+                     PngFile().header(1, 1, 8, 0, 2),
+                     PngFile().header(1, 1, 8, 3),  // no palette
+                     dot().header(1, 1, 8, 0),
+                     dot().chunk("IEND", ""),
+                     dot().chunk("1DAT", "")};
+  for (std::size_t i = 0; i < std::size(files); ++i) {
     SCOPED_TRACE(i);
     EXPECT_EQ(headerOf(files[i].pixelAndEnd()).status, CGImageSourceStatus::invalidData);
   }
