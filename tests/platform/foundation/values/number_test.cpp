@@ -10,6 +10,7 @@
 #include <limits>
 #include <regex>
 #include <set>
+#include <tuple>
 #include <utility>
 
 namespace FrameworkUtility {
@@ -53,16 +54,14 @@ TEST(NumberTest, NothingIsRoundedBeforeTheComparison) {
 }
 
 TEST(NumberTest, IntegersAreTruncatedTowardsZeroOrTheLow32Bits) {
-  struct Case {
-    Number number;
-    std::int64_t integer;
-    std::uint32_t low;
-  };
-  for (const Case& c :
-       {Case{-2.9, -2, 0xFFFFFFFE}, Case{-1, -1, 0xFFFFFFFF}, Case{-0x1p63, smallest, 0},
-        Case{true, 1, 1}, Case{0x1p32 + 9.5, 0x100000009, 9}}) {
-    EXPECT_EQ(c.number.integerValue(), c.integer);
-    EXPECT_EQ(c.number.unsignedIntValue(), c.low) << c.number;
+  for (const auto& [number, integer, low] :
+       {std::tuple<Number, std::int64_t, std::uint32_t>{-2.9, -2, 0xFFFFFFFE},
+        {-1, -1, 0xFFFFFFFF},
+        {-0x1p63, smallest, 0},
+        {true, 1, 1},
+        {0x1p32 + 9.5, 0x100000009, 9}}) {
+    EXPECT_EQ(number.integerValue(), integer);
+    EXPECT_EQ(number.unsignedIntValue(), low) << number;
   }
   EXPECT_EQ(Number(1e300).unsignedIntValue(), 0u);
   EXPECT_EQ(Number(largestUnsigned).unsignedIntValue(), 0xFFFFFFFFu);
