@@ -314,5 +314,15 @@ TEST(PngPixelsTest, TextsAreLatinWhereTheyCanBe) {
   }
 }
 
+TEST(PngPixelsTest, KeepsAnIntentThatThereIs) {
+  const CGImage image = imageOf(layoutOf(1, 1, 3, none), CGColorSpace::createDeviceRGB());
+  for (const auto& [intent, written] : {std::pair{0, 0}, {1, 1}, {3, 3}, {4, 0}, {-1, 0}}) {
+    EncodeRequest request;
+    request.properties = {{"{PNG}", Dictionary{{"sRGBIntent", intent}}}};
+    const std::vector<std::string> chunks = chunksOf(encodedBy(pngFormat, image, request));
+    EXPECT_EQ(chunks.back(), "sRGB:"s + static_cast<char>(written));
+  }
+}
+
 }  // namespace
 }  // namespace FrameworkUtility::testing
