@@ -12,6 +12,7 @@
 
 #include <gmock/gmock.h>
 
+#include <cmath>
 #include <filesystem>
 
 namespace FrameworkUtility {
@@ -25,6 +26,10 @@ class ImageWriterTest : public ::testing::Test {
  protected:
   std::string path(std::string_view name) const { return folder_.path(name); }
   URL url(std::string_view name) const { return URL::fileURLWithPath(path(name)); }
+  URL file(std::string_view name, const Data& data) const {
+    writeFile(path(name), data);
+    return url(name);
+  }
 
   const TemporaryFolder folder_;
   const CGImage image_ = redAndBlue(16, 8);
@@ -117,8 +122,6 @@ TEST_F(ImageWriterTest, ThePathFormsAnswerThePathWritten) {
   EXPECT_THAT(error, IsError(CGImageWriteToDiskError::imageIsNil));  // asked first
   EXPECT_FALSE(writeCGImageToPath(image_, "", {}, &error));
   EXPECT_THAT(error, IsError(CGImageWriteToDiskError::noPath));
-  EXPECT_FALSE(writeToPath(UIImage::withoutBitmap({5, 5}), path("f"), {}, &error));
-  EXPECT_THAT(error, IsError(CGImageWriteToDiskError::imageIsNil));
 }
 
 TEST_F(ImageWriterTest, EverySessionFileHasAFolderOfItsOwn) {
@@ -178,6 +181,56 @@ TEST_F(ImageWriterTest, AnAnswerAboutHeicFromAnotherTimeDoesNotCount) {
   suite->setObject(!truth, "canCreateHeic");
   suite->removeObjectForKey("canCreateHeicModule");
   EXPECT_EQ(canCreateHeic(), truth);
+}
+
+TEST_F(ImageWriterTest, AThumbnailIsUprightAndBoundedByTheLargerSide) {
+  const Dictionary turned{{"Orientation", 6}};
+  const URL turnedFile = file("a", encoded(redAndBlue(200, 100), "public.jpeg", turned));
+  const auto sizeFor = [&](Size asked) {
+    const std::optional<UIImage> thumbnail = thumbnailForImageAtURL(turnedFile, asked);
+    return thumbnail ? thumbnail->size() : Size();
+  };
+  for (const Size asked : {Size{50, 50}, {1, 50}, {50, -1}}) {
+    EXPECT_EQ(sizeFor(asked), (Size{25, 50}));
+  }
+  for (const Size asked : {Size{0, 0}, {-1, -50}, {NAN, 50}, {50, NAN}}) {
+    EXPECT_EQ(sizeFor(asked), Size());
+  }
+  EXPECT_EQ(thumbnailForImageAtURL(turnedFile, {9, 9})->imageOrientation(), UIImageOrientation::up);
+}
+
+TEST_F(ImageWriterTest, AThumbnailNeedsAWholeImageFileWithinTheLimits) {
+  const Data jpeg = encoded(redAndBlue(200, 100), "public.jpeg");
+  const auto codeFor = [](const URL& image, std::uint64_t mostPixels = 20'000) {
+    Error error;
+    EXPECT_FALSE(thumbnailForImageAtURL(image, {50, 50}, {.mostPixels = mostPixels}, &error));
+    return error.code();
+  };
+  EXPECT_EQ(codeFor(url("none")), 260);
+  EXPECT_EQ(codeFor(URL::fileURLWithPath(folder_.path())), 256);
+  EXPECT_EQ(codeFor(file("empty", Data())), 259);
+  EXPECT_EQ(codeFor(file("cut", Data(std::span(jpeg).first(30)))), 259);
+  EXPECT_EQ(codeFor(file("whole", jpeg), 19'999), 263);
+}
+
+TEST_F(ImageWriterTest, AThumbnailByWayOfTheDiskLeavesNoFile) {
+  const UIImage turned(redAndBlue(200, 100), 2, UIImageOrientation::right);
+  EXPECT_EQ(thumbnailWrittenOnDiskWithSize(turned, {50, 50}, "Thumbnail-1")->size(),
+            (Size{25, 50}));
+  for (const auto& entry :
+       std::filesystem::recursive_directory_iterator(temporaryDirectory() + "Thumbnail-1")) {
+    EXPECT_TRUE(entry.is_directory()) << entry.path();
+  }
+  const auto errorOf = [](const UIImage& image, Size size, std::string_view identifier) {
+    Error error;
+    EXPECT_FALSE(thumbnailWrittenOnDiskWithSize(image, size, identifier, &error));
+    return error;
+  };
+  EXPECT_TRUE(errorOf(turned, {50, 50}, "").is(CGImageWriteToDiskError::noFolder));
+  EXPECT_TRUE(errorOf(UIImage::withoutBitmap({5, 5}), {50, 50}, "T")
+                  .is(CGImageWriteToDiskError::imageIsNil));
+  EXPECT_EQ(errorOf(turned, {0, 0}, "T").localizedDescription(),
+            "A thumbnail needs a side above 0.");
 }
 
 }  // namespace

@@ -90,25 +90,20 @@ class KvSessionManagerTest : public ::testing::Test {
   ScopedUserDefaults defaults_{makeInMemoryUserDefaults()};
 };
 
-TEST_F(KvSessionManagerTest, TheGlobalIdentifierIsBareOnceAndAPathLater) {
+TEST_F(KvSessionManagerTest, TheGlobalIdentifierIsBareOnceAndAPathLaterWithAFolderOfItsOwn) {
   const std::string first = KvSessionManager::sessionIdentifierGlobal();
   EXPECT_THAT(first, MatchesRegex("SceneGlobal_[0-9A-F-]{36}"));
   for (int i = 0; i < 2; ++i) {
     EXPECT_EQ(KvSessionManager::sessionIdentifierGlobal(), temporaryDirectory() + first);
   }
+  const std::optional<std::string> folder = KvSessionManager::getNewValidFolderPathGlobal();
+  // The temporary directory stands in it twice.
+  EXPECT_EQ(folder, temporaryDirectory() + temporaryDirectory() + first);
+  EXPECT_TRUE(std::filesystem::is_directory(*folder));
   EXPECT_EQ(UserDefaults::standardUserDefaults()->stringForKey("sessionTemporaryFolderPath"),
             first);
   UserDefaults::standardUserDefaults()->setObject(7, "sessionTemporaryFolderPath");
   EXPECT_THAT(KvSessionManager::sessionIdentifierGlobal(), StartsWith("SceneGlobal_"));
-}
-
-TEST_F(KvSessionManagerTest, TheGlobalFolderIsTheSessionsOwn) {
-  const std::string globalPath = global();
-  const std::optional<std::string> folder = KvSessionManager::getNewValidFolderPathGlobal();
-  // The temporary directory stands in it twice.
-  EXPECT_EQ(folder, temporaryDirectory() + globalPath);
-  EXPECT_TRUE(std::filesystem::is_directory(*folder));
-  EXPECT_EQ(KvSessionManager::getNewValidFolderPathGlobal(), folder);
 }
 
 TEST_F(KvSessionManagerTest, AScenePutsItsDelegatesPrefixInFront) {
