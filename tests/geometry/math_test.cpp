@@ -3,7 +3,6 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <cmath>
 #include <cstdint>
 #include <limits>
@@ -43,16 +42,9 @@ TEST(MathTest, NormalizesDegrees) {
   EXPECT_EQ(Math::normalizeDegreeAngle(359.98), 359.98);
   EXPECT_EQ(Math::normalizeDegreeAngle(0.005), 0.005);
   EXPECT_EQ(Math::normalizeDegreeAngle(-1e20), 80);
-
-  Numbers numbers;
-  for (int i = 0; i < 1000; ++i) {
-    const double degrees = numbers.between(-1e6, 1e6);
-    const double expected = stepwise(degrees, 0, 360);
-    EXPECT_EQ(Math::normalizeDegreeAngle(degrees), expected > 359.99 ? 0 : expected) << degrees;
-  }
 }
 
-TEST(MathTest, NormalizesRadians) {
+TEST(MathTest, NormalizesRadiansWithTheBitsOfTheStepsAsLongAsTheseEnd) {
   for (const double radians : {2 * pi, -2 * pi, -0.0}) {
     EXPECT_EQ(Math::normalizeRadianAngle(radians), 0) << radians;
     EXPECT_FALSE(std::signbit(Math::normalizeRadianAngle(radians))) << radians;
@@ -62,9 +54,7 @@ TEST(MathTest, NormalizesRadians) {
   }
   EXPECT_EQ(Math::normalizeRadianAngle(3 * pi), pi);
   EXPECT_EQ(Math::normalizeRadianAngle(-3 * pi), -pi);
-}
 
-TEST(MathTest, RadiansHaveTheBitsOfTheStepsAsLongAsTheseEnd) {
   Numbers numbers;
   for (int i = 0; i < 1000; ++i) {
     const double near = numbers.between(-20'000, 20'000);
@@ -78,17 +68,6 @@ TEST(MathTest, MovesValuesByWholePeriods) {
   for (const auto& [value, normalized] :
        {std::pair{10.0, 10.0}, {20, 20}, {20.5, 10.5}, {30, 20}, {9, 19}, {0, 10}, {-10, 10}}) {
     EXPECT_EQ(Math::normalizeValue(value, 10, 20), normalized) << value;
-  }
-
-  // Far beyond what steps reach: 10^15 and the lines around it are whole numbers of periods.
-  Numbers numbers;
-  for (int i = 0; i < 1000; ++i) {
-    const double min = numbers.below(2001) - 1000;
-    const double period = numbers.below(500) + 1;
-    const double value = (numbers.below(2'000'001) - 1'000'000) * 1e9;
-    const double moved = Math::normalizeValue(value, min, min + period);
-    EXPECT_TRUE(min <= moved && moved <= min + period) << value << ' ' << min << ' ' << period;
-    EXPECT_EQ(std::fmod(value - moved, period), 0) << value << ' ' << min << ' ' << period;
   }
 }
 
@@ -134,21 +113,11 @@ TEST(MathTest, AnglesOfLines) {
   EXPECT_EQ(Math::angleBetweenPointA({1, 0}, {0, 1}, {0, 0}), -pi / 2);
   EXPECT_EQ(Math::angleBetweenPointA({0, 1}, {1, 0}, {0, 0}), pi / 2);
   EXPECT_EQ(Math::angleBetweenPointA({5, 7}, {5, 7}, {1, 2}), 0);
-
-  Numbers numbers;
-  for (int i = 0; i < 200; ++i) {
-    const Point center = numbers.point();
-    const Point a{center.x + numbers.between(1, 9), center.y + numbers.between(-9, 9)};
-    const double turn = numbers.between(-3.1, 3.1);
-    const Point b = Math::rotatePoint(a, center, turn);
-    EXPECT_NEAR(Math::angleBetweenPointA(a, b, center), -turn, 1e-9);
-    EXPECT_NEAR(Math::distanceBetweenPoint(center, a), Math::distanceBetweenPoint(center, b), 1e-9);
-  }
 }
 
 TEST(MathTest, PointsOnALine) {
   EXPECT_EQ(Math::pointOnLineFrom({3, 4}, {3, 4}, 100), (Point{3, 4}));
-  EXPECT_EQ(Math::pointOnLineFrom({0, 0}, {4, 0}, 10), (Point{10, 0}));
+  EXPECT_EQ(Math::pointOnLineFrom({0, 0}, {3, 4}, 10), (Point{6, 8}));
   EXPECT_EQ(Math::pointOnLineFrom({0, 0}, {4, 0}, -2), (Point{-2, 0}));
   EXPECT_EQ(Math::centerPointOfLineFrom({largest, 0}, {largest, 3}), (Point{largest, 1.5}));
   EXPECT_EQ(Math::distanceBetweenPoint({1, 1}, {-2, 5}), 5);
@@ -172,47 +141,22 @@ TEST(MathTest, IntersectsClosedSegments) {
     EXPECT_EQ(Math::intersectionOfLineFrom(a, b, c, d), meet) << what;
     EXPECT_EQ(Math::intersectionOfLineFrom(d, c, b, a), meet) << what << ", the other way";
   }
-
-  // Segments made around a point meet there.
-  Numbers numbers;
-  for (int i = 0; i < 500; ++i) {
-    const Point a = numbers.point(), b = numbers.point();
-    const Point at = numbers.point();
-    const auto beyond = [&](Point from) {
-      return Math::pointOnLineFrom(from, at, Math::distanceBetweenPoint(from, at) * 1.5);
-    };
-    const auto meet = Math::intersectionOfLineFrom(a, beyond(a), b, beyond(b));
-    ASSERT_TRUE(meet);
-    EXPECT_NEAR(Math::distanceBetweenPoint(*meet, at), 0, 1e-6);
-  }
 }
 
 TEST(MathTest, FitsInsideAndOutside) {
-  const auto middle = [](const Rect& rect) { return Point{rect.midX(), rect.midY()}; };
-  Numbers numbers;
-  for (int i = 0; i < 500; ++i) {
-    const Size aspect = numbers.size();
-    const Rect bound(numbers.point(), numbers.size());
-    const double proportion = aspect.width / aspect.height;
-
-    const Size inside = Math::makeSizeWithAspectRatioInsideSize(aspect, bound.size);
-    EXPECT_NEAR(inside.width / inside.height, proportion, 1e-9 * proportion);
-    EXPECT_NEAR(std::max(inside.width / bound.width(), inside.height / bound.height()), 1, 1e-12);
-    const Rect insideRect = Math::makeRectWithAspectRatioInsideRect(aspect, bound);
-    EXPECT_EQ(insideRect.size, inside);
-    EXPECT_LT(Math::distanceBetweenPoint(middle(insideRect), middle(bound)), 1e-9);
-
-    const Size outside = Math::makeSizeWithAspectRatioOutsideSize(aspect, bound.size);
-    EXPECT_NEAR(outside.width / outside.height, proportion, 1e-9 * proportion);
-    EXPECT_NEAR(std::min(outside.width / bound.width(), outside.height / bound.height()), 1, 1e-12);
-    const Rect outsideRect = Math::makeRectWithAspectRatioOutsideRect(aspect, bound);
-    EXPECT_EQ(outsideRect.size, outside);
-    // The bound's origin is not added.
-    EXPECT_LT(Math::distanceBetweenPoint(middle(outsideRect), bound.size.center()), 1e-9);
+  const Rect bound(10, 20, 100, 100);
+  struct Case {
+    Size aspect;
+    Rect inside, outside;  // the bound's origin is not added to what is outside
+  };
+  for (const auto& [aspect, inside, outside] :
+       {Case{{8, 4}, Rect(10, 45, 100, 50), Rect(-50, 0, 200, 100)},
+        Case{{1, 4}, Rect(47.5, 20, 25, 100), Rect(0, -150, 100, 400)}}) {
+    EXPECT_EQ(Math::makeSizeWithAspectRatioInsideSize(aspect, bound.size), inside.size);
+    EXPECT_EQ(Math::makeRectWithAspectRatioInsideRect(aspect, bound), inside);
+    EXPECT_EQ(Math::makeSizeWithAspectRatioOutsideSize(aspect, bound.size), outside.size);
+    EXPECT_EQ(Math::makeRectWithAspectRatioOutsideRect(aspect, bound), outside);
   }
-}
-
-TEST(MathTest, FitsAtTheEdges) {
   for (const Size& aspect : {Size{0, 5}, Size{5, 0}, Size{-1, 1}}) {
     EXPECT_EQ(Math::makeSizeWithAspectRatioOutsideSize(aspect, {100, 100}), Size{});
     EXPECT_EQ(Math::makeRectWithAspectRatioOutsideRect(aspect, Rect(1, 2, 100, 100)), Rect{});

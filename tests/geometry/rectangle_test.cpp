@@ -152,21 +152,6 @@ class Shapes {
   Numbers numbers_;
 };
 
-TEST(KvRectangleTest, ContainmentIsExactAwayFromTheOddities) {
-  Shapes shapes;
-  int inside = 0;
-  for (int i = 0; i < 20'000; ++i) {
-    const KvRectangle shape = shapes.shape(i);
-    const Point point = shapes.point();
-    const auto sides = shape.segments();
-    const bool expected = std::all_of(sides.begin(), sides.end(),
-                                      [&](const auto& side) { return rightOf(side, point) > 0; });
-    if (expected) ++inside;
-    ASSERT_EQ(shape.isPointInside(point), expected) << shape << " and " << point;
-  }
-  EXPECT_TRUE(inside > 1000 && inside < 18'000) << inside;
-}
-
 TEST(KvRectangleTest, ApartIsExactAwayFromTheOdditiesAndMovesAlong) {
   Shapes shapes;
   int apart = 0;
