@@ -1,4 +1,4 @@
-#include <framework_utility/color/color.h>
+#include <framework_utility/color/color_transformer.h>
 #include <framework_utility/errors/archive_error.h>
 #include <framework_utility/platform/foundation/archives/coder_error.h>
 #include <framework_utility/platform/foundation/archives/keyed_archiver.h>
@@ -13,6 +13,7 @@
 #include <limits>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace FrameworkUtility {
 namespace {
@@ -20,6 +21,7 @@ namespace {
 using testing::archiveOf;
 using testing::archiveOfObject;
 using testing::classRecord;
+using ::testing::ElementsAre;
 using testing::IsError;
 using testing::reference;
 
@@ -52,15 +54,9 @@ TEST(ColorCodingTest, ComesBackInSinglePrecisionAndWithoutVariants) {
   const auto again = [](const KvColor& color) {
     return KvColor::unarchivedData(color.archivedData());
   };
-  int changed = 0;
-  for (int i = 0; i <= 100; ++i) {
-    const double component = i / 100.0;
-    const auto read = again(KvColor(component, 0, 0));
-    ASSERT_TRUE(read);
-    EXPECT_EQ(read->red, static_cast<double>(static_cast<float>(component)));
-    if (*read != KvColor(component, 0, 0)) ++changed;
-  }
-  EXPECT_EQ(changed, 47) << "of the hundredths; it is meant";
+  EXPECT_EQ(again(KvColor(0.1, 0, 0)).value().red, 0.1F);
+  EXPECT_NE(again(KvColor::withWhite(0.01, 1)), KvColor::withWhite(0.01, 1))
+      << "a hundredth less; it is meant";
   for (int i = 0; i <= 255; ++i) {
     const KvColor color(i / 255.0, 0, (255 - i) / 255.0);
     EXPECT_EQ(again(color), color) << i;
@@ -159,6 +155,43 @@ TEST(ColorCodingTest, WithoutSecureCodingNothingIsArchived) {
                                                           SecureCoding::notRequired));
   KvColor::setSupportsSecureCoding(true);
   EXPECT_EQ(KvColor::unarchivedData(data), KvColor::blackColor());
+}
+
+std::optional<Value> archived(const Value& value) {
+  return *NSKeyedArchiver::archivedDataWithRootObject(value, SecureCoding::required);
+}
+
+TEST(ColorTransformerTest, TheStoreFindsItByName) {
+  KvColorTransformer::registerTransformer();
+  const auto transformer = NSValueTransformer::valueTransformerForName("KvColorTransformer");
+  ASSERT_TRUE(transformer);
+  EXPECT_TRUE(transformer->allowsReverseTransformation());
+  EXPECT_THAT(KvColorTransformer().allowedTopLevelClasses(),
+              ElementsAre("NSArray", "NSNumber", "FrameworkUtility.KvColor"));
+
+  for (const std::vector<KvColor>& colors :
+       {std::vector{KvColor(1, 0.5, 0.25, 0.75), KvColor::blackColor()}, std::vector<KvColor>{}}) {
+    const std::optional<Value> data = transformer->reverseTransformedValue(boxedColors(colors));
+    ASSERT_TRUE(data && data->as<Data>());
+    EXPECT_EQ(unboxedColors(transformer->transformedValue(data)), colors);
+  }
+}
+
+TEST(ColorTransformerTest, AnythingElseGivesNothing) {
+  const KvColorTransformer transformer;
+  const Value color = boxed(KvColor::blackColor());
+  for (const std::optional<Value>& value :
+       {std::optional<Value>(), std::optional<Value>(Value()), std::optional<Value>(5),
+        std::optional<Value>("text"), std::optional<Value>(Data()), archived(color),
+        archived(Value(Array{color, 5})), archived(Value(Array{"text"})),
+        archived(Value(Array{Value(Array{color})})), archived(Dictionary{{"color", color}})}) {
+    SCOPED_TRACE(value ? value->description() : "absent");
+    EXPECT_FALSE(transformer.transformedValue(value));
+    EXPECT_FALSE(transformer.reverseTransformedValue(value));
+  }
+  for (const Value& list : {Value(Array{color, 5}), Value(Array{"text"}), color}) {
+    EXPECT_FALSE(transformer.reverseTransformedValue(list)) << list;
+  }
 }
 
 }  // namespace

@@ -63,6 +63,7 @@ TEST(KvGradientTest, EvenLocationsAreSums) {
 TEST(KvGradientTest, RandomOnesHaveTwoToSixColors) {
   std::set<std::size_t> counts;
   std::set<KvGradientType> types;
+  std::set<double> components;
   for (int i = 0; i < 500; ++i) {
     const KvGradient gradient = KvGradient::random();
     const std::vector<double> locations = locationsOf(gradient);
@@ -71,7 +72,9 @@ TEST(KvGradientTest, RandomOnesHaveTwoToSixColors) {
     ASSERT_EQ(locations.size(), gradient.colors.size());
     for (std::size_t k = 0; k < locations.size(); ++k) {
       ASSERT_EQ(locations[k], static_cast<double>(k) / static_cast<double>(locations.size() - 1));
-      ASSERT_EQ(gradient.colors[k].alpha, 1);
+      const KvColor& color = gradient.colors[k];
+      ASSERT_EQ(color.alpha, 1);
+      components.insert({color.red, color.green, color.blue});
     }
     for (const Point point : {gradient.startPointNormalized, gradient.endPointNormalized}) {
       ASSERT_TRUE(point.x >= 0 && point.x <= 1 && point.y >= 0 && point.y <= 1);
@@ -79,6 +82,9 @@ TEST(KvGradientTest, RandomOnesHaveTwoToSixColors) {
   }
   EXPECT_THAT(counts, ElementsAre(2U, 3U, 4U, 5U, 6U));
   EXPECT_THAT(types, ElementsAre(linear, radial));
+  // 3000 uniform numbers at least: none below a tenth has a chance of 1e-137.
+  EXPECT_TRUE(*components.begin() >= 0 && *components.begin() < 0.1);
+  EXPECT_TRUE(*components.rbegin() <= 1 && *components.rbegin() > 0.9);
 }
 
 TEST(KvGradientTest, MismatchedStopsHaveNoCGGradientAndDrawNothing) {
