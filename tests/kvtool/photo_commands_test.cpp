@@ -137,15 +137,6 @@ TEST_F(PhotoCommandsTest, APlaceChangesOnlyWhatItSays) {
   EXPECT_THAT(bare, Not(HasSubstr("{GPS} Altitude")));
 }
 
-TEST_F(PhotoCommandsTest, SaveChoosesTheType) {
-  write("a.png", redAndBlue(20, 10), "png");
-  for (const auto& [options, extension] : {std::pair<std::string, std::string>{"", "png"},
-                                           {"--type jpg", "jpeg"},
-                                           {"--type public.jpeg", "jpeg"}}) {
-    EXPECT_THAT(output("save a.png " + options), EndsWith("/a." + extension + "\n"));
-  }
-}
-
 TEST_F(PhotoCommandsTest, ThumbnailBearsExactlyTheNameGiven) {
   write("a.jpg", redAndBlue(200, 100), "jpeg", everyFact);
   for (const auto& [name, type] : {std::pair{"small", "public.jpeg"},

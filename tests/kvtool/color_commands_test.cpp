@@ -1,11 +1,13 @@
 #include <framework_utility/color/images/color_analysis.h>
+#include <framework_utility/color/images/gradient_image.h>
+#include <framework_utility/platform/graphics/rgba_rows.h>
 #include <framework_utility/platform/imageio/metadata/values/property_keys.h>
 #include <framework_utility/platform/imageio/ui_image_coding.h>
 #include <tests/kvtool/kvtool_test.h>
 
 #include <array>
 #include <cstddef>
-#include <cstdio>
+#include <cstdint>
 #include <tuple>
 #include <utility>
 #include <vector>
@@ -14,6 +16,7 @@ namespace FrameworkUtility {
 namespace {
 
 using enum CGImageAlphaInfo;
+using enum GradientDirection;
 
 /// Six stripes, each half as wide as the one before it.
 CGImage striped(CGImageAlphaInfo info) {
@@ -62,18 +65,13 @@ TEST_F(PaletteCommandTest, NamesTheColoursThatTheAnalysisFinds) {
   }
 }
 
-TEST_F(PaletteCommandTest, JsonReadsBackAsTheVeryNumbers) {
+TEST_F(PaletteCommandTest, JsonHoldsTheVeryNumbers) {
   for (const auto& [name, hasAlpha] : {std::pair{"opaque.png", "false"}, {"alpha.png", "true"}}) {
-    const std::string json = output(std::string("palette --json --quality full -c 1 ") + name);
-    double red = 0, green = 0, blue = 0;
-    int end = 0;
-    const std::string format =
-        std::string("{\"file\": \"") + name + "\", \"containsAlpha\": " + hasAlpha +
-        R"(, "colors": [{"hex": "#C86432", "red": %lf, "green": %lf, "blue": %lf}]})"
-        "\n%n";
-    std::sscanf(json.c_str(), format.c_str(), &red, &green, &blue, &end);
-    EXPECT_EQ(end, static_cast<int>(json.size())) << json;
-    EXPECT_EQ((std::array{red, green, blue}), (std::array{200 / 255.0, 100 / 255.0, 50 / 255.0}));
+    EXPECT_EQ(output(std::string("palette --json --quality full -c 1 ") + name),
+              std::string(R"({"file": ")") + name + R"(", "containsAlpha": )" + hasAlpha +
+                  R"(, "colors": [{"hex": "#C86432", "red": 0.7843137254901961, )"
+                  R"("green": 0.39215686274509803, "blue": 0.19607843137254902}]})"
+                  "\n");
   }
 }
 
@@ -108,6 +106,44 @@ TEST_F(PaletteCommandTest, ThePhotoStandsUprightAndNoLargerThanTheScreen) {
   const auto picture = imageWithContentsOfFile(path("strip.png"));
   ASSERT_TRUE(picture);
   EXPECT_EQ(picture->size(), (Size{51 + 12, 1024}));
+}
+
+class GradientCommandTest : public testing::KvtoolTest {};
+
+std::vector<std::uint8_t> pixelsOf(const CGImage& image) {
+  const auto pixels = detail::rgbaPixels(image, detail::AlphaForm::straight);
+  return {pixels->data(), pixels->data() + pixels->size()};
+}
+
+TEST_F(GradientCommandTest, DrawsEveryKind) {
+  const std::vector<KvColor> colors = {{1, 128.0 / 255, 0}, {0, 64.0 / 255, 1}, {1, 1, 1}};
+  const Size size{40, 30};
+  KvGradient circle(colors, horizontal);
+  circle.type = KvGradientType::radial;
+  circle.startPointNormalized = {0.5, 0.5};
+  struct Case {
+    std::string arguments;
+    std::optional<UIImage> expected;
+  };
+  const std::string list = " --colors '#FF8000,#0040ff,#FFFFFF'";
+  for (const auto& [arguments, expected] : std::initializer_list<Case>{
+           {"linear" + list, generateGradientImageOfSize(size, horizontal, colors)},
+           {"linear --vertical" + list, generateGradientImageOfSize(size, vertical, colors)},
+           {"radial" + list, generateGradientImageOfSize(size, 1, circle)},
+           {"conical" + list, conicalGradientImageWithColors(colors, size, 1)},
+           {"hue", generateHueGradientImageOfSize(size, horizontal)},
+           {"lightness", generateSelectiveLightnessGradientImageOfSize(size, horizontal)},
+           {"selective", selectiveHueGradientImageForType(SelectiveHsl::red, size, horizontal)},
+           {"selective --vertical --colors '#2060F0'",
+            selectiveHueGradientImageForType(SelectiveHsl::blue, size, vertical)},
+           {"selective --colors '#FF0008'",  // just before the circle closes
+            selectiveHueGradientImageForType(SelectiveHsl::red, size, horizontal)}}) {
+    SCOPED_TRACE(arguments);
+    EXPECT_EQ(output("gradient --size 40x30 --out a.png --kind " + arguments), "");
+    const auto drawn = imageWithContentsOfFile(path("a.png"));
+    ASSERT_TRUE(drawn);
+    EXPECT_EQ(pixelsOf(*drawn->cgImage()), pixelsOf(*expected->cgImage()));
+  }
 }
 
 }  // namespace
