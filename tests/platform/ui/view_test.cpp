@@ -117,8 +117,6 @@ TEST(ViewDeathTest, AViewCannotBeAboveItself) {
 }
 
 TEST(ControlsTest, LabelsAndPicturesTakeNoTouchesAtFirst) {
-  EXPECT_TRUE(UIControl().isUserInteractionEnabled());
-  EXPECT_TRUE(UIButton().isUserInteractionEnabled());
   EXPECT_FALSE(UILabel().isUserInteractionEnabled());
   EXPECT_FALSE(UIImageView().isUserInteractionEnabled());
   EXPECT_FALSE(UIImageView(std::optional<UIImage>()).isUserInteractionEnabled());
@@ -132,19 +130,6 @@ TEST(ControlsTest, APictureGivesItsViewItsSize) {
   EXPECT_EQ(view.image()->size(), small.size());
   EXPECT_EQ(view.highlightedImage()->size(), large.size());
   EXPECT_EQ(empty.frame(), Rect());
-  EXPECT_EQ(empty.image(), std::nullopt);
-}
-
-TEST(ScrollViewTest, ScrollingMovesTheBoundsAndWhatIsInside) {
-  UIScrollView view(Rect(10, 20, 100, 100));
-  const auto cell = std::make_shared<UIView>(Rect(0, 500, 100, 50));
-  view.addSubview(cell);
-  view.setContentOffset({0, 480});
-  EXPECT_EQ(view.contentOffset(), (Point{0, 480}));
-  EXPECT_EQ(view.bounds(), Rect(0, 480, 100, 100));
-  EXPECT_EQ(view.frame(), Rect(10, 20, 100, 100));
-  const UIView screen;
-  EXPECT_EQ(cell->convertPointToCoordinateSpace({5, 5}, screen), (Point{15, 45}));
 }
 
 TEST(CollectionViewDeathTest, NeedsALayout) {
