@@ -146,28 +146,14 @@ TEST(ExifReadTest, ATruncatedBlockGivesNothingElseThanTheWholeOne) {
   }
 }
 
-TEST(ExifReadTest, EndsForEveryPointer) {
-  // A directory of 65,535 records that all lead to itself.
+TEST(ExifReadTest, ADirectoryOfRecordsThatAllLeadToItselfEnds) {
   TestBlock block;
   for (int i = 0; i < 65535; ++i) {
     block.image.push_back({static_cast<std::uint16_t>(i % 2 == 0 ? 0x8769 : 0x8825), longs(8)});
   }
-  ByteVector bytes = block.bytes();
+  const ByteVector bytes = block.bytes();
   EXPECT_TRUE(readExif(bytes).empty());
   EXPECT_TRUE(detail::mergeExif(bytes, {}, {}).empty());
-
-  // Every offset of a small block in turn, past the end and backwards included.
-  const ByteVector whole = photograph(std::endian::big).bytes();
-  for (std::size_t at = 4; at + 4 <= whole.size(); ++at) {
-    for (const std::size_t offset : {std::size_t{0}, std::size_t{8}, at, whole.size() - 1,
-                                     std::size_t{0x7FFFFFFF}, std::size_t{0xFFFFFFFF}}) {
-      bytes = whole;
-      store(bytes, at, offset, 4);
-      const Dictionary properties = readExif(bytes);
-      ASSERT_EQ(readExif(detail::mergeExif(bytes, properties, {})), properties)
-          << at << ' ' << offset;
-    }
-  }
 }
 
 }  // namespace
