@@ -214,8 +214,9 @@ TEST(BmpTest, AFileThatIsCutHasNoPixels) {
 
 TEST(BmpTest, RefusesWhatContradictsItself) {
   const Bytes some(64);
-  for (const BmpFile& file :
-       {BmpFile{.width = -1, .pixels = some}, BmpFile{.height = 0, .pixels = some}}) {
+  for (const BmpFile& file : {BmpFile{.width = -1, .pixels = some},
+                              {.width = 0, .pixels = some},
+                              {.height = 0, .pixels = some}}) {
     EXPECT_EQ(headerOf(file.data()).status, invalidData);
   }
   // Pixels inside the header, beyond the file, a header of 41 bytes, and a sign of no one's.

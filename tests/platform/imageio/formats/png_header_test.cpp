@@ -116,7 +116,8 @@ TEST(PngHeaderTest, RefusesHeadersThatContradictThemselves) {
                      PngFile().header(1, 1, 8, 3),  // no palette
                      dot().header(1, 1, 8, 0),
                      dot().chunk("IEND", ""),
-                     dot().chunk("1DAT", "")};
+                     dot().chunk("1DAT", ""),
+                     dot().chunk("IDA[", "")};
   for (std::size_t i = 0; i < std::size(files); ++i) {
     SCOPED_TRACE(i);
     EXPECT_EQ(headerOf(files[i].pixelAndEnd()).status, CGImageSourceStatus::invalidData);
