@@ -79,20 +79,12 @@ Data archiveOfReferences(std::size_t count, std::size_t parts, const char* class
 }
 
 // Each of these looks at 10^10 parts and more, unless what is looked at counts.
-TEST(ArchiveAmplificationTest, ArchivesEndSoonOrAreRefused) {
+TEST(ArchiveAmplificationTest, ArchivesAreRefusedSoon) {
   const Data archives[] = {archiveOfReferences(100'000, 100'000, "NSDate"),
                            archiveOfReferences(100'000, 100'000, "NSDictionary")};
   for (const Data& archive : archives) {
-    const Expense expense =
-        expenseOf([] {},
-                  [&] {
-                    Error error;
-                    if (NSKeyedUnarchiver::unarchivedObjectOfClasses(
-                            {"NSArray", "NSDate", "NSDictionary", "NSURL"}, archive, &error)) {
-                      std::abort();
-                    }
-                  });
-    EXPECT_TRUE(expense.isDone) << archive.size();
+    EXPECT_FALSE(NSKeyedUnarchiver::unarchivedObjectOfClasses(
+        {"NSArray", "NSDate", "NSDictionary", "NSURL"}, archive));
   }
 }
 

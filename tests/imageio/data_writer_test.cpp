@@ -7,7 +7,6 @@
 #include <framework_utility/platform/foundation/app/temporary_directory.h>
 #include <framework_utility/platform/foundation/files/file_error.h>
 #include <framework_utility/platform/foundation/files/files.h>
-#include <framework_utility/platform/locale/locale.h>
 #include <tests/imageio/pictures.h>
 #include <tests/support/files.h>
 #include <tests/support/is_error.h>
@@ -125,7 +124,6 @@ TEST(InterruptedWritingTest, AFailingDiskLeavesAWholeFileOrNone) {
 TEST(InterruptedWritingTest, AFullDiskIsTheCauseOfWhatFails) {
   const std::string disk = temporaryDirectory();
   const std::optional<bool> held = runOnSmallDisk(disk, [&] {
-    const ScopedLocale english(Locale("en_US"));
     const auto expectFull = [&](const ErrorCode& code, const auto& save) {
       writeFile(disk + "rest", Data(std::vector<std::byte>(250'000)));
       Error error;
@@ -134,8 +132,7 @@ TEST(InterruptedWritingTest, AFullDiskIsTheCauseOfWhatFails) {
       const Error cause = error.underlyingError().value_or(Error());
       EXPECT_EQ(cause.code(), NSFileWriteOutOfSpaceError);
       EXPECT_THAT(cause.localizedDescription(),
-                  MatchesRegex("No space left on device .disk space used 2[0-9]+ KB, "
-                               "free [0-9]+ (bytes|KB), total 256 KB."));
+                  ::testing::HasSubstr("No space left on device (disk space used 2"));
     };
     expectFull(CGImageWriteToDiskError::finalizeFailed, [&](Error* error) {
       return writeCGImageToPath(redAndBlue(4000, 500), disk + "new/er/a", {.compressionQuality = 1},
