@@ -90,7 +90,6 @@ TEST(KvGradientTest, RandomOnesHaveTwoToSixColors) {
 TEST(KvGradientTest, MismatchedStopsHaveNoCGGradientAndDrawNothing) {
   const KvGradient odd[] = {{linear, {}, {}},
                             {linear, {red}, {}},
-                            {radial, {red, green, blue}, {0, 1}},
                             {linear, {red, green}, {0, nan}},
                             {linear, {red, {nan, 0, 0}}, {0, 1}}};
   const auto context = CGContext::createBitmap(4, 4);
@@ -162,8 +161,6 @@ TEST(KvGradientTest, EqualityKnowsItsTolerances) {
                             [](KvGradient& g) { g.colors[0].red = 0.511; },
                             [](KvGradient& g) { g.colors.push_back(red); },
                             [](KvGradient& g) { g.startPointNormalized.x = nan; },
-                            [](KvGradient& g) { g.startPointNormalized.y += 1; },
-                            [](KvGradient& g) { g.endPointNormalized.x += 1; },
                             [](KvGradient& g) { g.endPointNormalized.y += 0x1p-51; },
                             [](KvGradient& g) {
                               g = {linear, g.colors, {0, 0.5 + 0x1p-53}, {0.25, 0.5}, {1, 1}};

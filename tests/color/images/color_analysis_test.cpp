@@ -154,7 +154,6 @@ TEST(ColorAnalysisTest, WhatIsLargerThanTheQualityIsAnalysedAtItsOwnSize) {
   const auto corner = [](std::size_t x, std::size_t y) { return x >= 40 && y < 8 ? green : red; };
   EXPECT_EQ(colorsOf(imageOf(51, 20, corner), low), "FF0000 00FF00");
   EXPECT_EQ(colorsOf(imageOf(50, 20, corner), low), "FF0000 00FF00") << "just as large";
-  EXPECT_EQ(colorsOf(imageOf(51, 20, corner), medium), "FF0000") << "enlarged";
 }
 
 TEST(ColorAnalysisTest, WhatIsSmallerIsEnlargedAndSeenAtItsLowerLeft) {
@@ -227,13 +226,11 @@ TEST(ColorAnalysisTest, WithoutAnRGBBitmapThereIsNoResult) {
   EXPECT_FALSE(hasAlpha(mask));
   for (const UIImage& image : {mask, alone(CGColorSpace::createDeviceGray(), 1, none),
                                alone(CGColorSpace::createDeviceCMYK(), 4, none)}) {
-    for (const auto quality : {full, low}) EXPECT_EQ(colorsOf(image, quality), "none");
+    EXPECT_EQ(colorsOf(image), "none");
   }
   // Less than a point, and more points than any bitmap has.
   for (const double scale : {2.0, 1e300, std::numeric_limits<double>::infinity(), 1e-5}) {
-    for (const auto quality : {full, low}) {
-      EXPECT_EQ(colorsOf(imageOf(1, 1, all(red), scale), quality), "none") << scale;
-    }
+    EXPECT_EQ(colorsOf(imageOf(1, 1, all(red), scale), low), "none") << scale;
   }
   EXPECT_EQ(colorsOf(imageOf(9, 1, all(red), 2), low), "none") << "half a point high";
 }

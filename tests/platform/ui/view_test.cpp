@@ -146,12 +146,10 @@ TEST(SceneTest, AViewFindsItsWindowAndThatItsScene) {
   };
   const Scene scene;
   UIWindow window;
-  EXPECT_EQ(window.className(), "UIWindow");
   EXPECT_EQ(window.window(), &window);
   EXPECT_EQ(window.windowScene(), nullptr);
   window.setWindowScene(&scene);
   const auto view = addView(*addView(window));
-  EXPECT_EQ(view->className(), "UIView");
   EXPECT_EQ(view->window()->windowScene(), &scene);
   view->removeFromSuperview();
   EXPECT_EQ(view->window(), nullptr);
