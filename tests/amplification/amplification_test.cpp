@@ -199,7 +199,6 @@ void forEachFile(const std::function<void(const char*, const Data&)>& visit) {
   visit("keywords of Latin-1", jpegWith(segments(0xED, photoshop, iptc(repeated(500, keyword)))));
   visit("a Latin-1 text in a PNG",
         pngWith("zTXt", "Comment\0\0"s, repeated(15 * mebibyte, latin1)));
-  visit("XMP with a long text", pngWithXmp("", make(std::string(7 * mebibyte, 'x'))));
   visit("XMP with a long attribute",
         pngWithXmp(" tiff:Make='" + std::string(7 * mebibyte, 'x') + "'", ""));
   visit("XMP with a text that just fits", pngWithXmp("", make(std::string(7'000'000, 'x'))));
@@ -260,8 +259,7 @@ TEST(MetadataAmplificationTest, ASaveKeepsWhatWasLeftOut) {
   forEachFile([&](const char* name, const Data& file) {
     SCOPED_TRACE(name);
     readProperties(file);
-    const Value* leftOut = properties.find(kKvImagePropertyMetadataLeftOut);
-    if (!leftOut || !blocks) return;
+    if (!properties.find(kKvImagePropertyMetadataLeftOut) || !blocks) return;
     ++cases;
     const auto destination = CGImageDestination::createInMemory(*source->type(), 1);
     destination->addImage(quarters(1, 1), properties, blocks);
@@ -271,13 +269,6 @@ TEST(MetadataAmplificationTest, ASaveKeepsWhatWasLeftOut) {
     ASSERT_TRUE(kept);
     EXPECT_EQ(kept->xmp, blocks->xmp);
     EXPECT_EQ(kept->imageResources, blocks->imageResources);
-    // What is there again is left out again. A block above a megabyte is laid out anew, without
-    // values that share bytes.
-    const Dictionary read = again->propertiesAtIndex(0).value();
-    const Value* leftOutAgain = read.find(kKvImagePropertyMetadataLeftOut);
-    if (!blocks->exif.empty() && blocks->exif.size() <= mebibyte) {
-      EXPECT_TRUE(leftOutAgain && *leftOutAgain == *leftOut);
-    }
   });
   EXPECT_GE(cases, 8);
 }
