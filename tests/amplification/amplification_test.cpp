@@ -10,12 +10,12 @@
 #include <framework_utility/platform/imageio/image_source.h>
 #include <framework_utility/platform/imageio/metadata/metadata_blocks.h>
 #include <framework_utility/platform/imageio/metadata/values/property_keys.h>
+#include <tests/amplification/expense.h>
 #include <tests/platform/foundation/property_lists/binary_list.h>
 #include <tests/platform/imageio/formats/jpeg_file.h>
 #include <tests/platform/imageio/formats/png_file.h>
 #include <tests/platform/imageio/metadata/exif_block.h>
 #include <tests/support/archives.h>
-#include <tests/support/expense.h>
 #include <tools/kvtool/console/json.h>
 
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-#include <tests/support/expense.h>
+#pragma once
 
 #include <malloc.h>
 #include <sys/resource.h>
@@ -7,6 +7,7 @@
 
 #include <cstdio>
 #include <fstream>
+#include <functional>
 #include <string>
 
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
@@ -18,7 +19,12 @@
 #endif
 
 namespace FrameworkUtility::testing {
-namespace {
+
+/// What some work took.
+struct Expense {
+  bool isDone = false;     ///< Else it crashed, or took a minute of processor time.
+  std::size_t memory = 0;  ///< In bytes, at most, above what was there when it began.
+};
 
 #ifdef FRAMEWORK_UTILITY_SANITIZED
 constexpr bool isMeasured = false;
@@ -27,7 +33,7 @@ constexpr bool isMeasured = true;
 #endif
 
 /// "VmRSS:" or "VmHWM:" of this process, in bytes.
-std::size_t status(const std::string& name) {
+inline std::size_t status(const std::string& name) {
   std::ifstream file("/proc/self/status");
   for (std::string word; file >> word;) {
     if (std::size_t kilobytes = 0; word == name && file >> kilobytes) return kilobytes * 1024;
@@ -35,13 +41,14 @@ std::size_t status(const std::string& name) {
   return 0;
 }
 
-void limit(int resource, rlim_t amount) {
+inline void limit(int resource, rlim_t amount) {
   const rlimit both{amount, amount};
   setrlimit(static_cast<__rlimit_resource>(resource), &both);
 }
 
 /// In the child.
-std::size_t memoryOf(const std::function<void()>& preparation, const std::function<void()>& work) {
+inline std::size_t memoryOf(const std::function<void()>& preparation,
+                            const std::function<void()>& work) {
   constexpr rlim_t seconds = 60, enough = rlim_t{4} << 30;
   limit(RLIMIT_CPU, seconds);
   limit(RLIMIT_CORE, 0);
@@ -55,9 +62,11 @@ std::size_t memoryOf(const std::function<void()>& preparation, const std::functi
   return isMeasured && peak > before ? peak - before : 0;
 }
 
-}  // namespace
-
-Expense expenseOf(const std::function<void()>& preparation, const std::function<void()>& work) {
+/// Does `work` behind `preparation`, whose expense does not count, in a process of its own. Memory
+/// is not measured under sanitizers, which need a multiple of it for themselves: that is said, and
+/// the expense is 0.
+inline Expense expenseOf(const std::function<void()>& preparation,
+                         const std::function<void()>& work) {
   if (!isMeasured) std::puts("memory is not measured under a sanitizer");
   std::fflush(nullptr);
   int ends[2];
