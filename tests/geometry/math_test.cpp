@@ -69,6 +69,9 @@ TEST(MathTest, MovesValuesByWholePeriods) {
        {std::pair{10.0, 10.0}, {20, 20}, {20.5, 10.5}, {30, 20}, {9, 19}, {0, 10}, {-10, 10}}) {
     EXPECT_EQ(Math::normalizeValue(value, 10, 20), normalized) << value;
   }
+  // Far beyond what steps reach.
+  EXPECT_EQ(Math::normalizeValue(1e15 + 3, 10, 20), 13);
+  EXPECT_EQ(Math::normalizeValue(-1e15 - 3, 10, 20), 17);
 }
 
 TEST(MathTest, NormalizingEndsForEveryInput) {
@@ -134,6 +137,7 @@ TEST(MathTest, IntersectsClosedSegments) {
         Case{"shared end", {0, 0}, {1, 2}, {1, 2}, {5, 0}, Point{1, 2}},
         Case{"end on the other's middle", {0, 0}, {4, 0}, {2, 0}, {2, 9}, Point{2, 0}},
         Case{"short of it", {0, 0}, {1, 1}, {0, 4}, {4, 0}, std::nullopt},
+        Case{"behind it", {1, 1}, {0, 0}, {0, 4}, {4, 0}, std::nullopt},
         Case{"parallel", {0, 0}, {4, 0}, {0, 1}, {4, 1}, std::nullopt},
         Case{"overlapping", {0, 0}, {4, 0}, {2, 0}, {9, 0}, std::nullopt},
         Case{"a point", {1, 1}, {1, 1}, {0, 0}, {2, 2}, std::nullopt},
@@ -144,14 +148,14 @@ TEST(MathTest, IntersectsClosedSegments) {
 }
 
 TEST(MathTest, FitsInsideAndOutside) {
-  const Rect bound(10, 20, 100, 100);
+  const Rect bound(10, 20, 200, 100);
   struct Case {
     Size aspect;
     Rect inside, outside;  // the bound's origin is not added to what is outside
   };
   for (const auto& [aspect, inside, outside] :
-       {Case{{8, 4}, Rect(10, 45, 100, 50), Rect(-50, 0, 200, 100)},
-        Case{{1, 4}, Rect(47.5, 20, 25, 100), Rect(0, -150, 100, 400)}}) {
+       {Case{{4, 4}, Rect(60, 20, 100, 100), Rect(0, -50, 200, 200)},
+        Case{{8, 2}, Rect(10, 45, 200, 50), Rect(-100, 0, 400, 100)}}) {
     EXPECT_EQ(Math::makeSizeWithAspectRatioInsideSize(aspect, bound.size), inside.size);
     EXPECT_EQ(Math::makeRectWithAspectRatioInsideRect(aspect, bound), inside);
     EXPECT_EQ(Math::makeSizeWithAspectRatioOutsideSize(aspect, bound.size), outside.size);
