@@ -16,9 +16,8 @@ constexpr const ImageFormat* formats[] = {&jpegFormat, &pngFormat, &bmpFormat};
 }  // namespace
 
 const ImageFormat* imageFormatOf(std::span<const std::byte> beginning, std::string_view hint) {
-  if (const ImageFormat* hinted = imageFormatForType(hint); hinted && hinted->sniff(beginning)) {
-    return hinted;
-  }
+  const ImageFormat* hinted = hint.empty() ? nullptr : imageFormatForType(hint);
+  if (hinted && hinted->sniff(beginning)) return hinted;
   const auto* found = std::find_if(std::begin(formats), std::end(formats),
                                    [&](const auto* format) { return format->sniff(beginning); });
   return found == std::end(formats) ? nullptr : *found;

@@ -34,7 +34,7 @@ class ImageReader {
 
   // The rest is asked only of an index below `count()`.
 
-  /// Never null.
+  /// Never null. It may be the reader's own, and is good as long as the reader is there.
   virtual std::shared_ptr<const ImageHeader> headerAt(std::size_t index) const = 0;
   /// Never null; its state says when there are no rows.
   virtual std::unique_ptr<RowReader> rowsAt(std::size_t index, const RowRequest& request) const = 0;

@@ -17,20 +17,20 @@ namespace FrameworkUtility::detail {
 
 class SingleImageReader final : public ImageReader {
  public:
+  using HeaderOf = ImageHeader(const ByteSource& source);
   using RowsOf = std::unique_ptr<RowReader>(const ByteSource& source, const RowRequest& request);
 
   /// `type` must outlive the reader.
-  SingleImageReader(std::string_view type, const ByteSource& source, ImageHeader header,
+  SingleImageReader(std::string_view type, const ByteSource& source, HeaderOf& headerOf,
                     RowsOf& rowsOf)
-      : type_(type),
-        source_(source),
-        header_(std::make_shared<const ImageHeader>(std::move(header))),
-        rowsOf_(rowsOf) {}
+      : type_(type), source_(source), header_(headerOf(source)), rowsOf_(rowsOf) {}
 
-  CGImageSourceStatus status() const override { return header_->status; }
+  CGImageSourceStatus status() const override { return header_.status; }
   std::string_view type() const override { return type_; }
   std::size_t count() const override { return status() == CGImageSourceStatus::complete ? 1 : 0; }
-  std::shared_ptr<const ImageHeader> headerAt(std::size_t) const override { return header_; }
+  std::shared_ptr<const ImageHeader> headerAt(std::size_t) const override {
+    return {std::shared_ptr<const ImageHeader>(), &header_};  // the reader's own
+  }
   std::unique_ptr<RowReader> rowsAt(std::size_t, const RowRequest& request) const override {
     return rowsOf_(source_, request);
   }
@@ -38,7 +38,7 @@ class SingleImageReader final : public ImageReader {
  private:
   std::string_view type_;
   ByteSource source_;
-  std::shared_ptr<const ImageHeader> header_;
+  ImageHeader header_;
   RowsOf& rowsOf_;
 };
 

@@ -12,8 +12,7 @@ namespace {
 constinit const UTType types[] = {UTType{"com.microsoft.bmp"}};
 
 std::unique_ptr<ImageReader> open(const ByteSource& source) {
-  return std::make_unique<SingleImageReader>(types[0].identifier(), source, readBmpHeader(source),
-                                             bmpRows);
+  return std::make_unique<SingleImageReader>(types[0].identifier(), source, readBmpHeader, bmpRows);
 }
 
 std::unique_ptr<ImageWriter> create(std::string_view, std::size_t) { return nullptr; }

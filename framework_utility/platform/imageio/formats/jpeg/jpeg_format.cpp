@@ -19,8 +19,8 @@ bool sniff(std::span<const std::byte> beginning) {
 }
 
 std::unique_ptr<ImageReader> open(const ByteSource& source) {
-  return std::make_unique<SingleImageReader>(UTTypeJPEG.identifier(), source,
-                                             readJpegHeader(source), jpegRows);
+  return std::make_unique<SingleImageReader>(UTTypeJPEG.identifier(), source, readJpegHeader,
+                                             jpegRows);
 }
 
 std::unique_ptr<ImageWriter> create(std::string_view, std::size_t) {

@@ -14,7 +14,7 @@ namespace {
 constinit const UTType types[] = {UTType{"public.png"}};
 
 std::unique_ptr<ImageReader> open(const ByteSource& source) {
-  return std::make_unique<SingleImageReader>(UTTypePNG.identifier(), source, readPngHeader(source),
+  return std::make_unique<SingleImageReader>(UTTypePNG.identifier(), source, readPngHeader,
                                              pngRows);
 }
 
