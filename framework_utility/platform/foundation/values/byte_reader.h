@@ -94,6 +94,18 @@ T ByteReader::at(std::uint64_t offset) const {
 }
 
 inline std::uint64_t ByteReader::number(std::uint64_t offset, std::size_t size) const {
+  switch (size) {
+    case 1:
+      return at<std::uint8_t>(offset);
+    case 2:
+      return at<std::uint16_t>(offset);
+    case 4:
+      return at<std::uint32_t>(offset);
+    case 8:
+      return at<std::uint64_t>(offset);
+    default:
+      break;
+  }
   const std::span<const std::byte> stored = part(offset, size);
   std::uint64_t value = 0;
   for (std::size_t i = 0; i < stored.size(); ++i) {
