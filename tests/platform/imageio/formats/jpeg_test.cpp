@@ -163,6 +163,7 @@ TEST(JpegHeader, OtherSegmentsAreKeptButForThoseOfThePixels) {
              {0xE1, "http://ns.adobe.com/xap/1.0/\0<x/>"s},
              {0xE2, "FPXR\0"s, true},
              {0xE2, "MPF\0MM"s},
+             {0xE2, "BGTH\xFF\xD8\xFF small"},
              {0xE2, "ICC_PROFILE\0\1\1profile"s},
              {0xE3, "Meta", true},
              {0xE8, "SPIFF\0"s},
@@ -174,6 +175,8 @@ TEST(JpegHeader, OtherSegmentsAreKeptButForThoseOfThePixels) {
              {0xEF, "Q 90", true},
              {0xE4, "\xFF\xD8\xFF\xDB large"},
              {0xE4, "the rest of it"},
+             {0xE5, "QVGA\0\xFF\xD8\xFF small"s},
+             {0xE6, "\xFF\xD8\xFF no picture", true},
              {0xFE, "a comment", true},
              {0xFE, "another", true}};
   std::string segments, expected;
